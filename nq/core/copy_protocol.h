@@ -1,0 +1,192 @@
+// copy_protocol.h -- deep and attribute copies, the same in every class.
+//
+// Every class X with state offers the same dozen members: two copying
+// constructors, assignment (always deep), copyObject and copyAttributes, two
+// virtual and two typed clones, and castDown. A class states them with one
+// line in its body and one in its source, and writes out only what differs:
+// init(), which gives every field its default, and the two routines that copy
+// its own fields.
+//
+//   class NQ_EXPORT NQInt : public NQObject {
+//     NQ_COPY_PROTOCOL(NQInt)
+//    ...
+//    protected:
+//     void init();
+//   };
+//
+//   NQ_COPY_PROTOCOL_IMPL(NQInt)
+//
+//   void NQInt::NQIntdeepCopy(const NQInt& source) {
+//     NQCopyAccess::deep<NQObject>(*this, source);  // the base comes first
+//     value_ = source.value_;
+//   }
+//   void NQInt::NQIntattributeCopy(const NQInt& source) { ... }
+//
+// How it works
+//   X(source, flag) runs the base's default constructor and X::init(), then
+//   the routine that the flag names. Each routine begins with its base's
+//   routine of the same kind, named in the call, and ends at NQObject's, which
+//   do nothing. The routines have a class-specific name, so the macro adds a
+//   private pair of static functions with a uniform one, through which
+//   NQCopyAccess, a friend of every class, reaches them.
+//
+//   Typed clones answer null for a null receiver. Compilers may assume that
+//   `this` is not null, so the test is made by nqIsNull(), which lives in the
+//   library, and the library and its users are compiled with
+//   -fno-delete-null-pointer-checks.
+//
+// A clone belongs to the caller. A class that departs from the pattern declares
+// NQ_COPY_ROUTINES and writes the members that differ by hand.
+
+#ifndef NQ_CORE_COPY_PROTOCOL_H
+#define NQ_CORE_COPY_PROTOCOL_H
+
+#include <new>
+#include <type_traits>
+
+#include "nq/core/object.h"
+
+// Whether `pointer` is null, asked where the optimiser cannot answer.
+NQ_EXPORT bool nqIsNull(const void* pointer) noexcept;
+
+// The logic behind the macros, and the way from a class's copy routines to its
+// base's.
+class NQCopyAccess {
+ public:
+  // The base-class calls of the two copy routines.
+  template <class Base>
+  static void deep(Base& target, const Base& source) {
+    checkRoutines<Base>();
+    Base::nqDeepRoutine(target, source);
+  }
+  template <class Base>
+  static void attributes(Base& target, const Base& source) {
+    checkRoutines<Base>();
+    Base::nqAttributeRoutine(target, source);
+  }
+
+  // The bodies of the members that the macros declare.
+  template <class X>
+  static void construct(X& target, const X& source, NQDeepFlagEnum flag) {
+    target.init();
+    if (flag == NQ_DEEP_COPY) {
+      deep<X>(target, source);
+    } else {
+      attributes<X>(target, source);
+    }
+  }
+  template <class X>
+  static void copyObject(X& target, const NQObject* source) {
+    if (source == nullptr || source == &target) return;
+    deep<X>(target, *static_cast<const X*>(source));
+  }
+  template <class X>
+  static void copyAttributes(X& target, const NQObject* source) {
+    if (source == nullptr || source == &target) return;
+    attributes<X>(target, *static_cast<const X*>(source));
+  }
+  template <class X>
+  static NQObject* newCopy(const X& source, NQDeepFlagEnum flag) {
+    return new (std::nothrow) X(source, flag);
+  }
+  template <class X>
+  static X* cloneObject(const X* source) {
+    return nqIsNull(source) ? nullptr : static_cast<X*>(source->vCloneObject());
+  }
+  template <class X>
+  static X* cloneAttributes(const X* source) {
+    return nqIsNull(source) ? nullptr : static_cast<X*>(source->vCloneAttributes());
+  }
+  template <class X>
+  static X* castDown(const NQObject* object) {
+    return const_cast<X*>(static_cast<const X*>(object));
+  }
+
+ private:
+  // A class without routines of its own would silently answer with its base's.
+  template <class X>
+  static constexpr void checkRoutines() {
+    using Routine = void (*)(X&, const X&);
+    static_assert(std::is_same_v<decltype(&X::nqDeepRoutine), Routine> &&
+                      std::is_same_v<decltype(&X::nqAttributeRoutine), Routine>,
+                  "the class lacks NQ_COPY_PROTOCOL or NQ_COPY_ROUTINES");
+  }
+};
+
+// The two copy routines of X, reachable for its derived classes.
+#define NQ_COPY_ROUTINES(X)                                    \
+ private:                                                      \
+  friend class ::NQCopyAccess;                                 \
+  void X##deepCopy(const X& source);                           \
+  void X##attributeCopy(const X& source);                      \
+  static void nqDeepRoutine(X& target, const X& source) {      \
+    target.X##deepCopy(source);                                \
+  }                                                            \
+  static void nqAttributeRoutine(X& target, const X& source) { \
+    target.X##attributeCopy(source);                           \
+  }
+
+// The members of the protocol, as the first line of X's body.
+#define NQ_COPY_PROTOCOL(X)                             \
+  NQ_COPY_ROUTINES(X)                                   \
+ public:                                                \
+  X(const X& source, NQDeepFlagEnum flag);              \
+  X(const X& source);                                   \
+  const X& operator=(const X& source);                  \
+  void copyObject(const NQObject* source) override;     \
+  void copyAttributes(const NQObject* source) override; \
+  X* cloneObject() const;                               \
+  X* cloneAttributes() const;                           \
+  static X* castDown(const NQObject* object);           \
+                                                        \
+ protected:                                             \
+  NQObject* vCloneObject() const override;              \
+  NQObject* vCloneAttributes() const override;          \
+                                                        \
+ private:
+
+// Their definitions, in X's source; X's two routines are written out beside it.
+#define NQ_COPY_PROTOCOL_IMPL(X)                               \
+  X::X(const X& source, NQDeepFlagEnum flag) {                 \
+    NQCopyAccess::construct<X>(*this, source, flag);           \
+  }                                                            \
+  X::X(const X& source) : X(source, NQ_DEEP_COPY) {}           \
+  const X& X::operator=(const X& source) {                     \
+    NQCopyAccess::copyObject<X>(*this, &source);               \
+    return *this;                                              \
+  }                                                            \
+  void X::copyObject(const NQObject* source) {                 \
+    NQCopyAccess::copyObject<X>(*this, source);                \
+  }                                                            \
+  void X::copyAttributes(const NQObject* source) {             \
+    NQCopyAccess::copyAttributes<X>(*this, source);            \
+  }                                                            \
+  X* X::cloneObject() const {                                  \
+    return NQCopyAccess::cloneObject<X>(this);                 \
+  }                                                            \
+  X* X::cloneAttributes() const {                              \
+    return NQCopyAccess::cloneAttributes<X>(this);             \
+  }                                                            \
+  X* X::castDown(const NQObject* object) {                     \
+    return NQCopyAccess::castDown<X>(object);                  \
+  }                                                            \
+  NQObject* X::vCloneObject() const {                          \
+    return NQCopyAccess::newCopy<X>(*this, NQ_DEEP_COPY);      \
+  }                                                            \
+  NQObject* X::vCloneAttributes() const {                      \
+    return NQCopyAccess::newCopy<X>(*this, NQ_ATTRIBUTE_COPY); \
+  }
+
+// Both routines of a class whose two kinds of copy are the same: the base's
+// routine of the same kind, then X's private copyFields(const X& source).
+#define NQ_COPY_ALIKE_IMPL(X, BASE)                \
+  void X::X##deepCopy(const X& source) {           \
+    NQCopyAccess::deep<BASE>(*this, source);       \
+    copyFields(source);                            \
+  }                                                \
+  void X::X##attributeCopy(const X& source) {      \
+    NQCopyAccess::attributes<BASE>(*this, source); \
+    copyFields(source);                            \
+  }
+
+#endif  // NQ_CORE_COPY_PROTOCOL_H

@@ -1,0 +1,77 @@
+// system_internal.h -- the one seam between the library and the operating system.
+//
+// Every operating-system call goes through the table that system() returns.
+// There is one source per system that fills it in (system_posix.cpp,
+// system_windows.cpp); tests put a table of their own in its place to make
+// transfers fail, stop short, or run into a full disk.
+//
+// Handles are opaque; noHandle(), all bits set, is the invalid one. Counts that
+// a call hands back are set in every case, to 0 when nothing was transferred.
+
+#ifndef NQ_PLATFORM_SYSTEM_INTERNAL_H
+#define NQ_PLATFORM_SYSTEM_INTERNAL_H
+
+#include <cstddef>
+#include <cstdint>
+
+namespace nqdetail {
+
+using Handle = void*;
+
+inline Handle noHandle() {
+  return reinterpret_cast<Handle>(std::intptr_t{-1});
+}
+
+enum class Access { kRead, kWrite, kReadWrite };
+
+enum class Creation {
+  kExisting,   // fail when the file is missing
+  kTruncate,   // create it, or empty it
+  kIfMissing,  // create it when missing, else leave its contents
+};
+
+struct System {
+  // Opens a file so that no second open of it succeeds until it is closed,
+  // within this program or outside it. Directories and FIFOs are refused at
+  // once. `missing`, when not null, tells whether a failure was only that there
+  // is no such file.
+  Handle (*open)(const char* name, Access access, Creation creation, bool* missing);
+  bool (*close)(Handle handle);
+
+  // One transfer, which may be shorter than asked for; interrupted calls are
+  // taken up again. Reading nothing with success is the end of the data.
+  bool (*read)(Handle handle, void* data, std::size_t count, std::size_t* transferred);
+  bool (*write)(Handle handle, const void* data, std::size_t count,
+                std::size_t* transferred);
+  bool (*seekToEnd)(Handle handle);
+
+  Handle (*standardInput)();
+  Handle (*standardOutput)();
+  Handle (*standardError)();
+
+  // Fill `buffer` (of `size` bytes, terminated, "" on failure).
+  void (*currentDirectory)(char* buffer, std::size_t size);
+  void (*modulePath)(void* module, char* buffer, std::size_t size);
+
+  void* (*loadModule)(const char* name);  // null on failure
+  void (*unloadModule)(void* module);
+  void* (*symbol)(void* module, const char* name);  // null when there is none
+};
+
+// The table in force.
+const System& system();
+
+// The host's own table, whatever is in force.
+const System& hostSystem();
+
+// For tests: puts `replacement` in force (borrowed until the next call); null
+// restores the host's table. Not to be called while files are open elsewhere.
+void replaceSystem(const System* replacement);
+
+// Writes all of `data`, in as many transfers as it takes; `written` tells how
+// much arrived. False when a transfer fails or makes no progress.
+bool writeAll(Handle handle, const char* data, std::size_t count, std::size_t* written);
+
+}  // namespace nqdetail
+
+#endif  // NQ_PLATFORM_SYSTEM_INTERNAL_H

@@ -1,0 +1,128 @@
+#include <windows.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "nq/platform/system_internal.h"
+
+namespace nqdetail {
+
+namespace {
+
+// One transfer at most this long, so that its count fits the system's 32 bits.
+constexpr std::size_t kMaxTransfer = std::size_t{1} << 30;
+
+DWORD accessFlags(Access access) {
+  switch (access) {
+    case Access::kRead:
+      return GENERIC_READ;
+    case Access::kWrite:
+      return GENERIC_WRITE;
+    case Access::kReadWrite:
+      break;
+  }
+  return GENERIC_READ | GENERIC_WRITE;
+}
+
+DWORD dispositionOf(Creation creation) {
+  switch (creation) {
+    case Creation::kExisting:
+      return OPEN_EXISTING;
+    case Creation::kTruncate:
+      return CREATE_ALWAYS;
+    case Creation::kIfMissing:
+      break;
+  }
+  return OPEN_ALWAYS;
+}
+
+Handle openFile(const char* name, Access access, Creation creation, bool* missing) {
+  const HANDLE handle =
+      CreateFileA(name, accessFlags(access), 0, nullptr, dispositionOf(creation),
+                  FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (missing != nullptr) {
+    *missing = handle == INVALID_HANDLE_VALUE && GetLastError() == ERROR_FILE_NOT_FOUND;
+  }
+  if (handle != INVALID_HANDLE_VALUE && GetFileType(handle) == FILE_TYPE_PIPE) {
+    CloseHandle(handle);
+    return noHandle();
+  }
+  return handle;
+}
+
+bool closeFile(Handle handle) {
+  return CloseHandle(handle) != 0;
+}
+
+bool readFile(Handle handle, void* data, std::size_t count, std::size_t* transferred) {
+  DWORD read = 0;
+  const DWORD wanted = static_cast<DWORD>(std::min(count, kMaxTransfer));
+  const bool succeeded = ReadFile(handle, data, wanted, &read, nullptr) != 0 ||
+                         GetLastError() == ERROR_BROKEN_PIPE;  // the writer has ended
+  *transferred = read;
+  return succeeded;
+}
+
+bool writeFile(Handle handle, const void* data, std::size_t count,
+               std::size_t* transferred) {
+  DWORD written = 0;
+  const DWORD wanted = static_cast<DWORD>(std::min(count, kMaxTransfer));
+  const bool succeeded = WriteFile(handle, data, wanted, &written, nullptr) != 0;
+  *transferred = written;
+  return succeeded;
+}
+
+bool seekFileToEnd(Handle handle) {
+  LARGE_INTEGER distance;
+  distance.QuadPart = 0;
+  return SetFilePointerEx(handle, distance, nullptr, FILE_END) != 0;
+}
+
+void currentDirectory(char* buffer, std::size_t size) {
+  if (size == 0) return;
+  const DWORD length = GetCurrentDirectoryA(static_cast<DWORD>(size), buffer);
+  if (length == 0 || length >= size) buffer[0] = '\0';
+}
+
+void modulePath(void* module, char* buffer, std::size_t size) {
+  if (size == 0) return;
+  const DWORD length =
+      GetModuleFileNameA(static_cast<HMODULE>(module), buffer, static_cast<DWORD>(size));
+  buffer[std::min<std::size_t>(length, size - 1)] = '\0';
+}
+
+void* loadModule(const char* name) {
+  return LoadLibraryA(name);
+}
+
+void unloadModule(void* module) {
+  FreeLibrary(static_cast<HMODULE>(module));
+}
+
+void* moduleSymbol(void* module, const char* name) {
+  return reinterpret_cast<void*>(GetProcAddress(static_cast<HMODULE>(module), name));
+}
+
+constexpr System kWindowsSystem = {
+    .open = openFile,
+    .close = closeFile,
+    .read = readFile,
+    .write = writeFile,
+    .seekToEnd = seekFileToEnd,
+    .standardInput = [] { return Handle{GetStdHandle(STD_INPUT_HANDLE)}; },
+    .standardOutput = [] { return Handle{GetStdHandle(STD_OUTPUT_HANDLE)}; },
+    .standardError = [] { return Handle{GetStdHandle(STD_ERROR_HANDLE)}; },
+    .currentDirectory = currentDirectory,
+    .modulePath = modulePath,
+    .loadModule = loadModule,
+    .unloadModule = unloadModule,
+    .symbol = moduleSymbol,
+};
+
+}  // namespace
+
+const System& hostSystem() {
+  return kWindowsSystem;
+}
+
+}  // namespace nqdetail
