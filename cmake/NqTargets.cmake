@@ -40,7 +40,10 @@ set_target_properties(nq_objects PROPERTIES
   POSITION_INDEPENDENT_CODE ON)
 target_link_libraries(nq_objects PRIVATE nq_options)
 target_include_directories(nq_objects PRIVATE ${PROJECT_SOURCE_DIR})
-target_compile_options(nq_objects PRIVATE -fwrapv ${NQ_INTERFACE_OPTIONS})
+# Calls from one exported function to another stay inside the library, so that
+# they can be inlined.
+target_compile_options(nq_objects PRIVATE
+  -fwrapv -fno-semantic-interposition ${NQ_INTERFACE_OPTIONS})
 target_compile_definitions(nq_objects PRIVATE
   $<IF:$<BOOL:${BUILD_SHARED_LIBS}>,NQ_BUILDING_SHARED,NQ_STATIC>)
 

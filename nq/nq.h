@@ -3,8 +3,16 @@
 #ifndef NQ_NQ_H
 #define NQ_NQ_H
 
+#include "nq/core/algorithm.h"
+#include "nq/core/boxed_values.h"
 #include "nq/core/copy_protocol.h"
+#include "nq/core/format.h"
+#include "nq/core/message_table.h"
 #include "nq/core/object.h"
+#include "nq/core/object_with_id.h"
+#include "nq/core/string_handle.h"
+#include "nq/core/text.h"
+#include "nq/core/unique_id.h"
 #include "nq/platform/export.h"
 #include "nq/platform/records.h"
 #include "nq/platform/types.h"

@@ -55,7 +55,7 @@ def find_circle(includes):
 
 
 def main():
-    listed = subprocess.run(["git", "ls-files", "nq/*.h", "nq/*.cpp"],
+    listed = subprocess.run(["git", "ls-files", "nq/*.h", "nq/*.cpp", "nq/*.def"],
                             capture_output=True, text=True, check=True).stdout.split()
     includes = {}
     for name in listed:

@@ -1,0 +1,10 @@
+#include "nq/core/boxed_values.h"
+
+NQ_COPY_PROTOCOL_IMPL(NQInt)
+NQ_COPY_ALIKE_IMPL(NQInt, NQObject)
+
+NQ_COPY_PROTOCOL_IMPL(NQLong)
+NQ_COPY_ALIKE_IMPL(NQLong, NQObject)
+
+NQ_COPY_PROTOCOL_IMPL(NQDouble)
+NQ_COPY_ALIKE_IMPL(NQDouble, NQObject)

@@ -1,0 +1,170 @@
+#include "nq/core/string_handle.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <utility>
+
+namespace {
+
+constexpr nqLong kFirstCapacity = 254;
+
+// What a text needs besides its characters: the terminator and the spare byte.
+constexpr nqInt64 kOverhead = 2;
+
+}  // namespace
+
+NQStringHandle::NQStringHandle() {
+  init();
+}
+
+void NQStringHandle::init() {
+  delete[] std::exchange(buffer_, nullptr);
+  pString(new char[kFirstCapacity]);
+  capacity(kFirstCapacity);
+  empty();
+}
+
+// Written out because the flag makes no difference and copyObject() goes through
+// copyAttributes(); all else is the protocol's own.
+NQStringHandle::NQStringHandle(const NQStringHandle& source, NQDeepFlagEnum flag) {
+  NQCopyAccess::construct<NQStringHandle>(*this, source, flag);
+}
+
+NQStringHandle::NQStringHandle(const NQStringHandle& source)
+    : NQStringHandle(source, NQ_DEEP_COPY) {}
+
+const NQStringHandle& NQStringHandle::operator=(const NQStringHandle& source) {
+  if (this != &source) NQStringHandleattributeCopy(source);
+  return *this;
+}
+
+void NQStringHandle::copyObject(const NQObject* source) {
+  copyAttributes(source);
+}
+
+void NQStringHandle::copyAttributes(const NQObject* source) {
+  NQCopyAccess::copyAttributes<NQStringHandle>(*this, source);
+}
+
+NQStringHandle* NQStringHandle::cloneObject() const {
+  return NQCopyAccess::cloneObject<NQStringHandle>(this);
+}
+
+NQStringHandle* NQStringHandle::cloneAttributes() const {
+  return NQCopyAccess::cloneAttributes<NQStringHandle>(this);
+}
+
+NQStringHandle* NQStringHandle::castDown(const NQObject* object) {
+  return NQCopyAccess::castDown<NQStringHandle>(object);
+}
+
+NQObject* NQStringHandle::vCloneObject() const {
+  return NQCopyAccess::newCopy<NQStringHandle>(*this, NQ_DEEP_COPY);
+}
+
+NQObject* NQStringHandle::vCloneAttributes() const {
+  return NQCopyAccess::newCopy<NQStringHandle>(*this, NQ_ATTRIBUTE_COPY);
+}
+
+void NQStringHandle::NQStringHandledeepCopy(const NQStringHandle& source) {
+  NQStringHandleattributeCopy(source);
+}
+
+void NQStringHandle::NQStringHandleattributeCopy(const NQStringHandle& source) {
+  NQCopyAccess::attributes<NQObject>(*this, source);
+  if (capacity_ != source.capacity_) {
+    const std::unique_ptr<char[]> replaced(
+        std::exchange(buffer_, new char[static_cast<std::size_t>(source.capacity_)]));
+    capacity(source.capacity_);
+  }
+  const nqLong length = source.strlenBuf();
+  std::memcpy(buffer_, source.buffer_, static_cast<std::size_t>(length));
+  setLength(length);
+}
+
+nqLong NQStringHandle::strlenBuf() const {
+  if (quickLength_ >= 0) return length_;
+  // A caller that wrote no terminator is not followed out of the buffer.
+  const std::size_t place = static_cast<std::size_t>(length_);
+  const std::size_t rest = static_cast<std::size_t>(capacity_ - 1) - place;
+  const void* const end = std::memchr(buffer_ + place, '\0', rest);
+  if (end == nullptr) return capacity_ - 1;
+  return static_cast<nqLong>(static_cast<const char*>(end) - buffer_);
+}
+
+nqLong NQStringHandle::sizeOf() const {
+  return capacity_ + 24;
+}
+
+int NQStringHandle::needCapacity(nqLong n) {
+  std::unique_ptr<char[]> replaced;
+  return reserve(nqInt64{n} + 1, &replaced) ? 1 : 0;
+}
+
+int NQStringHandle::increaseLength(nqLong k) {
+  std::unique_ptr<char[]> replaced;
+  return reserve(nqInt64{strlenBuf()} + k + kOverhead, &replaced) ? 1 : 0;
+}
+
+int NQStringHandle::appendString(const char* text) {
+  if (text == nullptr) return 0;
+  if (quickLength_ < 0) setLength(strlenBuf());
+  const auto added = static_cast<nqInt64>(std::strlen(text));
+  std::unique_ptr<char[]> replaced;  // which `text` may point into
+  if (!reserve(length_ + added + kOverhead, &replaced)) return 0;
+  std::memcpy(buffer_ + length_, text, static_cast<std::size_t>(added));
+  setLength(length_ + static_cast<nqLong>(added));
+  return 1;
+}
+
+char* NQStringHandle::obtainAppendBuffer(nqLong n) {
+  const nqLong length = strlenBuf();
+  std::unique_ptr<char[]> replaced;
+  if (!reserve(nqInt64{length} + n + 1 + kOverhead, &replaced)) return nullptr;
+  setLength(length);
+  return handOut(length);
+}
+
+void NQStringHandle::empty() {
+  setLength(0);
+}
+
+// From here on the end is unknown, but not before `place`.
+char* NQStringHandle::handOut(nqLong place) {
+  length_ = place;
+  quickLength_ = -1;
+  return buffer_ + place;
+}
+
+// The end is known: here.
+void NQStringHandle::setLength(nqLong length) {
+  buffer_[length] = '\0';
+  length_ = length;
+  quickLength_ = capacity_ - 3;
+}
+
+// Makes the capacity at least `required`; the buffer that was outgrown, if any,
+// goes to `replaced`.
+bool NQStringHandle::reserve(nqInt64 required, std::unique_ptr<char[]>* replaced) {
+  if (required <= capacity_) return true;
+  nqInt64 wanted = capacity_;
+  while (wanted < required) wanted *= 2;
+  if (wanted > std::numeric_limits<nqLong>::max()) return false;
+  char* const grown = new (std::nothrow) char[static_cast<std::size_t>(wanted)];
+  if (grown == nullptr) return false;
+  const nqLong length = strlenBuf();
+  std::memcpy(grown, buffer_, static_cast<std::size_t>(length));
+  replaced->reset(buffer_);
+  pString(grown);
+  capacity(static_cast<nqLong>(wanted));
+  setLength(length);
+  return true;
+}
+
+// Finds the end if it is unknown and makes room for one more character.
+bool NQStringHandle::prepareForChar() {
+  setLength(strlenBuf());
+  return increaseLength(1) != 0;
+}

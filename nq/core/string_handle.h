@@ -1,0 +1,90 @@
+// string_handle.h -- a growable buffer for text that is built piece by piece.
+//
+// The handle owns a NUL-terminated buffer of 254 bytes at first, which doubles
+// when it is too small and never shrinks, so that appending a character takes
+// constant time, amortised. Strings and buffers that the handle gives out stay
+// valid until it grows.
+//
+// A change for which there is no memory, or after which the capacity would not
+// fit an nqLong, is refused: the operation returns 0 (or null) and the text
+// stays as it was.
+//
+// How it works
+//   The text's length is kept, so that nothing walks over the text to append.
+//   Only after the buffer was handed out for writing is the end unknown: it is
+//   then looked for, from the place that was handed out, by whichever operation
+//   needs it, and known again after the next change.
+
+#ifndef NQ_CORE_STRING_HANDLE_H
+#define NQ_CORE_STRING_HANDLE_H
+
+#include <memory>
+
+#include "nq/core/copy_protocol.h"
+
+// Both kinds of copy are the same: they take over the text and the capacity,
+// even a smaller one. copyObject() calls the virtual copyAttributes(), so a
+// derived class that overrides the second has changed the first as well.
+class NQ_EXPORT NQStringHandle : public NQObject {
+  NQ_COPY_PROTOCOL(NQStringHandle)
+
+ public:
+  NQStringHandle();
+  ~NQStringHandle() override { delete[] buffer_; }
+
+  const char* pString() const { return buffer_; }
+  nqLong capacity() const { return capacity_; }
+  // The text's length.
+  nqLong strlenBuf() const;
+  // capacity() + 24.
+  virtual nqLong sizeOf() const;
+  void internalDebugOutput(int) const {}
+
+  // Makes room for a text of `n` characters.
+  int needCapacity(nqLong n);
+  // Makes room for `k` more characters and one byte to spare, which is why the
+  // first buffer holds 252 characters before it grows.
+  int increaseLength(nqLong k);
+
+  // A zero character adds nothing.
+  int appendChar(char c) {
+    if (length_ > quickLength_ && !prepareForChar()) return 0;
+    buffer_[length_] = c;
+    if (c != '\0') buffer_[++length_] = '\0';
+    return 1;
+  }
+  // `text` may be (part of) the handle's own. Null adds nothing and returns 0.
+  int appendString(const char* text);
+
+  // Hands out the place of the terminator, where the caller may write up to `n`
+  // characters and a terminator, until the handle is next changed. How much was
+  // written shows by that terminator.
+  char* obtainAppendBuffer(nqLong n);
+
+  // Makes the text empty and keeps the buffer.
+  void empty();
+
+ protected:
+  void init();
+
+ private:
+  friend class NQTestPeer;
+
+  // The whole buffer, to be written like one from obtainAppendBuffer().
+  char* pChangeableString() { return handOut(0); }
+  // Replace the buffer, or the figure, and nothing else.
+  char* pString(char* buffer) { return buffer_ = buffer; }
+  nqLong capacity(nqLong capacity) { return capacity_ = capacity; }
+
+  char* handOut(nqLong place);
+  void setLength(nqLong length);
+  bool reserve(nqInt64 required, std::unique_ptr<char[]>* replaced);
+  bool prepareForChar();
+
+  char* buffer_ = nullptr;  // owned; capacity_ bytes, terminated
+  nqLong capacity_ = 0;
+  nqLong length_ = 0;        // while handed out, the place from where to look for the end
+  nqLong quickLength_ = -1;  // up to which a character just fits; -1 while handed out
+};
+
+#endif  // NQ_CORE_STRING_HANDLE_H

@@ -1,0 +1,103 @@
+#include "nq/core/text.h"
+
+#include <cstring>
+#include <new>
+#include <string_view>
+#include <utility>
+
+#include "nq/core/message_table.h"
+#include "nq/platform/system_internal.h"
+
+namespace {
+
+// Null when memory is exhausted.
+std::unique_ptr<char[]> joined(std::string_view first, std::string_view second) {
+  const std::size_t length = first.size() + second.size();
+  std::unique_ptr<char[]> text(new (std::nothrow) char[length + 1]);
+  if (text == nullptr) return text;
+  std::memcpy(text.get(), first.data(), first.size());
+  std::memcpy(text.get() + first.size(), second.data(), second.size());
+  text[length] = '\0';
+  return text;
+}
+
+}  // namespace
+
+NQInternalText::NQInternalText(const char* text) {
+  pString(text);
+}
+
+NQInternalText::NQInternalText(int textId) : NQInternalText(getStringResource(textId)) {}
+
+NQInternalText::NQInternalText(long textId) : NQInternalText(static_cast<int>(textId)) {}
+
+NQInternalText::NQInternalText(const NQInternalText& source)
+    : NQInternalText(source.pString()) {}
+
+const NQInternalText& NQInternalText::operator=(const NQInternalText& source) {
+  if (this != &source) pString(source.pString());
+  return *this;
+}
+
+nqLong NQInternalText::sizeOf() const {
+  const std::size_t length = string_ == nullptr ? 0 : std::strlen(string_.get());
+  return static_cast<nqLong>(length + 8);
+}
+
+const char* NQInternalText::pString(const char* text) {
+  // The old string is freed last, since `text` may point into it.
+  string_ = text == nullptr ? nullptr : joined(text, "");
+  return string_.get();
+}
+
+const char* NQInternalText::appendString(const char* text) {
+  if (text == nullptr) return string_.get();
+  if (string_ == nullptr) return pString(text);
+  if (auto longer = joined(string_.get(), text)) string_ = std::move(longer);
+  return string_.get();
+}
+
+const char* NQInternalText::prependString(const char* text) {
+  if (text == nullptr) return string_.get();
+  if (string_ == nullptr) return pString(text);
+  if (auto longer = joined(text, string_.get())) string_ = std::move(longer);
+  return string_.get();
+}
+
+NQ_COPY_PROTOCOL_IMPL(NQText)
+
+void NQText::NQTextdeepCopy(const NQText& source) {
+  NQCopyAccess::deep<NQObject>(*this, source);
+  text_ = source.text_;
+}
+
+void NQText::NQTextattributeCopy(const NQText& source) {
+  NQCopyAccess::attributes<NQObject>(*this, source);
+  text_.pString(nullptr);
+}
+
+nqLong NQText::sizeOf() const {
+  return text_.sizeOf() + 8;
+}
+
+NQ_COPY_PROTOCOL_IMPL(NQErrorMsg)
+
+void NQErrorMsg::NQErrorMsgdeepCopy(const NQErrorMsg& source) {
+  NQCopyAccess::deep<NQText>(*this, source);
+}
+
+void NQErrorMsg::NQErrorMsgattributeCopy(const NQErrorMsg& source) {
+  NQCopyAccess::attributes<NQText>(*this, source);
+}
+
+void NQErrorMsg::display() const {
+  const char* const text = pString();
+  if (text == nullptr) return;
+  std::size_t written;
+  (void)nqdetail::writeAll(nqdetail::system().standardError(), text, std::strlen(text),
+                           &written);
+}
+
+void displayErrorMessage(const char* text) {
+  NQErrorMsg(text).display();
+}
