@@ -109,13 +109,17 @@ int NQStringHandle::increaseLength(nqLong k) {
 }
 
 int NQStringHandle::appendString(const char* text) {
-  if (text == nullptr) return 0;
+  return text == nullptr ? 0 : appendText(text);
+}
+
+int NQStringHandle::appendAnyText(std::string_view text) {
   if (quickLength_ < 0) setLength(strlenBuf());
-  const auto added = static_cast<nqInt64>(std::strlen(text));
+  const std::size_t added = text.size();
+  const nqLong length = length_;
   std::unique_ptr<char[]> replaced;  // which `text` may point into
-  if (!reserve(length_ + added + kOverhead, &replaced)) return 0;
-  std::memcpy(buffer_ + length_, text, static_cast<std::size_t>(added));
-  setLength(length_ + static_cast<nqLong>(added));
+  if (!reserve(length + static_cast<nqInt64>(added) + kOverhead, &replaced)) return 0;
+  std::memcpy(buffer_ + length, text.data(), added);
+  setLength(length + static_cast<nqLong>(added));
   return 1;
 }
 
@@ -125,24 +129,6 @@ char* NQStringHandle::obtainAppendBuffer(nqLong n) {
   if (!reserve(nqInt64{length} + n + 1 + kOverhead, &replaced)) return nullptr;
   setLength(length);
   return handOut(length);
-}
-
-void NQStringHandle::empty() {
-  setLength(0);
-}
-
-// From here on the end is unknown, but not before `place`.
-char* NQStringHandle::handOut(nqLong place) {
-  length_ = place;
-  quickLength_ = -1;
-  return buffer_ + place;
-}
-
-// The end is known: here.
-void NQStringHandle::setLength(nqLong length) {
-  buffer_[length] = '\0';
-  length_ = length;
-  quickLength_ = capacity_ - 3;
 }
 
 // Makes the capacity at least `required`; the buffer that was outgrown, if any,

@@ -19,6 +19,7 @@
 #define NQ_CORE_STRING_HANDLE_H
 
 #include <memory>
+#include <string_view>
 
 #include "nq/core/copy_protocol.h"
 
@@ -55,6 +56,16 @@ class NQ_EXPORT NQStringHandle : public NQObject {
   }
   // `text` may be (part of) the handle's own. Null adds nothing and returns 0.
   int appendString(const char* text);
+  // The same for a text that is not terminated and holds no zero byte.
+  int appendText(std::string_view text) {
+    if (static_cast<nqInt64>(text.size()) > quickLength_ - length_) {
+      return appendAnyText(text);
+    }
+    text.copy(buffer_ + length_, text.size());
+    length_ += static_cast<nqLong>(text.size());
+    buffer_[length_] = '\0';
+    return 1;
+  }
 
   // Hands out the place of the terminator, where the caller may write up to `n`
   // characters and a terminator, until the handle is next changed. How much was
@@ -62,13 +73,14 @@ class NQ_EXPORT NQStringHandle : public NQObject {
   char* obtainAppendBuffer(nqLong n);
 
   // Makes the text empty and keeps the buffer.
-  void empty();
+  void empty() { setLength(0); }
 
  protected:
   void init();
 
  private:
   friend class NQTestPeer;
+  friend class NQTextFile;  // edits lines in place
 
   // The whole buffer, to be written like one from obtainAppendBuffer().
   char* pChangeableString() { return handOut(0); }
@@ -76,8 +88,19 @@ class NQ_EXPORT NQStringHandle : public NQObject {
   char* pString(char* buffer) { return buffer_ = buffer; }
   nqLong capacity(nqLong capacity) { return capacity_ = capacity; }
 
-  char* handOut(nqLong place);
-  void setLength(nqLong length);
+  // From here on the end is unknown, but not before `place`.
+  char* handOut(nqLong place) {
+    length_ = place;
+    quickLength_ = -1;
+    return buffer_ + place;
+  }
+  // The end is known: here.
+  void setLength(nqLong length) {
+    buffer_[length] = '\0';
+    length_ = length;
+    quickLength_ = capacity_ - 3;
+  }
+  int appendAnyText(std::string_view text);
   bool reserve(nqInt64 required, std::unique_ptr<char[]>* replaced);
   bool prepareForChar();
 

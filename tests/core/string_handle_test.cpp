@@ -8,14 +8,8 @@
 #include <random>
 #include <string>
 
+#include "tests/core/test_peer.h"
 #include "tests/support/copy_protocol_check.h"
-
-class NQTestPeer {
- public:
-  static char* pChangeableString(NQStringHandle& handle) {
-    return handle.pChangeableString();
-  }
-};
 
 namespace {
 
