@@ -11,6 +11,7 @@
 #include "nq/core/object.h"
 #include "nq/core/object_with_id.h"
 #include "nq/core/string_handle.h"
+#include "nq/core/string_pool.h"
 #include "nq/core/text.h"
 #include "nq/core/unique_id.h"
 #include "nq/platform/export.h"
