@@ -3,6 +3,8 @@
 #ifndef NQ_NQ_H
 #define NQ_NQ_H
 
+#include "nq/containers/index_hash_table.h"
+#include "nq/containers/numbers.h"
 #include "nq/core/algorithm.h"
 #include "nq/core/boxed_values.h"
 #include "nq/core/copy_protocol.h"
