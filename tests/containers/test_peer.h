@@ -3,10 +3,22 @@
 #ifndef NQ_TESTS_CONTAINERS_TEST_PEER_H
 #define NQ_TESTS_CONTAINERS_TEST_PEER_H
 
+#include "nq/containers/cell_pool_internal.h"
 #include "nq/containers/index_hash_table.h"
 
 class NQTestPeer {
  public:
+  // Slabs of the calling thread.
+  template <class Pool>
+  static int slabs() {
+    nqdetail::CellHeap& heap = Pool::heap_;
+    int count = (heap.pCurrent_ != nullptr) + (heap.pSpare_ != nullptr);
+    for (const auto* const list : {&heap.roomy_, &heap.full_}) {
+      for (auto* slab = list->pFirst; slab != nullptr; slab = slab->pNext_) ++count;
+    }
+    return count;
+  }
+
   static nqLong bucketOf(const NQIndexHashTable& table, nqInt64 key) {
     return table.hash(key);
   }

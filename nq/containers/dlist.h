@@ -1,0 +1,172 @@
+// dlist.h -- doubly linked list of NQObject pointers.
+//
+// The general container of the library: NQDList, its cells (NQDListCell) and
+// its established iterator (NQDListIter). Ownership, positions and the
+// operations that both kinds of list share are told in linked_list.h; here
+// every one of them is O(1) that does not search.
+//
+// A deep copy of a list deletes the objects of its target and holds clones of
+// the source's; an attribute copy of a list is empty. A deep copy of a cell
+// holds a clone of the object, an attribute copy the same object; neither copies
+// the links.
+//
+// Cells come from slabs of their own, which makes them cheap to allocate and
+// keeps them close together. A cell may be deleted on another thread than the
+// one that made it.
+
+#ifndef NQ_CONTAINERS_DLIST_H
+#define NQ_CONTAINERS_DLIST_H
+
+#include <cstddef>
+#include <new>
+
+#include "nq/containers/linked_list.h"
+#include "nq/core/copy_protocol.h"
+
+class NQ_EXPORT NQDListCell : public NQObject {
+  NQ_COPY_PROTOCOL(NQDListCell)
+
+ public:
+  explicit NQDListCell(NQObject* object) : pObject_(object) {}
+
+  NQDListCell* pPreviousCell() const { return pPrevious_; }
+  NQDListCell* pPrevDListCell() const { return pPrevious_; }
+  NQDListCell* pNextCell() const { return pNext_; }
+  NQDListCell* pNextDListCell() const { return pNext_; }
+  NQObject* pObject() const { return pObject_; }
+
+  // The cell's accounting figure, not its size in memory: 32.
+  virtual nqLong sizeOf() const;
+
+  NQObject* pObject(NQObject* object) { return pObject_ = object; }
+
+  // Null when memory is exhausted, so that `new NQDListCell(object)` is null
+  // then too.
+  static void* operator new(std::size_t size) noexcept;
+  static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
+  static void* operator new(std::size_t, void* place) noexcept { return place; }
+  static void operator delete(void* place, std::size_t size) noexcept;
+
+ protected:
+  void init();
+
+ private:
+  template <class, class, class>
+  friend class NQObjectIterator;
+  template <class, class, class>
+  friend class NQLinkedList;
+  friend class NQDList;
+
+  NQDListCell* pPrevDListCell(NQDListCell* cell) { return pPrevious_ = cell; }
+  NQDListCell* pNextDListCell(NQDListCell* cell) { return pNext_ = cell; }
+
+  NQDListCell* pPrevious_ = nullptr;  // null in the first cell
+  NQDListCell* pNext_ = nullptr;      // null in the last cell
+  NQObject* pObject_;                 // never owned; may be null
+};
+
+class NQ_EXPORT NQDList : public NQObject,
+                          public NQLinkedList<NQDList, NQDListCell, NQSList> {
+  NQ_COPY_PROTOCOL(NQDList)
+
+ public:
+  NQDList() = default;
+  ~NQDList() override { deleteAllCells(); }
+
+  // New cells with the same objects. Include slist.h to convert.
+  explicit NQDList(const NQSList& source);
+  const NQDList& operator=(const NQSList& source);
+  operator NQSList() const;
+
+  using NQLinkedList::length;
+  NQDListCell* pFirstDListCell() const { return pFirstCell(); }
+  NQDListCell* pLastDListCell() const { return pLastCell(); }
+
+  // The list's accounting figure, not its size in memory: 32 for the list and
+  // 32 for each cell, with 32 bits.
+  virtual nqLong sizeOf() const;
+
+  // Hands the cell over; null for null. O(1). The cell keeps its own links, so
+  // that a walk can go on from it.
+  NQDListCell* removeCell(NQDListCell* cell) {
+    return cell == nullptr ? nullptr : removeAfter(cell->pPrevious_, cell);
+  }
+
+ protected:
+  void init();
+
+ private:
+  template <class, class, class>
+  friend class NQLinkedList;
+
+  NQDListCell* pFirstDListCell(NQDListCell* cell) { return pFirst_ = cell; }
+  NQDListCell* pLastDListCell(NQDListCell* cell) { return pLast_ = cell; }
+  nqLong length(nqLong count) { return length_ = count; }
+
+  bool findPrevious(const NQDListCell* cell, NQDListCell** previous) const {
+    if (cell == nullptr) return false;
+    *previous = cell->pPrevious_;
+    return true;
+  }
+};
+
+extern template class NQLinkedList<NQDList, NQDListCell, NQSList>;
+
+enum NQIterDirectionEnum : int {
+  NQ_BACKWARD = 0,  // and every value but 1
+  NQ_FORWARD = 1,
+};
+
+// Walks the cells of a list in either direction:
+//
+//   for (NQDListIter iter(&list, NQ_FORWARD); iter; ++iter) use(iter.pObject());
+//
+// The list does not know its iterators: take the next cell before the current
+// one is removed. Beyond either end an iterator is exhausted, and stays so.
+class NQ_EXPORT NQDListIter : public NQObject {
+ public:
+  // At either end of the list, or at `cell`; exhausted for a null list.
+  NQDListIter(const NQDList* list, NQIterDirectionEnum direction) {
+    init(list, direction);
+  }
+  NQDListIter(const NQDList* list, NQDListCell* cell) { init(list, cell); }
+
+  void init(const NQDList* list, NQIterDirectionEnum direction) {
+    if (list == nullptr) {
+      pCell_ = nullptr;
+    } else {
+      pCell_ = direction == NQ_FORWARD ? list->pFirstCell() : list->pLastCell();
+    }
+  }
+  void init(const NQDList* list, NQDListCell* cell) {
+    pCell_ = list == nullptr ? nullptr : cell;
+  }
+
+  // Whether there is a current cell.
+  operator int() const { return pCell_ != nullptr; }
+
+  NQDListCell* pCell() const { return pCell_; }
+  NQDListCell* pDListCell() const { return pCell_; }
+  NQObject* pObject() const { return pCell_ == nullptr ? nullptr : pCell_->pObject(); }
+
+  NQDListIter& operator++() {
+    if (pCell_ != nullptr) pCell_ = pCell_->pNextCell();
+    return *this;
+  }
+  NQDListIter& operator--() {
+    if (pCell_ != nullptr) pCell_ = pCell_->pPreviousCell();
+    return *this;
+  }
+  void operator++(int) { ++*this; }
+  void operator--(int) { --*this; }
+
+  void debugOutput(int level) override;
+
+ private:
+  NQDListIter(const NQDListIter&) = delete;
+  NQDListIter& operator=(const NQDListIter&) = delete;
+
+  NQDListCell* pCell_;
+};
+
+#endif  // NQ_CONTAINERS_DLIST_H

@@ -1,0 +1,354 @@
+// linked_list_internal.h -- the operations of both kinds of list.
+//
+// Included by dlist.cpp and slist.cpp, which instantiate NQLinkedList.
+
+#ifndef NQ_CONTAINERS_LINKED_LIST_INTERNAL_H
+#define NQ_CONTAINERS_LINKED_LIST_INTERNAL_H
+
+#include <algorithm>
+#include <functional>
+#include <vector>
+
+#include "nq/containers/linked_list.h"
+
+// ---- Search and position
+
+template <class List, class Cell, class Other>
+Cell* NQLinkedList<List, Cell, Other>::searchCell(const Cell* cell) const {
+  if (cell == nullptr) return nullptr;
+  Cell* found = pFirst_;
+  while (found != nullptr && found != cell) found = found->pNext_;
+  return found;
+}
+
+template <class List, class Cell, class Other>
+Cell* NQLinkedList<List, Cell, Other>::searchObject(const NQObject* object) const {
+  Cell* found = pFirst_;
+  while (found != nullptr && found->pObject_ != object) found = found->pNext_;
+  return found;
+}
+
+template <class List, class Cell, class Other>
+Cell* NQLinkedList<List, Cell, Other>::pCellInPosition(nqLong position) const {
+  if (position < 1 || position > length_) return nullptr;
+  Cell* cell = pFirst_;
+  while (--position > 0) cell = cell->pNext_;
+  return cell;
+}
+
+template <class List, class Cell, class Other>
+NQObject* NQLinkedList<List, Cell, Other>::pObjectInPosition(nqLong position) const {
+  const Cell* const cell = pCellInPosition(position);
+  return cell == nullptr ? nullptr : cell->pObject_;
+}
+
+template <class List, class Cell, class Other>
+nqLong NQLinkedList<List, Cell, Other>::positionOfCell(const Cell* cell) const {
+  nqLong position = 1;
+  for (const Cell* other = pFirst_; other != nullptr; other = other->pNext_) {
+    if (other == cell) return position;
+    ++position;
+  }
+  return -1;
+}
+
+template <class List, class Cell, class Other>
+nqLong NQLinkedList<List, Cell, Other>::positionOfObject(const NQObject* object) const {
+  return object == nullptr ? -1 : positionOfCell(searchObject(object));
+}
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::compare(const List* other) const {
+  if (other == nullptr || other->length_ != length_) return 0;
+  return std::equal(begin(), end(), other->begin()) ? 1 : 0;
+}
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::compareUnordered(const List* other) const {
+  if (other == nullptr || other->length_ != length_) return 0;
+  const auto sortedObjects = [](const NQLinkedList& list) {
+    std::vector<const NQObject*> objects(list.begin(), list.end());
+    std::sort(objects.begin(), objects.end(), std::less<>());
+    return objects;
+  };
+  return sortedObjects(*this) == sortedObjects(*other) ? 1 : 0;
+}
+
+// ---- Insertion
+
+template <class List, class Cell, class Other>
+Cell* NQLinkedList<List, Cell, Other>::addObject(Cell* after, NQObject* object) {
+  return insertCell(after, new Cell(object));
+}
+
+template <class List, class Cell, class Other>
+Cell* NQLinkedList<List, Cell, Other>::appendObject(NQObject* object) {
+  return addObject(pLast_, object);
+}
+
+template <class List, class Cell, class Other>
+Cell* NQLinkedList<List, Cell, Other>::prependObject(NQObject* object) {
+  return addObject(nullptr, object);
+}
+
+template <class List, class Cell, class Other>
+Cell* NQLinkedList<List, Cell, Other>::insertCellIfNotInList(Cell* after, Cell* cell) {
+  if (cell == nullptr) return nullptr;
+  Cell* const present = searchObject(cell->pObject_);
+  return present != nullptr ? present : insertCell(after, cell);
+}
+
+template <class List, class Cell, class Other>
+Cell* NQLinkedList<List, Cell, Other>::addObjectIfNotInList(Cell* after,
+                                                            NQObject* object) {
+  Cell* const present = searchObject(object);
+  return present != nullptr ? present : addObject(after, object);
+}
+
+// ---- Removal
+
+template <class List, class Cell, class Other>
+Cell* NQLinkedList<List, Cell, Other>::searchAndRemoveCell(const Cell* cell) {
+  return self()->removeCell(searchCell(cell));
+}
+
+template <class List, class Cell, class Other>
+Cell* NQLinkedList<List, Cell, Other>::searchAndRemoveObject(const NQObject* object) {
+  return self()->removeCell(searchObject(object));
+}
+
+template <class List, class Cell, class Other>
+void NQLinkedList<List, Cell, Other>::discardCell(Cell* cell) {
+  delete self()->removeCell(cell);
+}
+
+template <class List, class Cell, class Other>
+void NQLinkedList<List, Cell, Other>::deleteAllCells() {
+  Cell* cell = pFirst_;
+  while (cell != nullptr) {
+    Cell* const next = cell->pNext_;
+    delete cell;
+    cell = next;
+  }
+  pFirst_ = pLast_ = nullptr;
+  length_ = 0;
+}
+
+template <class List, class Cell, class Other>
+void NQLinkedList<List, Cell, Other>::deleteAllCellsAndObjects() {
+  Cell* cell = pFirst_;
+  while (cell != nullptr) {
+    Cell* const next = cell->pNext_;
+    delete cell->pObject_;
+    cell = next;
+  }
+  deleteAllCells();
+}
+
+// ---- Moving and copying cells
+
+template <class List, class Cell, class Other>
+bool NQLinkedList<List, Cell, Other>::refuses(const List* source) const {
+  return source == nullptr || source == self();
+}
+
+// The number of cells of this list from `from` to `to`; 0 when either is null
+// or `to` is not reached.
+template <class List, class Cell, class Other>
+nqLong NQLinkedList<List, Cell, Other>::runLength(const Cell* from,
+                                                  const Cell* to) const {
+  if (from == nullptr || to == nullptr) return 0;
+  if (from == pFirst_ && to == pLast_) return length_;
+  nqLong count = 1;
+  while (from != to) {
+    from = from->pNext_;
+    if (from == nullptr) return 0;
+    ++count;
+  }
+  return count;
+}
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::moveRun(Cell* after, List* source, Cell* previous,
+                                             Cell* to) {
+  Cell* const from = previous == nullptr ? source->pFirst_ : previous->pNext_;
+  const nqLong count = source->runLength(from, to);
+  if (count == 0) return 0;
+  source->connect(previous, to->pNext_);
+  source->length_ -= count;
+  Cell* const next = after == nullptr ? pFirst_ : after->pNext_;
+  connect(after, from);
+  connect(to, next);
+  length_ += count;
+  return 1;
+}
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::transferListPart(Cell* after, List* source,
+                                                      Cell* from, Cell* to) {
+  Cell* previous = nullptr;
+  if (refuses(source) || !source->findPrevious(from, &previous)) return 0;
+  return moveRun(after, source, previous, to);
+}
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::transferListPartIfNotInList(Cell* after,
+                                                                 List* source, Cell* from,
+                                                                 Cell* to) {
+  Cell* previous = nullptr;
+  if (refuses(source) || !source->findPrevious(from, &previous) ||
+      source->runLength(from, to) == 0) {
+    return 0;
+  }
+  Cell* cell = from;
+  while (cell != nullptr && cell != to->pNext_) {
+    Cell* const next = cell->pNext_;
+    if (searchObject(cell->pObject_) == nullptr) {
+      after = insertCell(after, source->removeAfter(previous, cell));
+    } else {
+      previous = cell;
+    }
+    cell = next;
+  }
+  return 1;
+}
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::copyRun(Cell* after, const List* source,
+                                             const Cell* from, const Cell* to,
+                                             bool onlyNewObjects) {
+  if (refuses(source) || source->runLength(from, to) == 0) return 0;
+  for (const Cell* cell = from;; cell = cell->pNext_) {
+    if (!onlyNewObjects || searchObject(cell->pObject_) == nullptr) {
+      Cell* const copy = addObject(after, cell->pObject_);
+      if (copy != nullptr) after = copy;
+    }
+    if (cell == to) return 1;
+  }
+}
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::copyTransferListPart(Cell* after, const List* source,
+                                                          const Cell* from,
+                                                          const Cell* to) {
+  return copyRun(after, source, from, to, false);
+}
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::copyTransferListPartIfNotInList(Cell* after,
+                                                                     const List* source,
+                                                                     const Cell* from,
+                                                                     const Cell* to) {
+  return copyRun(after, source, from, to, true);
+}
+
+// The operation on a part, for a whole list.
+template <class List, class Cell, class Other>
+template <class Source, class SomeCell>
+int NQLinkedList<List, Cell, Other>::wholeList(int (NQLinkedList::*part)(Cell*, Source*,
+                                                                         SomeCell*,
+                                                                         SomeCell*),
+                                               Cell* after, Source* source) {
+  if (refuses(source)) return 0;
+  if (source->length_ == 0) return 1;
+  return (this->*part)(after, source, source->pFirst_, source->pLast_);
+}
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::transferList(Cell* after, List* source) {
+  return wholeList(&NQLinkedList::transferListPart, after, source);
+}
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::transferListIfNotInList(Cell* after, List* source) {
+  return wholeList(&NQLinkedList::transferListPartIfNotInList, after, source);
+}
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::copyTransferList(Cell* after, const List* source) {
+  return wholeList(&NQLinkedList::copyTransferListPart, after, source);
+}
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::copyTransferListIfNotInList(Cell* after,
+                                                                 const List* source) {
+  return wholeList(&NQLinkedList::copyTransferListPartIfNotInList, after, source);
+}
+
+// Appends the objects of `source`, which was this list's contents if it is this
+// list, or clones of them.
+template <class List, class Cell, class Other>
+template <class Source>
+int NQLinkedList<List, Cell, Other>::fillFrom(const Source* source, bool clones) {
+  if (source == nullptr || static_cast<const NQObject*>(source) == self()) return 0;
+  for (NQObject* const object : *source) {
+    appendObject(clones && object != nullptr ? object->cloneObject() : object);
+  }
+  return 1;
+}
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::copyAllCells(const List* source) {
+  deleteAllCells();
+  return fillFrom(source, false);
+}
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::copyAllCells(const Other* source) {
+  deleteAllCells();
+  return fillFrom(source, false);
+}
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::copyAllCellsAndObjects(const List* source) {
+  deleteAllCellsAndObjects();
+  return fillFrom(source, true);
+}
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::copyAllCellsAndObjects(const Other* source) {
+  deleteAllCellsAndObjects();
+  return fillFrom(source, true);
+}
+
+// ---- Reordering
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::reverse() {
+  List reversed;
+  while (pFirst_ != nullptr) reversed.prependCell(removeAfter(nullptr, pFirst_));
+  return transferList(nullptr, &reversed);
+}
+
+template <class List, class Cell, class Other>
+void NQLinkedList<List, Cell, Other>::swapPosition(Cell* a, Cell* b) {
+  Cell* beforeA = nullptr;
+  Cell* beforeB = nullptr;
+  if (a == b || !self()->findPrevious(a, &beforeA) ||
+      !self()->findPrevious(b, &beforeB)) {
+    return;
+  }
+  if (beforeA == b) {
+    insertCell(a, removeAfter(beforeB, b));
+  } else if (beforeB == a) {
+    insertCell(b, removeAfter(beforeA, a));
+  } else {
+    insertCell(beforeB, removeAfter(beforeA, a));
+    // `a` stands before `b` now.
+    insertCell(beforeA, removeAfter(a, b));
+  }
+}
+
+template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::merge(List* a, List* b) {
+  if (refuses(a) || refuses(b)) return 0;
+  while (a->pFirst_ != nullptr || b->pFirst_ != nullptr) {
+    for (List* const source : {a, b}) {
+      if (source->pFirst_ != nullptr)
+        appendCell(source->removeAfter(nullptr, source->pFirst_));
+    }
+  }
+  return 1;
+}
+
+#endif  // NQ_CONTAINERS_LINKED_LIST_INTERNAL_H
