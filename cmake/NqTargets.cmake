@@ -59,6 +59,10 @@ set_target_properties(nq PROPERTIES
   VERSION ${PROJECT_VERSION}
   SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
   VERIFY_INTERFACE_HEADER_SETS ON)
+if(NOT WIN32)
+  # Calls inside the library are its own: nobody replaces one function of it.
+  target_link_options(nq PRIVATE -Wl,-Bsymbolic-functions)
+endif()
 
 # nq_sources(PUBLIC header... SOURCES source...)
 # Adds a folder's files to the library: public headers are installed and

@@ -114,12 +114,11 @@ int NQStringHandle::appendString(const char* text) {
 
 int NQStringHandle::appendAnyText(std::string_view text) {
   if (quickLength_ < 0) setLength(strlenBuf());
-  const std::size_t added = text.size();
-  const nqLong length = length_;
+  const auto added = static_cast<nqInt64>(text.size());
   std::unique_ptr<char[]> replaced;  // which `text` may point into
-  if (!reserve(length + static_cast<nqInt64>(added) + kOverhead, &replaced)) return 0;
-  std::memcpy(buffer_ + length, text.data(), added);
-  setLength(length + static_cast<nqLong>(added));
+  if (!reserve(length_ + added + kOverhead, &replaced)) return 0;
+  std::memcpy(buffer_ + length_, text.data(), text.size());
+  setLength(length_ + static_cast<nqLong>(added));
   return 1;
 }
 

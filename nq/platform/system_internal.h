@@ -11,6 +11,7 @@
 #ifndef NQ_PLATFORM_SYSTEM_INTERNAL_H
 #define NQ_PLATFORM_SYSTEM_INTERNAL_H
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -19,7 +20,7 @@ namespace nqdetail {
 using Handle = void*;
 
 inline Handle noHandle() {
-  return reinterpret_cast<Handle>(std::intptr_t{-1});
+  return std::bit_cast<Handle>(std::intptr_t{-1});
 }
 
 enum class Access { kRead, kWrite, kReadWrite };
@@ -32,10 +33,9 @@ enum class Creation {
 
 struct System {
   // Opens a file so that no second open of it succeeds until it is closed,
-  // within this program or outside it. Directories and FIFOs are refused at
-  // once. `missing`, when not null, tells whether a failure was only that there
-  // is no such file.
-  Handle (*open)(const char* name, Access access, Creation creation, bool* missing);
+  // within this program or outside it; a refused open changes nothing.
+  // Directories and FIFOs are refused at once; devices are not exclusive.
+  Handle (*open)(const char* name, Access access, Creation creation);
   bool (*close)(Handle handle);
 
   // One transfer, which may be shorter than asked for; interrupted calls are
@@ -43,14 +43,21 @@ struct System {
   bool (*read)(Handle handle, void* data, std::size_t count, std::size_t* transferred);
   bool (*write)(Handle handle, const void* data, std::size_t count,
                 std::size_t* transferred);
-  bool (*seekToEnd)(Handle handle);
 
+  // Moves the place of the next transfer: to the end, or by so many bytes.
+  bool (*seekToEnd)(Handle handle);
+  bool (*seekBy)(Handle handle, std::int64_t distance);
+
+  // The program's own streams, noHandle() where it has none.
   Handle (*standardInput)();
   Handle (*standardOutput)();
   Handle (*standardError)();
 
-  // Fill `buffer` (of `size` bytes, terminated, "" on failure).
+  // Fills `buffer` (of `size` bytes, terminated), with "" when the name does not
+  // fit or is not known.
   void (*currentDirectory)(char* buffer, std::size_t size);
+  // The same with the full path of a module's file, or of the program's for
+  // null; a path that does not fit is cut.
   void (*modulePath)(void* module, char* buffer, std::size_t size);
 
   void* (*loadModule)(const char* name);  // null on failure

@@ -5,7 +5,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <bit>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 
 #include "nq/platform/system_internal.h"
@@ -15,11 +18,11 @@ namespace nqdetail {
 namespace {
 
 int descriptorOf(Handle handle) {
-  return static_cast<int>(reinterpret_cast<std::intptr_t>(handle));
+  return static_cast<int>(std::bit_cast<std::intptr_t>(handle));
 }
 
 Handle handleOf(int descriptor) {
-  return reinterpret_cast<Handle>(static_cast<std::intptr_t>(descriptor));
+  return std::bit_cast<Handle>(std::intptr_t{descriptor});
 }
 
 int accessFlags(Access access) {
@@ -34,40 +37,42 @@ int accessFlags(Access access) {
   return O_RDWR;
 }
 
-// Whether the descriptor is a file or device whose transfers make sense, and
-// nobody else has it open exclusively.
-bool claim(int descriptor) {
+// Calls a system function until no signal interrupts it.
+template <class Call>
+auto uninterrupted(Call call) {
+  auto result = call();
+  while (result < 0 && errno == EINTR) result = call();
+  return result;
+}
+
+// Takes the exclusive lock of a regular file. Failing to take it is a failure
+// only when somebody else has it: a file system without locks cannot refuse the
+// file to others.
+bool lockFile(int descriptor) {
+  return uninterrupted([=] { return flock(descriptor, LOCK_EX | LOCK_NB); }) == 0 ||
+         errno != EWOULDBLOCK;
+}
+
+// What remains of opening a file once there is a descriptor. It is emptied only
+// when it is ours.
+bool prepare(int descriptor, Access access, Creation creation) {
   struct stat status;
   if (fstat(descriptor, &status) != 0) return false;
   if (S_ISDIR(status.st_mode) || S_ISFIFO(status.st_mode)) return false;
-  int result;
-  do {
-    result = flock(descriptor, LOCK_EX | LOCK_NB);
-  } while (result != 0 && errno == EINTR);
-  // A file system without locks cannot refuse the file to others.
-  return result == 0 || errno != EWOULDBLOCK;
+  // The open must not wait; transfers do.
+  if (fcntl(descriptor, F_SETFL, accessFlags(access)) != 0) return false;
+  if (!S_ISREG(status.st_mode)) return true;
+  if (!lockFile(descriptor)) return false;
+  return creation != Creation::kTruncate ||
+         uninterrupted([=] { return ftruncate(descriptor, 0); }) == 0;
 }
 
-Handle openFile(const char* name, Access access, Creation creation, bool* missing) {
-  if (missing != nullptr) *missing = false;
+Handle openFile(const char* name, Access access, Creation creation) {
   int flags = accessFlags(access) | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
   if (creation != Creation::kExisting) flags |= O_CREAT;
-  int descriptor;
-  do {
-    descriptor = open(name, flags, 0666);
-  } while (descriptor < 0 && errno == EINTR);
-  if (descriptor < 0) {
-    if (missing != nullptr) *missing = errno == ENOENT;
-    return noHandle();
-  }
-  // O_NONBLOCK kept the open from waiting for a FIFO's other end; transfers
-  // wait as usual. The file is emptied only once it is ours.
-  bool usable = claim(descriptor) && fcntl(descriptor, F_SETFL, accessFlags(access)) == 0;
-  if (usable && creation == Creation::kTruncate) {
-    // Devices have no length to cut.
-    usable = ftruncate(descriptor, 0) == 0 || errno == EINVAL;
-  }
-  if (!usable) {
+  const int descriptor = uninterrupted([=] { return open(name, flags, 0666); });
+  if (descriptor < 0) return noHandle();
+  if (!prepare(descriptor, access, creation)) {
     close(descriptor);
     return noHandle();
   }
@@ -81,20 +86,16 @@ bool closeFile(Handle handle) {
 }
 
 bool readFile(Handle handle, void* data, std::size_t count, std::size_t* transferred) {
-  ssize_t result;
-  do {
-    result = read(descriptorOf(handle), data, count);
-  } while (result < 0 && errno == EINTR);
+  const ssize_t result =
+      uninterrupted([=] { return read(descriptorOf(handle), data, count); });
   *transferred = result < 0 ? 0 : static_cast<std::size_t>(result);
   return result >= 0;
 }
 
 bool writeFile(Handle handle, const void* data, std::size_t count,
                std::size_t* transferred) {
-  ssize_t result;
-  do {
-    result = write(descriptorOf(handle), data, count);
-  } while (result < 0 && errno == EINTR);
+  const ssize_t result =
+      uninterrupted([=] { return write(descriptorOf(handle), data, count); });
   *transferred = result < 0 ? 0 : static_cast<std::size_t>(result);
   return result >= 0;
 }
@@ -103,11 +104,16 @@ bool seekFileToEnd(Handle handle) {
   return lseek(descriptorOf(handle), 0, SEEK_END) >= 0;
 }
 
+bool seekFileBy(Handle handle, std::int64_t distance) {
+  return lseek(descriptorOf(handle), distance, SEEK_CUR) >= 0;
+}
+
 void currentDirectory(char* buffer, std::size_t size) {
   if (size > 0 && getcwd(buffer, size) == nullptr) buffer[0] = '\0';
 }
 
 void* loadModule(const char* name) {
+  if (*name == '\0') return nullptr;  // would stand for the program itself
   return dlopen(name, RTLD_NOW | RTLD_LOCAL);
 }
 
@@ -119,19 +125,21 @@ void* moduleSymbol(void* module, const char* name) {
   return dlsym(module, name);
 }
 
-// The module's file, or the program's for a null module.
 void modulePath(void* module, char* buffer, std::size_t size) {
   if (size == 0) return;
   buffer[0] = '\0';
-  if (module == nullptr) {
-    const ssize_t length = readlink("/proc/self/exe", buffer, size - 1);
-    buffer[length < 0 ? 0 : length] = '\0';
-    return;
-  }
+  const char* name = "/proc/self/exe";
   link_map* map = nullptr;
-  if (dlinfo(module, RTLD_DI_LINKMAP, &map) != 0 || map == nullptr) return;
-  std::strncpy(buffer, map->l_name, size - 1);
-  buffer[size - 1] = '\0';
+  if (module != nullptr) {
+    if (dlinfo(module, RTLD_DI_LINKMAP, &map) != 0 || map == nullptr) return;
+    name = map->l_name;  // relative when it was loaded so
+  }
+  char* const path = realpath(name, nullptr);
+  if (path == nullptr) return;
+  const std::size_t length = std::min(std::strlen(path), size - 1);
+  std::memcpy(buffer, path, length);
+  buffer[length] = '\0';
+  std::free(path);
 }
 
 constexpr System kPosixSystem = {
@@ -140,6 +148,7 @@ constexpr System kPosixSystem = {
     .read = readFile,
     .write = writeFile,
     .seekToEnd = seekFileToEnd,
+    .seekBy = seekFileBy,
     .standardInput = [] { return handleOf(STDIN_FILENO); },
     .standardOutput = [] { return handleOf(STDOUT_FILENO); },
     .standardError = [] { return handleOf(STDERR_FILENO); },

@@ -36,13 +36,10 @@ DWORD dispositionOf(Creation creation) {
   return OPEN_ALWAYS;
 }
 
-Handle openFile(const char* name, Access access, Creation creation, bool* missing) {
+Handle openFile(const char* name, Access access, Creation creation) {
   const HANDLE handle =
       CreateFileA(name, accessFlags(access), 0, nullptr, dispositionOf(creation),
                   FILE_ATTRIBUTE_NORMAL, nullptr);
-  if (missing != nullptr) {
-    *missing = handle == INVALID_HANDLE_VALUE && GetLastError() == ERROR_FILE_NOT_FOUND;
-  }
   if (handle != INVALID_HANDLE_VALUE && GetFileType(handle) == FILE_TYPE_PIPE) {
     CloseHandle(handle);
     return noHandle();
@@ -51,7 +48,8 @@ Handle openFile(const char* name, Access access, Creation creation, bool* missin
 }
 
 bool closeFile(Handle handle) {
-  return CloseHandle(handle) != 0;
+  // The invalid handle also stands for the process itself, which closes well.
+  return handle != noHandle() && CloseHandle(handle) != 0;
 }
 
 bool readFile(Handle handle, void* data, std::size_t count, std::size_t* transferred) {
@@ -72,10 +70,23 @@ bool writeFile(Handle handle, const void* data, std::size_t count,
   return succeeded;
 }
 
+bool seekFile(Handle handle, std::int64_t distance, DWORD from) {
+  LARGE_INTEGER bytes;
+  bytes.QuadPart = distance;
+  return SetFilePointerEx(handle, bytes, nullptr, from) != 0;
+}
+
 bool seekFileToEnd(Handle handle) {
-  LARGE_INTEGER distance;
-  distance.QuadPart = 0;
-  return SetFilePointerEx(handle, distance, nullptr, FILE_END) != 0;
+  return seekFile(handle, 0, FILE_END);
+}
+
+bool seekFileBy(Handle handle, std::int64_t distance) {
+  return seekFile(handle, distance, FILE_CURRENT);
+}
+
+Handle standardHandle(DWORD which) {
+  const HANDLE handle = GetStdHandle(which);
+  return handle == nullptr ? noHandle() : handle;
 }
 
 void currentDirectory(char* buffer, std::size_t size) {
@@ -109,9 +120,10 @@ constexpr System kWindowsSystem = {
     .read = readFile,
     .write = writeFile,
     .seekToEnd = seekFileToEnd,
-    .standardInput = [] { return Handle{GetStdHandle(STD_INPUT_HANDLE)}; },
-    .standardOutput = [] { return Handle{GetStdHandle(STD_OUTPUT_HANDLE)}; },
-    .standardError = [] { return Handle{GetStdHandle(STD_ERROR_HANDLE)}; },
+    .seekBy = seekFileBy,
+    .standardInput = [] { return standardHandle(STD_INPUT_HANDLE); },
+    .standardOutput = [] { return standardHandle(STD_OUTPUT_HANDLE); },
+    .standardError = [] { return standardHandle(STD_ERROR_HANDLE); },
     .currentDirectory = currentDirectory,
     .modulePath = modulePath,
     .loadModule = loadModule,

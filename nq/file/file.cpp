@@ -1,0 +1,568 @@
+#include "nq/file/file.h"
+
+#include <algorithm>
+#include <cstring>
+#include <initializer_list>
+#include <string>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+
+#include <bit>
+#endif
+
+#include "nq/file/system_calls.h"
+#include "nq/file/transfer_internal.h"
+#include "nq/platform/system_internal.h"
+
+using nqdetail::noHandle;
+using nqdetail::system;
+
+namespace {
+
+constexpr const char* kEndMarker = "__NQ_END_OF_FILE__";
+constexpr const char* kEndMarkerLineEnd = "\n\r";  // as the unbuffered reader has it
+constexpr const char* kSeparators = "/\\:";
+constexpr int kLastUniqueNumber = 999;
+
+constexpr bool isOneOf(NQFileModeEnum mode, std::initializer_list<NQFileModeEnum> modes) {
+  return std::find(modes.begin(), modes.end(), mode) != modes.end();
+}
+
+constexpr bool isBuffered(NQFileModeEnum mode) {
+  return isOneOf(mode, {NQ_READ, NQ_READ_BINARY, NQ_READ_ASCII});
+}
+
+constexpr bool isReading(NQFileModeEnum mode) {
+  return isBuffered(mode) || mode == NQ_READ_WRITE;
+}
+
+bool fits(const char* name) {
+  return std::memchr(name, '\0', NQFile::kNameSize) != nullptr;
+}
+
+void* openHandle(const char* name, NQFileModeEnum mode, NQByteOrderEnum* byteOrder) {
+  using nqdetail::Access;
+  using nqdetail::Creation;
+  switch (mode) {
+    case NQ_READ:
+    case NQ_READ_BINARY:
+    case NQ_READ_ASCII:
+      return system().open(name, Access::kRead, Creation::kExisting);
+    case NQ_WRITE:
+    case NQ_WRITE_BINARY:
+    case NQ_WRITE_ASCII:
+      return system().open(name, Access::kWrite, Creation::kTruncate);
+    case NQ_READ_WRITE:
+      return system().open(name, Access::kReadWrite, Creation::kIfMissing);
+    case NQ_APPEND:
+      return nqInternalOpenAppend(name, byteOrder);
+  }
+  return noHandle();
+}
+
+bool stopsText(char c) {
+  return c == '\n' || c == '\r' || c == '\0';
+}
+
+// The first byte that ends a line or the text, or `last`.
+const char* findStop(const char* first, const char* last) {
+#if defined(__SSE2__)
+  const auto blockAt = [](const char* place) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(place));
+  };
+  const __m128i lineFeed = _mm_set1_epi8('\n');
+  const __m128i carriageReturn = _mm_set1_epi8('\r');
+  const __m128i zero = _mm_setzero_si128();
+  while (last - first >= 16) {
+    if (last - first >= 64) {
+      // Most text has no byte as low as these for a long while.
+      const __m128i lowest =
+          _mm_min_epu8(_mm_min_epu8(blockAt(first), blockAt(first + 16)),
+                       _mm_min_epu8(blockAt(first + 32), blockAt(first + 48)));
+      const __m128i low = _mm_cmpeq_epi8(_mm_min_epu8(lowest, carriageReturn), lowest);
+      if (_mm_movemask_epi8(low) == 0) {
+        first += 64;
+        continue;
+      }
+    }
+    const __m128i block = blockAt(first);
+    const __m128i stops = _mm_or_si128(
+        _mm_cmpeq_epi8(block, zero), _mm_or_si128(_mm_cmpeq_epi8(block, lineFeed),
+                                                  _mm_cmpeq_epi8(block, carriageReturn)));
+    const auto mask = static_cast<unsigned int>(_mm_movemask_epi8(stops));
+    if (mask != 0) return first + std::countr_zero(mask);
+    first += 16;
+  }
+#endif
+  return std::find_if(first, last, stopsText);
+}
+
+}  // namespace
+
+NQ_COPY_PROTOCOL_IMPL(NQFile)
+
+// A file that is in use is never shared: the copy of one is idle.
+void NQFile::NQFiledeepCopy(const NQFile& source) {
+  NQCopyAccess::deep<NQObject>(*this, source);
+  (void)empty();
+  if (source.isOpen() || source.fileHandle_ != noHandle()) return;
+  mode_ = source.mode_;
+  bits_ = source.bits_;
+  fileHandle_ = source.fileHandle_;
+  pArchive_ = source.pArchive_;
+  byteOrder_ = source.byteOrder_;
+}
+
+void NQFile::NQFileattributeCopy(const NQFile& source) {
+  NQCopyAccess::attributes<NQObject>(*this, source);
+  (void)empty();
+}
+
+NQFile::NQFile() {
+  init();
+}
+
+NQFile::~NQFile() {
+  (void)empty();
+}
+
+void NQFile::init() {
+  mode_ = NQ_READ;
+  bits_ = 0;
+  fileHandle_ = noHandle();
+  pArchive_ = nullptr;
+  pFileBuffer_.reset();
+  pTopBuffer_ = nullptr;
+  numberOfBufferedBytes_ = 0;
+  byteOrder_ = NQ_DEFAULT_BYTE_ORDER;
+  pFileName_.reset();
+  pPathName_.reset();
+  output_.reset();
+  input_.reset();
+}
+
+void* NQFile::fileHandle() const {
+  if (output_ != nullptr) output_->share(fileHandle_);
+  if (input_ != nullptr) input_->share(fileHandle_);
+  return fileHandle_;
+}
+
+const char* NQFile::pFileName() {
+  if (pFileName_ == nullptr) pFileName_.reset(new char[kNameSize]{});
+  return pFileName_.get();
+}
+
+const char* NQFile::pPathName() {
+  if (pPathName_ == nullptr) pPathName_.reset(new char[kNameSize]{});
+  return pPathName_.get();
+}
+
+int NQFile::fileExist(const char* name) {
+  if (name == nullptr || !fits(name)) return 0;
+  const nqdetail::Handle handle =
+      system().open(name, nqdetail::Access::kRead, nqdetail::Creation::kExisting);
+  if (handle == noHandle()) return 0;
+  system().close(handle);
+  return 1;
+}
+
+int NQFile::renameUnique(char* name) {
+  if (name == nullptr || !fits(name)) return 0;
+  const std::string_view whole = name;
+  const std::size_t dot = std::min(whole.rfind('.'), whole.size());
+  const std::string base(whole.substr(0, dot));
+  const std::string extension(whole.substr(std::min(dot + 1, whole.size())));
+  for (int number = 1;; ++number) {
+    const std::string candidate = base + std::to_string(number) + "." + extension;
+    if (!fits(candidate.c_str())) return 0;
+    const bool last = number == kLastUniqueNumber;
+    if (!last && fileExist(candidate.c_str())) continue;
+    std::memcpy(name, candidate.c_str(), candidate.size() + 1);
+    return last ? 0 : 1;
+  }
+}
+
+int NQFile::searchForToken(const char* text, const char* set, int direction) {
+  if (text == nullptr || set == nullptr) return -1;
+  const std::string_view whole = text;
+  std::size_t found = std::string_view::npos;
+  if (direction == '+') found = whole.find_first_of(set);
+  if (direction == '-') found = whole.find_last_of(set);
+  return found == std::string_view::npos ? -1 : static_cast<int>(found);
+}
+
+void NQFile::separatePathFromFile(const char* full, char* file, char* path) {
+  if (full == nullptr || file == nullptr || path == nullptr) return;
+  const auto length =
+      static_cast<std::size_t>(searchForToken(full, kSeparators, '-') + 1);
+  std::strcpy(file, full + length);
+  if (length == 0) return;
+  std::memcpy(path, full, length);
+  path[length] = '\0';
+}
+
+NQFileCodeEnum NQFile::open(const char* name, NQFileModeEnum newMode) {
+  char ownName[kNameSize] = "";  // `name` may go with the buffers
+  const bool nameFits = name != nullptr && fits(name);
+  if (nameFits) std::strcpy(ownName, name);
+  (void)empty();
+  error(1);
+  if (name == nullptr) return NQ_FILE_OPEN_ERROR;
+
+  NQByteOrderEnum order = NQ_DEFAULT_BYTE_ORDER;
+  fileHandle_ = nameFits ? openHandle(ownName, newMode, &order) : noHandle();
+  byteOrder_ = order;
+  mode_ = newMode;
+  buffered(isBuffered(newMode));
+  if (fileHandle_ == noHandle()) return NQ_FILE_OPEN_ERROR;
+
+  isOpen(1);
+  pFileName(ownName);
+  if (buffered()) {
+    makeBuffer();
+  } else {
+    output_ = std::make_unique<nqdetail::WriteBehind>();
+  }
+  // What is fetched ahead may have to be given back.
+  if (isReading(newMode) && system().seekBy(fileHandle_, 0)) {
+    input_ = std::make_unique<nqdetail::ReadAhead>();
+  }
+  return conclude(NQ_FILE_OK);
+}
+
+NQFileCodeEnum NQFile::close() {
+  error(1);
+  if (!isOpen()) return NQ_FILE_CLOSE_ERROR;
+  flush();
+  const bool sent = sendOutput();  // also where an override does not flush
+  const bool closed = system().close(fileHandle_);
+  output_.reset();
+  input_.reset();
+  fileHandle_ = noHandle();
+  isOpen(0);
+  discardBufferedBytes();
+  pFileName(nullptr);
+  return conclude(sent && closed ? NQ_FILE_OK : NQ_FILE_CLOSE_ERROR);
+}
+
+NQFileCodeEnum NQFile::attach(NQArchiveClass* archive) {
+  (void)empty();
+  isAttached(1);
+  pArchive_ = archive;
+  mode_ = NQ_WRITE;
+  return conclude(NQ_FILE_OK);
+}
+
+NQFileCodeEnum NQFile::attach(void* handle, NQFileModeEnum newMode) {
+  (void)empty();
+  isAttached(1);
+  fileHandle_ = handle;
+  mode_ = newMode;
+  buffered(isBuffered(newMode));
+  if (buffered()) makeBuffer();
+  return conclude(NQ_FILE_OK);
+}
+
+NQFileCodeEnum NQFile::detach(int mark) {
+  if (!isAttached()) return conclude(NQ_FILE_CLOSE_ERROR);
+  if (mark != 0 && isOneOf(mode_, {NQ_WRITE, NQ_WRITE_ASCII})) (void)writeEndOfFile();
+  flush();
+  isAttached(0);
+  pArchive_ = nullptr;
+  fileHandle_ = noHandle();
+  discardBufferedBytes();
+  return conclude(NQ_FILE_OK);
+}
+
+void NQFile::flush() {
+  if (!sendOutput()) error(1);
+}
+
+NQFileCodeEnum NQFile::writeEndOfFile() {
+  if (!isOneOf(mode_, {NQ_WRITE, NQ_WRITE_ASCII}) || !isAttached() ||
+      pArchive_ == nullptr) {
+    return NQ_FILE_OK;
+  }
+  NQFileCodeEnum result = writeString(kEndMarker);
+  if (result == NQ_FILE_OK) result = writeString(kEndMarkerLineEnd);
+  if (result != NQ_FILE_OK) error(1);
+  return result;
+}
+
+NQFileCodeEnum NQFile::writeString(const char* text) {
+  return writeNormalString(text);
+}
+
+NQFileCodeEnum NQFile::writeBinary(const char* data, int count) {
+  const bool allowed = data != nullptr && count >= 0 && mode_ == NQ_WRITE_BINARY;
+  const bool written =
+      allowed && hasHandle() && writeBytes(data, static_cast<std::size_t>(count));
+  return conclude(written ? NQ_FILE_OK : NQ_FILE_WRITE_ERROR);
+}
+
+NQFileCodeEnum NQFile::readString(NQStringHandle& out) {
+  return readNormalString(out);
+}
+
+NQFileCodeEnum NQFile::readBinary(char* data, int& count) {
+  if (data == nullptr || count <= 0 || endOfFile() || mode_ != NQ_READ_BINARY) {
+    return conclude(NQ_FILE_READ_ERROR);
+  }
+  const int wanted = count;
+  const NQFileCodeEnum result =
+      buffered() ? readBufferedBytes(data, count) : unbufferedReadBinary(data, count);
+  if (result == NQ_FILE_OK && count < wanted) endOfFile(1);
+  return conclude(result);
+}
+
+// The figure that holds on every platform.
+nqLong NQFile::sizeOf() const {
+  std::size_t size = 72;
+  if (pFileBuffer_ != nullptr) size += kBufferSize;
+  if (pFileName_ != nullptr) size += std::strlen(pFileName_.get());
+  if (pPathName_ != nullptr) size += std::strlen(pPathName_.get());
+  return static_cast<nqLong>(size);
+}
+
+NQFileCodeEnum NQFile::empty() {
+  NQFileCodeEnum result = NQ_FILE_OK;
+  if (isAttached()) {
+    result = detach(1);
+  } else if (isOpen()) {
+    result = close();
+  }
+  pFileBuffer_.reset();
+  pTopBuffer_ = nullptr;
+  numberOfBufferedBytes_ = 0;
+  pFileName_.reset();
+  pPathName_.reset();
+  buffered(0);
+  endOfFile(0);
+  storedOnDisk(0);
+  return result;
+}
+
+void* NQFile::fileHandle(void* handle) {
+  (void)fileHandle();  // what was gathered belongs to the old one
+  return fileHandle_ = handle;
+}
+
+char* NQFile::pFileBuffer(char* buffer) {
+  pFileBuffer_.reset(buffer);
+  return buffer;
+}
+
+const char* NQFile::pFileName(const char* name) {
+  if (name == nullptr) name = "";
+  (void)pFileName();
+  if (!fits(name)) return pFileName_.get();
+  std::memmove(pFileName_.get(), name, std::strlen(name) + 1);
+  pPathName("");
+  char file[kNameSize];
+  separatePathFromFile(pFileName_.get(), file, pPathName_.get());
+  return pFileName_.get();
+}
+
+const char* NQFile::pPathName(const char* path) {
+  if (path == nullptr) path = "";
+  (void)pPathName();
+  if (fits(path)) std::memmove(pPathName_.get(), path, std::strlen(path) + 1);
+  return pPathName_.get();
+}
+
+int NQFile::flag(Flag mask, int on) {
+  bits_ = static_cast<unsigned short>(on != 0 ? bits_ | mask : bits_ & ~mask);
+  return on;
+}
+
+// The flag that goes with the result of an operation.
+NQFileCodeEnum NQFile::conclude(NQFileCodeEnum result) {
+  error(result != NQ_FILE_OK);
+  return result;
+}
+
+bool NQFile::hasHandle() const {
+  return fileHandle_ != noHandle() && (isOpen() || isAttached());
+}
+
+void NQFile::makeBuffer() {
+  pFileBuffer_.reset(new char[kBufferSize]);
+  std::memset(pFileBuffer_.get(), 0, 4);
+  discardBufferedBytes();
+}
+
+void NQFile::discardBufferedBytes() {
+  pTopBuffer_ = pFileBuffer_.get();
+  numberOfBufferedBytes_ = 0;
+}
+
+// Adds to the unread bytes, by more than one transfer when that is what it
+// takes to look ahead. False, with the error flag set, when the system failed.
+bool NQFile::refill() {
+  char* const buffer = pFileBuffer_.get();
+  int& unread = numberOfBufferedBytes_;
+  std::memmove(buffer, pTopBuffer_, static_cast<std::size_t>(unread));
+  pTopBuffer_ = buffer;
+  int added = 0;
+  do {
+    added = kBufferSize - unread;
+    if (unbufferedReadBinary(buffer + unread, added) != NQ_FILE_OK) return false;
+    unread += added;
+  } while (added > 0 && unread <= kLookAhead);
+  return true;
+}
+
+bool NQFile::refillIfDue() {
+  return hasRun() || endOfFile() || !hasHandle() || pFileBuffer_ == nullptr || refill();
+}
+
+char NQFile::nextCharAfterRefill() {
+  if (!buffered()) {
+    error(1);
+    return '\0';
+  }
+  const bool refilled = refillIfDue();
+  if (numberOfBufferedBytes_ < 1) {
+    if (refilled) endOfFile(1);
+    return '\0';
+  }
+  --numberOfBufferedBytes_;
+  return *pTopBuffer_++;
+}
+
+// Of the "\n" that a buffered line ends with, `endLength` characters are kept.
+NQFileCodeEnum NQFile::readNormalString(NQStringHandle& out, std::size_t endLength) {
+  out.empty();
+  if (endOfFile() || !isOneOf(mode_, {NQ_READ, NQ_READ_WRITE, NQ_READ_ASCII})) {
+    return conclude(NQ_FILE_READ_ERROR);
+  }
+  if (buffered()) return readBufferedLine(out, endLength);
+  if (isAttached() && pArchive_ != nullptr) return conclude(NQ_FILE_OK);  // always ""
+  return readUnbufferedLine(out);
+}
+
+NQFileCodeEnum NQFile::readAsciiString(NQStringHandle& out) {
+  out.empty();
+  if (endOfFile() || mode_ != NQ_READ_ASCII) return conclude(NQ_FILE_READ_ERROR);
+  if (isAttached() && pArchive_ != nullptr) return conclude(NQ_FILE_OK);
+  return readUnbufferedLine(out);
+}
+
+// Nearly every line stands whole in the run, and ends as it shall end.
+NQFileCodeEnum NQFile::readBufferedLine(NQStringHandle& out, std::size_t endLength) {
+  const std::string_view run = bufferedRun();
+  const char* const last = run.data() + run.size();
+  const char* const found = findStop(run.data(), last);
+  const auto length = static_cast<std::size_t>(found - run.data());
+  if (last - found < 2 || *found != '\n' || found[1] == '\r') {
+    return readDividedLine(out, length, endLength);
+  }
+  takeBuffered(length + 1);
+  const bool stored = out.appendText({run.data(), length + endLength}) != 0;
+  return conclude(stored ? NQ_FILE_OK : NQ_FILE_READ_ERROR);
+}
+
+// Any other line: piece by piece, from refill to refill. The first piece has
+// that length.
+NQFileCodeEnum NQFile::readDividedLine(NQStringHandle& out, std::size_t length,
+                                       std::size_t endLength) {
+  error(0);
+  bool any = false;
+  for (;;) {
+    bool stored = out.appendText(bufferedRun().substr(0, length)) != 0;
+    takeBuffered(length);
+    const char stop = nextBufferedChar();
+    any = any || length > 0 || stop != '\0';
+    if (stop == '\n' || stop == '\r') {
+      const char partner = stop == '\n' ? '\r' : '\n';
+      if (lookAheadBufferedChar() == partner) (void)nextBufferedChar();
+      stored = stored && out.appendText(std::string_view("\n", endLength)) != 0;
+    } else if (stop == '\0') {
+      if (!error()) endOfFile(1);  // a zero byte is an end; a failing system is none
+    } else {
+      stored = stored && out.appendChar(stop) != 0;
+    }
+    if (!stored) return conclude(NQ_FILE_READ_ERROR);
+    if (stopsText(stop)) break;
+    const std::string_view run = bufferedRun();
+    const char* const found = findStop(run.data(), run.data() + run.size());
+    length = static_cast<std::size_t>(found - run.data());
+  }
+  return conclude(any && !error() ? NQ_FILE_OK : NQ_FILE_READ_ERROR);
+}
+
+NQFileCodeEnum NQFile::readUnbufferedLine(NQStringHandle& out) {
+  if (!hasHandle() || !sendOutput()) return conclude(NQ_FILE_READ_ERROR);
+  int end = 0;
+  if (nqdetail::readTerminatedLine(fileHandle_, input_.get(), out, nullptr, &end) == 0) {
+    return conclude(NQ_FILE_READ_ERROR);
+  }
+  if (end != 0) {
+    out.empty();
+    endOfFile(1);
+  }
+  return conclude(NQ_FILE_OK);
+}
+
+// What a failing refill leaves in the buffer stays there.
+NQFileCodeEnum NQFile::readBufferedBytes(char* data, int& count) {
+  const int wanted = count;
+  for (count = 0; count < wanted;) {
+    int length = static_cast<int>(bufferedRun().size());
+    if (length == 0) {
+      if (!refillIfDue()) return NQ_FILE_READ_ERROR;
+      length = std::min(numberOfBufferedBytes_, 1);
+      if (length < 1) break;
+    }
+    length = std::min(length, wanted - count);
+    std::memcpy(data + count, pTopBuffer_, static_cast<std::size_t>(length));
+    takeBuffered(static_cast<std::size_t>(length));
+    count += length;
+  }
+  return NQ_FILE_OK;
+}
+
+NQFileCodeEnum NQFile::unbufferedReadBinary(char* data, int& count) {
+  const bool allowed = data != nullptr && count >= 0 && !endOfFile() && isReading(mode_);
+  std::size_t read = 0;
+  bool succeeded = allowed && hasHandle() && sendOutput();
+  if (succeeded) {
+    const auto wanted = static_cast<std::size_t>(count);
+    succeeded = input_ != nullptr ? input_->read(fileHandle_, data, wanted, &read)
+                                  : system().read(fileHandle_, data, wanted, &read);
+    count = static_cast<int>(read);
+  }
+  if (!succeeded) error(1);
+  return succeeded ? NQ_FILE_OK : NQ_FILE_READ_ERROR;
+}
+
+NQFileCodeEnum NQFile::writeNormalString(const char* text) {
+  if (!isOneOf(mode_, {NQ_WRITE, NQ_READ_WRITE, NQ_APPEND, NQ_WRITE_ASCII})) {
+    return conclude(NQ_FILE_WRITE_ERROR);
+  }
+  return writeText(text);
+}
+
+NQFileCodeEnum NQFile::writeAsciiString(const char* text) {
+  if (mode_ != NQ_WRITE_ASCII) return conclude(NQ_FILE_WRITE_ERROR);
+  return writeText(text);
+}
+
+NQFileCodeEnum NQFile::writeText(const char* text) {
+  if (text == nullptr) return conclude(NQ_FILE_WRITE_ERROR);
+  if (isAttached() && pArchive_ != nullptr) return conclude(NQ_FILE_OK);
+  const bool written = hasHandle() && writeBytes(text, std::strlen(text));
+  return conclude(written ? NQ_FILE_OK : NQ_FILE_WRITE_ERROR);
+}
+
+bool NQFile::writeBytes(const char* data, std::size_t count) {
+  if (input_ != nullptr && !input_->giveBack(fileHandle_)) return false;
+  if (output_ != nullptr) return output_->write(fileHandle_, data, count);
+  std::size_t written;
+  return nqdetail::writeAll(fileHandle_, data, count, &written);
+}
+
+bool NQFile::sendOutput() const {
+  return output_ == nullptr || output_->send(fileHandle_);
+}

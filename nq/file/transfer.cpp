@@ -1,0 +1,90 @@
+#include "nq/file/transfer_internal.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+
+namespace nqdetail {
+
+bool WriteBehind::write(Handle handle, const char* data, std::size_t count) {
+  if (block_ == nullptr) block_.reset(new char[kTransferBlock]);
+  if (shared_ || count > kTransferBlock - used_) {
+    if (!send(handle)) return false;
+    if (shared_ || count >= kTransferBlock) {
+      std::size_t written;
+      return writeAll(handle, data, count, &written);
+    }
+  }
+  std::memcpy(block_.get() + used_, data, count);
+  used_ += count;
+  return true;
+}
+
+bool WriteBehind::send(Handle handle) {
+  if (used_ == 0) return true;
+  std::size_t written;
+  const bool sent = writeAll(handle, block_.get(), used_, &written);
+  used_ -= written;
+  std::memmove(block_.get(), block_.get() + written, used_);
+  return sent;
+}
+
+void WriteBehind::share(Handle handle) {
+  (void)send(handle);
+  shared_ = true;
+}
+
+bool ReadAhead::read(Handle handle, void* data, std::size_t count,
+                     std::size_t* transferred) {
+  if (shared_) return system().read(handle, data, count, transferred);
+  if (block_ == nullptr) block_.reset(new char[kTransferBlock]);
+  char* const bytes = static_cast<char*>(data);
+  *transferred = take(bytes, count);
+  if (*transferred == count) return true;
+  first_ = 0;
+  const bool succeeded = system().read(handle, block_.get(), kTransferBlock, &last_);
+  if (!succeeded) return *transferred > 0;
+  *transferred += take(bytes + *transferred, count - *transferred);
+  return true;
+}
+
+bool ReadAhead::giveBack(Handle handle) {
+  if (first_ == last_) return true;
+  if (!system().seekBy(handle, -static_cast<std::int64_t>(last_ - first_))) return false;
+  first_ = last_ = 0;
+  return true;
+}
+
+// What cannot be given back is still read first.
+void ReadAhead::share(Handle handle) {
+  shared_ = giveBack(handle);
+}
+
+std::size_t ReadAhead::take(char* data, std::size_t count) {
+  const std::size_t taken = std::min(count, last_ - first_);
+  std::memcpy(data, block_.get() + first_, taken);
+  first_ += taken;
+  return taken;
+}
+
+int readTerminatedLine(Handle handle, ReadAhead* ahead, NQStringHandle& out,
+                       unsigned int* count, int* end) {
+  unsigned int read = 0;
+  bool ended = false;
+  bool succeeded = true;
+  out.empty();
+  for (char previous = '\0', c = '\0'; succeeded && c != '\r'; previous = c) {
+    std::size_t transferred = 0;
+    succeeded = ahead != nullptr ? ahead->read(handle, &c, 1, &transferred)
+                                 : system().read(handle, &c, 1, &transferred);
+    ended = !succeeded || transferred == 0 || c == '\0';
+    if (ended) break;
+    ++read;
+    succeeded = out.appendChar(c) != 0 && (previous != '\n' || c == '\r');
+  }
+  if (count != nullptr) *count = read;
+  if (end != nullptr) *end = ended ? 1 : 0;
+  return succeeded ? 1 : 0;
+}
+
+}  // namespace nqdetail

@@ -1,0 +1,65 @@
+// transfer_internal.h -- what stands between a file opened by name and its
+// handle: output that is gathered, input that is fetched ahead.
+//
+// Both move blocks instead of single lines and bytes, and both can share() the
+// handle: they put it where it would be without them and keep nothing from then
+// on, because somebody else uses the handle too.
+
+#ifndef NQ_FILE_TRANSFER_INTERNAL_H
+#define NQ_FILE_TRANSFER_INTERNAL_H
+
+#include <cstddef>
+#include <memory>
+
+#include "nq/core/string_handle.h"
+#include "nq/platform/system_internal.h"
+
+namespace nqdetail {
+
+inline constexpr std::size_t kTransferBlock = 65536;
+
+// Nothing that write() accepted is ever dropped: what a failing transfer leaves
+// behind stays gathered, in order, and is tried again.
+class WriteBehind {
+ public:
+  // False when the system failed; the data is then not gathered, though a part
+  // of more than a block may have arrived.
+  bool write(Handle handle, const char* data, std::size_t count);
+
+  // Sends what is gathered; false when some of it is left.
+  bool send(Handle handle);
+
+  void share(Handle handle);
+
+ private:
+  std::unique_ptr<char[]> block_;  // made by the first write
+  std::size_t used_ = 0;
+  bool shared_ = false;
+};
+
+class ReadAhead {
+ public:
+  // As System::read, and with no more than one transfer of the system.
+  bool read(Handle handle, void* data, std::size_t count, std::size_t* transferred);
+
+  // Puts the handle behind what was read; false when the system failed.
+  bool giveBack(Handle handle);
+
+  void share(Handle handle);
+
+ private:
+  std::size_t take(char* data, std::size_t count);
+
+  std::unique_ptr<char[]> block_;  // made by the first read
+  std::size_t first_ = 0;          // the bytes ahead are [first_, last_)
+  std::size_t last_ = 0;
+  bool shared_ = false;
+};
+
+// nqInternalRead(), fetching ahead unless `ahead` is null.
+int readTerminatedLine(Handle handle, ReadAhead* ahead, NQStringHandle& out,
+                       unsigned int* count, int* end);
+
+}  // namespace nqdetail
+
+#endif  // NQ_FILE_TRANSFER_INTERNAL_H

@@ -1,0 +1,114 @@
+#include "tests/support/fake_system.h"
+
+#include <algorithm>
+
+namespace {
+FakeSystem* inForce = nullptr;
+}
+
+// The functions of the table.
+struct FakeCalls {
+  using Access = nqdetail::Access;
+  using Creation = nqdetail::Creation;
+  using Handle = nqdetail::Handle;
+
+  static FakeSystem::OpenFile* find(Handle handle) {
+    for (FakeSystem::OpenFile& file : inForce->opened_) {
+      if (&file == handle && file.open) return &file;
+    }
+    return nullptr;
+  }
+
+  static Handle open(const char* name, Access access, Creation creation) {
+    for (const FakeSystem::OpenFile& file : inForce->opened_) {
+      if (file.open && file.name == name) return nqdetail::noHandle();
+    }
+    if (creation == Creation::kExisting && !inForce->files.contains(name)) {
+      return nqdetail::noHandle();
+    }
+    std::string& contents = inForce->files[name];
+    if (creation == Creation::kTruncate) contents.clear();
+    inForce->opened_.push_back(
+        {name, 0, access != Access::kWrite, access != Access::kRead, true});
+    return &inForce->opened_.back();
+  }
+
+  static bool close(Handle handle) {
+    FakeSystem::OpenFile* const file = find(handle);
+    if (file == nullptr) return false;
+    file->open = false;
+    return !inForce->failingClose;
+  }
+
+  static bool read(Handle handle, void* data, std::size_t count, std::size_t* moved) {
+    *moved = 0;
+    ++inForce->reads;
+    FakeSystem::OpenFile* const file = find(handle);
+    if (file == nullptr || !file->readable || inForce->readsUntilFailure == 0) {
+      return false;
+    }
+    if (inForce->readsUntilFailure > 0) --inForce->readsUntilFailure;
+    const std::string& contents = inForce->files[file->name];
+    const std::size_t left = contents.size() - std::min(file->position, contents.size());
+    *moved = std::min({count, left, inForce->largestTransfer});
+    std::copy_n(contents.data() + file->position, *moved, static_cast<char*>(data));
+    file->position += *moved;
+    return true;
+  }
+
+  // A full disk takes what fits, then nothing.
+  static bool write(Handle handle, const void* data, std::size_t count,
+                    std::size_t* moved) {
+    *moved = 0;
+    ++inForce->writes;
+    FakeSystem::OpenFile* const file = find(handle);
+    if (file == nullptr || !file->writable) return false;
+    *moved = std::min({count, inForce->largestTransfer, inForce->diskSpace});
+    if (inForce->diskSpace != FakeSystem::kUnlimited) inForce->diskSpace -= *moved;
+    std::string& contents = inForce->files[file->name];
+    contents.resize(std::max(contents.size(), file->position + *moved));
+    contents.replace(file->position, *moved, static_cast<const char*>(data), *moved);
+    file->position += *moved;
+    return *moved > 0 || count == 0;
+  }
+
+  static bool seekToEnd(Handle handle) {
+    FakeSystem::OpenFile* const file = find(handle);
+    if (file == nullptr || inForce->failingSeek) return false;
+    file->position = inForce->files[file->name].size();
+    return true;
+  }
+
+  static bool seekBy(Handle handle, std::int64_t distance) {
+    FakeSystem::OpenFile* const file = find(handle);
+    if (file == nullptr || inForce->failingSeek) return false;
+    file->position += static_cast<std::size_t>(distance);
+    return true;
+  }
+};
+
+FakeSystem::FakeSystem() : table_(nqdetail::hostSystem()) {
+  table_.open = FakeCalls::open;
+  table_.close = FakeCalls::close;
+  table_.read = FakeCalls::read;
+  table_.write = FakeCalls::write;
+  table_.seekToEnd = FakeCalls::seekToEnd;
+  table_.seekBy = FakeCalls::seekBy;
+  inForce = this;
+  nqdetail::replaceSystem(&table_);
+}
+
+FakeSystem::~FakeSystem() {
+  nqdetail::replaceSystem(nullptr);
+  inForce = nullptr;
+}
+
+int FakeSystem::openFiles() const {
+  return static_cast<int>(std::count_if(opened_.begin(), opened_.end(),
+                                        [](const OpenFile& file) { return file.open; }));
+}
+
+nqdetail::Handle FakeSystem::handleOn(const std::string& name) {
+  opened_.push_back({name, 0, true, true, true});
+  return &opened_.back();
+}
