@@ -117,7 +117,7 @@ int NQStringHandle::appendAnyText(std::string_view text) {
   const auto added = static_cast<nqInt64>(text.size());
   std::unique_ptr<char[]> replaced;  // which `text` may point into
   if (!reserve(length_ + added + kOverhead, &replaced)) return 0;
-  std::memcpy(buffer_ + length_, text.data(), text.size());
+  text.copy(buffer_ + length_, text.size());
   setLength(length_ + static_cast<nqLong>(added));
   return 1;
 }

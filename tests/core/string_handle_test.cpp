@@ -183,7 +183,8 @@ TEST(NQStringHandle, FollowsAStringThroughALongRandomSequence) {
       handle.appendChar(static_cast<char>('A' + kind % 26));
       model.push_back(static_cast<char>('A' + kind % 26));
     } else if (kind < 75) {
-      handle.appendString(piece.c_str());
+      if (step % 2 == 0) handle.appendString(piece.c_str());
+      if (step % 2 != 0) handle.appendText(piece);
       model += piece;
     } else if (kind < 90) {
       std::strcpy(handle.obtainAppendBuffer(static_cast<nqLong>(piece.size())),
