@@ -87,7 +87,13 @@ class NQCopyAccess {
   }
   template <class X>
   static NQObject* newCopy(const X& source, NQDeepFlagEnum flag) {
-    return new (std::nothrow) X(source, flag);
+    // Where a class's own operator new answers null, the plain form also gives
+    // the memory back when the constructor fails.
+    if constexpr (requires { requires noexcept(X::operator new(sizeof(X))); }) {
+      return new X(source, flag);
+    } else {
+      return new (std::nothrow) X(source, flag);
+    }
   }
   template <class X>
   static X* cloneObject(const X* source) {
