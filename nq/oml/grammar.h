@@ -1,0 +1,216 @@
+// grammar.h -- the names and rules against which OML files are read and written.
+//
+// An application states its object types, sections, enumerators and, in a small
+// language, what may stand in what; NQOMLStatic turns these tables into pools of
+// names and definitions (definitions.h). It is built once, may be extended by
+// derived classes, and is then handed to any number of reads and writes, which
+// do not change it: readers in several threads may share one grammar.
+//
+// Names are those of ASCII without regard to case. Each of the four pools gives
+// a name its index: object types, sections, fields and enumerators.
+//
+// The definition language, one entry a line; words consist of letters, digits,
+// "$" and "_", blanks are spaces and tabs, keys may be written in either case:
+//
+//   O name                      an object type; its entries follow
+//   [  or  {                    may follow an O or S line
+//   ]  or  }                    ends the innermost O or S
+//   F name T [R]                a field of type T: I integer, B boolean, S string,
+//                               R real, P IP address, X binary value; R: required
+//   E name [a, b, c..d] [R]     an enumeration of known enumerators; c..d are all
+//                               those from c to d in the order of installation
+//   R name type [R]             a reference to an object of that type; "_" or
+//                               nothing for any type
+//   T type                      objects of that type may stand here
+//   S name                      a section; its entries follow
+//
+// A level holds at most fourteen sections, and sections nest to eight levels.
+
+#ifndef NQ_OML_GRAMMAR_H
+#define NQ_OML_GRAMMAR_H
+
+#include <memory>
+#include <vector>
+
+#include "nq/core/object.h"
+#include "nq/oml/definitions.h"
+
+class NQStringPool;
+
+// One row of a table of object types; a row with a null name ends the table.
+struct NQOMLStaticOEStruct {
+  const char* name;
+  NQOMLCheckFunction check;
+  NQOMLCreateFunction create;
+  NQOMLReadFieldFunction readField;
+  NQOMLWriteFunction write;
+};
+
+// One row of a table of enumerators; a row with a null name ends the table.
+struct NQOMLStaticVEStruct {
+  const char* name;
+  nqLong value;
+};
+
+// The names that every grammar has, by their indices.
+enum NQOMLBuiltInFieldEnum : int {
+  NQ_OML_INCLUDE_FIELD = 0,
+  NQ_OML_INPUT_FIELD = 1,
+  NQ_OML_COMMENT_FIELD = 2,
+  NQ_OML_SECTION_FIELD = 3,
+  NQ_OML_ID_FIELD = 4,
+  NQ_OML_NAME_FIELD = 5,
+  NQ_OML_FIELD_FIELD = 6,
+  NQ_OML_BUILT_IN_FIELDS = 7,  // their number
+};
+enum NQOMLBuiltInSectionEnum : int {
+  NQ_OML_SKIP_SECTION = 0,
+  NQ_OML_WILDCARD_SECTION = 1,  // named "_"
+  NQ_OML_BUILT_IN_SECTIONS = 2,
+};
+enum NQOMLBuiltInEnumeratorEnum : int {
+  NQ_OML_TRUE = 0,   // value 1
+  NQ_OML_FALSE = 1,  // value 0
+};
+enum NQOMLBuiltInObjectTypeEnum : int {
+  NQ_OML_TOPLEVEL_TYPE = 0,  // named "$toplevel$": what may stand outside any object
+};
+
+class NQ_EXPORT NQOMLStatic : public NQObject {
+ public:
+  // Installs the tables that are not null, in the order object types, sections,
+  // enumerators, definitions. All tables end with their first null entry and are
+  // only read here. The sizes are numbers of names to prepare for; a wrong guess
+  // costs time, not correctness. The sizes for strings and object ids are those
+  // of the tables that each read makes for itself.
+  NQOMLStatic(const char* const* objectTypeNames, const char* const* sectionNames,
+              NQOMLStaticVEStruct* enumerators, const char* const* definitions,
+              nqLong stringPoolSize, nqLong enumPoolSize, nqLong objectTypePoolSize,
+              nqLong sectionPoolSize, nqLong fieldPoolSize, nqLong objectIDPoolSize);
+  NQOMLStatic(NQOMLStaticOEStruct* objectTypes, const char* const* sectionNames,
+              NQOMLStaticVEStruct* enumerators, const char* const* definitions,
+              nqLong stringPoolSize, nqLong enumPoolSize, nqLong objectTypePoolSize,
+              nqLong sectionPoolSize, nqLong fieldPoolSize, nqLong objectIDPoolSize);
+  NQOMLStatic(const NQOMLStatic&) = delete;
+  NQOMLStatic& operator=(const NQOMLStatic&) = delete;
+  ~NQOMLStatic() override;
+
+  // The pools, owned by the grammar and never null.
+  NQStringPool* pEnumPool() const { return enumPool_.get(); }
+  NQStringPool* pObjTypePool() const { return objTypePool_.get(); }
+  NQStringPool* pSectionPool() const { return sectionPool_.get(); }
+  NQStringPool* pFieldPool() const { return fieldPool_.get(); }
+
+  // The sizes given, and the hash table sizes made from them.
+  nqLong stringPoolSize() const { return stringSize_.pool; }
+  nqLong stringHashSize() const { return stringSize_.hash; }
+  nqLong valueIDHashSize() const { return enumSize_.hash; }
+  nqLong objTypeIDHashSize() const { return objTypeSize_.hash; }
+  nqLong sectionIDPoolSize() const { return sectionSize_.pool; }
+  nqLong sectionIDHashSize() const { return sectionSize_.hash; }
+  nqLong fieldIDHashSize() const { return fieldSize_.hash; }
+  nqLong objectIDPoolSize() const { return objectIDSize_.pool; }
+  nqLong objectIDHashSize() const { return objectIDSize_.hash; }
+  // The hash table size for `size` names: a prime some way above it.
+  static nqLong hashTableSize(nqLong size);
+
+  // The definition of an object type; null when there is no such type.
+  NQOMLDefObjType* pObjTypeDefinition(nqLong typeIndex) const;
+  // The value of an enumerator; 0 when there is no such enumerator.
+  nqLong enumValue(nqLong enumIndex) const;
+  // Whether the grammar has a section name with that index.
+  int definedSection(nqLong sectionIndex) const;
+
+  // The definition lines that had no effect because they are not understood,
+  // contradict an earlier definition or go beyond a limit: how many there are, and
+  // the index (from 0) of the n-th of them (from 0) in its table; -1 for an n that
+  // is out of range. A line that repeats what holds already is not among them.
+  nqLong numberOfRefusedLines() const {
+    return static_cast<nqLong>(refusedLines_.size());
+  }
+  nqLong refusedLine(nqLong n) const;
+
+  // Installs an object type, or replaces those callbacks of an installed one that
+  // are not null here. Returns its definition; null for a null or empty name.
+  NQOMLDefObjType* installObjTypeID(const char* name, NQOMLCheckFunction check,
+                                    NQOMLCreateFunction create,
+                                    NQOMLReadFieldFunction readField,
+                                    NQOMLWriteFunction write);
+  // The index of the name, which is entered when it is new; -1 for a null or
+  // empty one.
+  nqLong installSectionID(const char* name);
+  nqLong installFieldID(const char* name);
+  // Enters an enumerator, or gives an existing one a new value. 0 for a null or
+  // empty name, else 1.
+  int installEnumValueID(const char* name, nqLong value);
+
+  // Whole tables; null changes nothing.
+  void installObjectTypeTable(const char* const* names);
+  void installObjectTypeTable(const NQOMLStaticOEStruct* rows);
+  void installSectionTable(const char* const* names);
+  void installFieldTable(const char* const* names);
+  void installEnumValueTable(const NQOMLStaticVEStruct* rows);
+  void installDefinitionTable(const char* const* lines);
+
+ protected:
+  // Makes the pools with their built-in names; called by the constructors.
+  void initialize(nqLong stringPoolSize, nqLong enumPoolSize, nqLong objectTypePoolSize,
+                  nqLong sectionPoolSize, nqLong fieldPoolSize, nqLong objectIDPoolSize);
+  // Deletes all definitions and the pools; called by the destructor.
+  void empty();
+
+  // What definition lines do, for derived grammars that build themselves. Names
+  // of types and fields are installed when they are new. Path 0 means the type
+  // itself. The answers are 0, and no definition is added, when a name is null or
+  // empty, a section does not exist or a definition contradicts an earlier one.
+
+  // Permits objects of one type directly inside another, or inside a section.
+  int addObjectTypeDefinition(const char* type, const char* childType);
+  int addObjectTypeDefinition(const char* type, nqULong sectionPath,
+                              const char* childType);
+  // The path of the section of that name, which is made when it is new; 0 when it
+  // cannot be made, since its level is full or would be the ninth.
+  nqULong addSectionDefinition(const char* type, const char* section);
+  nqULong addSectionDefinition(const char* type, nqULong parentPath, const char* section);
+  // Adds a field of a simple type.
+  int addFieldDefinition(const char* type, const char* field, NQFieldTypeEnum fieldType,
+                         int required);
+  int addFieldDefinition(const char* type, nqULong sectionPath, const char* field,
+                         NQFieldTypeEnum fieldType, int required);
+  // Adds an enumeration that permits the known enumerator `valueName`, or permits
+  // it in an existing one; or else a reference to the known type of that name.
+  int addFieldDefinition(const char* type, const char* field, const char* valueName,
+                         int required);
+  int addFieldDefinition(const char* type, nqULong sectionPath, const char* field,
+                         const char* valueName, int required);
+
+ private:
+  friend class nqdetail::DefinitionReader;
+
+  struct Sizes {
+    nqLong pool = 0;  // as given
+    nqLong hash = 0;  // hashTableSize(pool)
+  };
+
+  // The definition of the type, made when it is new; null for no name.
+  NQOMLDefObjType* installObjType(const char* name);
+  // The section of that name inside `parent`, or for null directly in the type.
+  NQOMLDefSection* addSection(NQOMLDefObjType& type, NQOMLDefSection* parent,
+                              const char* name);
+  NQOMLDefField* addField(const char* type, nqULong sectionPath, const char* field,
+                          NQFieldTypeEnum fieldType, int required);
+
+  std::unique_ptr<NQStringPool> enumPool_;     // with values
+  std::unique_ptr<NQStringPool> objTypePool_;  // with owned NQOMLDefObjType*
+  std::unique_ptr<NQStringPool> sectionPool_;
+  std::unique_ptr<NQStringPool> fieldPool_;
+  Sizes stringSize_;
+  Sizes enumSize_;
+  Sizes objTypeSize_;
+  Sizes sectionSize_;
+  Sizes fieldSize_;
+  Sizes objectIDSize_;
+  std::vector<nqLong> refusedLines_;
+};
+
+#endif  // NQ_OML_GRAMMAR_H

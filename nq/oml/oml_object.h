@@ -1,0 +1,80 @@
+// oml_object.h -- the base of objects that read and write themselves as OML.
+//
+// An application's class derives from NQOMLObject and overrides what it needs:
+// the reading hooks, which a reader calls for each object of a file, and the
+// operations around a write. During a write each object has a number under which
+// it stands in the file, graphFileID(); between writes that is 0. Nothing here
+// owns an object, and a copy does not take the number.
+
+#ifndef NQ_OML_OML_OBJECT_H
+#define NQ_OML_OML_OBJECT_H
+
+#include "nq/core/object_with_id.h"
+#include "nq/file/file_codes.h"
+
+class NQDList;
+class NQIndexHashTable;
+class NQOMLFile;
+class NQOMLSyntaxField;
+class NQOMLSyntaxObject;
+
+class NQ_EXPORT NQOMLObject : public NQObjectWithID {
+  NQ_COPY_PROTOCOL(NQOMLObject)
+
+ public:
+  NQOMLObject() = default;
+
+  nqInt64 graphFileID() const override;
+  int isOMLObject() const override;
+
+  // The object that contains this one, of whose parts its address in a file is
+  // made; null here.
+  virtual NQOMLObject* pOMLOwner() const;
+
+  // Called before and after the object is written. The first gives numbers to the
+  // object and all its parts, first to last, and makes those of its parts differ;
+  // the second takes them away, last to first. An object that is a part of itself
+  // over whatever detour is visited once on each way.
+  virtual void preFileWrite(NQOMLFile* file);
+  virtual void postFileWrite(NQOMLFile* file, NQFileCodeEnum result);
+
+  // Called by a reader: for each field that the object is to take, answering
+  // non-zero when it has done so (here: 0), and before and after all of them.
+  virtual int readField(NQOMLSyntaxField* field, NQOMLSyntaxObject* syntax,
+                        NQOMLFile* file);
+  virtual void preReadFields(NQOMLSyntaxObject* syntax, NQOMLFile* file);
+  virtual void postReadFields(NQOMLSyntaxObject* syntax, NQOMLFile* file);
+
+  // Takes the object's number away.
+  virtual void finalizeIDForGraphFile();
+  // Gives the object a number: the one that `table` holds for it, else, and when
+  // `table` is null, its address.
+  virtual void prepareIDForGraphFile(NQIndexHashTable* table);
+  // Takes the number away after a write; called by postFileWrite().
+  virtual void finalizeIDForGraphFile(NQOMLFile* file, NQFileCodeEnum result);
+  // Appends the objects that this one writes as its parts; none here. The list
+  // borrows them.
+  virtual void collectOwnedOMLObjects(NQDList& parts);
+
+  // Sets and returns the number.
+  nqInt64 iUserField(nqInt64 id) { return iUserField_ = id; }
+  nqInt64 iUserField() const { return iUserField_; }
+
+  // Sorts a list of NQOMLObject by their numbers and gives new ones, in steps of
+  // 8 above all that `table` knows, to those whose number would not tell them
+  // apart in a file: its low 32 bits are those of an object before it, or of the
+  // table's error value. A new number is never one that stands in the list.
+  // Without a table or a list nothing happens.
+  void makeIDsUniqueForGraphFile(NQIndexHashTable* table, NQDList* list);
+
+ protected:
+  void init();
+
+ private:
+  void copyFields(const NQOMLObject&) {}
+
+  nqInt64 iUserField_ = 0;
+  bool visited_ = false;  // preFileWrite or postFileWrite is at work on the parts
+};
+
+#endif  // NQ_OML_OML_OBJECT_H
