@@ -85,6 +85,11 @@ bool closeFile(Handle handle) {
   return close(descriptorOf(handle)) == 0 || errno == EINTR;
 }
 
+bool isRegularFile(Handle handle) {
+  struct stat status;
+  return fstat(descriptorOf(handle), &status) == 0 && S_ISREG(status.st_mode);
+}
+
 bool readFile(Handle handle, void* data, std::size_t count, std::size_t* transferred) {
   const ssize_t result =
       uninterrupted([=] { return read(descriptorOf(handle), data, count); });
@@ -145,6 +150,7 @@ void modulePath(void* module, char* buffer, std::size_t size) {
 constexpr System kPosixSystem = {
     .open = openFile,
     .close = closeFile,
+    .isRegularFile = isRegularFile,
     .read = readFile,
     .write = writeFile,
     .seekToEnd = seekFileToEnd,

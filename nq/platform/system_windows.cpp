@@ -52,6 +52,10 @@ bool closeFile(Handle handle) {
   return handle != noHandle() && CloseHandle(handle) != 0;
 }
 
+bool isRegularFile(Handle handle) {
+  return GetFileType(handle) == FILE_TYPE_DISK;
+}
+
 bool readFile(Handle handle, void* data, std::size_t count, std::size_t* transferred) {
   DWORD read = 0;
   const DWORD wanted = static_cast<DWORD>(std::min(count, kMaxTransfer));
@@ -117,6 +121,7 @@ void* moduleSymbol(void* module, const char* name) {
 constexpr System kWindowsSystem = {
     .open = openFile,
     .close = closeFile,
+    .isRegularFile = isRegularFile,
     .read = readFile,
     .write = writeFile,
     .seekToEnd = seekFileToEnd,

@@ -40,6 +40,11 @@ struct FakeCalls {
     return !inForce->failingClose;
   }
 
+  static bool isRegularFile(Handle handle) {
+    const FakeSystem::OpenFile* const file = find(handle);
+    return file != nullptr && !inForce->devices.contains(file->name);
+  }
+
   static bool read(Handle handle, void* data, std::size_t count, std::size_t* moved) {
     *moved = 0;
     ++inForce->reads;
@@ -90,6 +95,7 @@ struct FakeCalls {
 FakeSystem::FakeSystem() : table_(nqdetail::hostSystem()) {
   table_.open = FakeCalls::open;
   table_.close = FakeCalls::close;
+  table_.isRegularFile = FakeCalls::isRegularFile;
   table_.read = FakeCalls::read;
   table_.write = FakeCalls::write;
   table_.seekToEnd = FakeCalls::seekToEnd;

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <deque>
 #include <map>
+#include <set>
 #include <string>
 
 #include "nq/platform/system_internal.h"
@@ -24,6 +25,7 @@ class FakeSystem {
   FakeSystem& operator=(const FakeSystem&) = delete;
 
   std::map<std::string, std::string> files;
+  std::set<std::string> devices;  // those files that are none
 
   std::size_t largestTransfer = kUnlimited;  // longer ones stop short
   std::size_t diskSpace = kUnlimited;        // bytes that can still be written

@@ -1,0 +1,81 @@
+#include "nq/oml/escapes_internal.h"
+
+#include <cstring>
+
+#include "nq/oml/encoding_internal.h"
+
+namespace nqdetail {
+
+namespace {
+
+constexpr bool isOctal(char c) {
+  return c >= '0' && c <= '7';
+}
+
+// The character for a letter that has a meaning behind a backslash, else the
+// letter itself.
+constexpr char escapedCharacter(char letter) {
+  switch (letter) {
+    case 'a':
+      return '\a';
+    case 'b':
+      return '\b';
+    case 'f':
+      return '\f';
+    case 'n':
+      return '\n';
+    case 'r':
+      return '\r';
+    case 't':
+      return '\t';
+    case 'v':
+      return '\v';
+    default:
+      return letter;
+  }
+}
+
+}  // namespace
+
+UnescapedText removeEscapeSequences(char* text, std::size_t length) {
+  const char* const end = text + length;
+  const void* const first = length == 0 ? nullptr : std::memchr(text, kEscape, length);
+  if (first == nullptr) return {length, false};
+
+  bool zeroCode = false;
+  char* to = text + (static_cast<const char*>(first) - text);
+  const char* from = to;
+  const auto addCode = [&](int code) {
+    if ((code & 0xFF) == 0) {
+      zeroCode = true;
+    } else {
+      *to++ = static_cast<char>(code);
+    }
+  };
+  while (from != end) {
+    if (*from != kEscape) {
+      *to++ = *from++;
+      continue;
+    }
+    if (++from == end) break;
+    if (isOctal(*from)) {
+      int code = 0;
+      for (int digit = 0; digit < 3 && from != end && isOctal(*from); ++digit) {
+        code = code * 8 + (*from++ - '0');
+      }
+      addCode(code);
+    } else if (*from == 'x' && from + 1 != end && hexValue(from[1]) >= 0) {
+      ++from;
+      int code = 0;
+      for (int digit = 0; digit < 2 && from != end && hexValue(*from) >= 0; ++digit) {
+        code = code * 16 + hexValue(*from++);
+      }
+      addCode(code);
+    } else {
+      *to++ = escapedCharacter(*from++);
+    }
+  }
+  return {static_cast<std::size_t>(to - text), zeroCode};
+}
+
+}  // namespace nqdetail

@@ -1,0 +1,69 @@
+// file_state_internal.h -- what an NQOMLFile holds between and during its reads.
+
+#ifndef NQ_OML_FILE_STATE_INTERNAL_H
+#define NQ_OML_FILE_STATE_INTERNAL_H
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+#include "nq/containers/index_hash_table.h"
+#include "nq/oml/creation_internal.h"
+#include "nq/oml/diagnostics_internal.h"
+#include "nq/oml/lexer_internal.h"
+#include "nq/oml/oml_file.h"
+#include "nq/oml/read_hooks_internal.h"
+#include "nq/oml/read_tables_internal.h"
+#include "nq/oml/sources_internal.h"
+#include "nq/oml/syntax_arena_internal.h"
+
+namespace nqdetail {
+
+// Also connects the rooms with the virtual operations of the file.
+struct FileState final : MessageSink, SourceOwner, ReadHooks {
+  explicit FileState(NQOMLFile& owner) : file(owner) {}
+
+  // Frees all that belongs to one read but the tree.
+  void release();
+
+  const char* sourceName(nqLong fileIndex) override;
+  void error(const char* name, nqLong line, int column, int code, const char* text,
+             int fatal) override;
+  void warning(const char* name, nqLong line, int column, int code,
+               const char* text) override;
+  void stop() override;
+
+  nqLong fileNameIndex(const char* name) override;
+  bool mayInclude(const char* name) override;
+  bool bytesArrived(std::size_t count) override;
+
+  bool checkObject(NQOMLSyntaxObject* object) override;
+  NQObject* createObject(NQOMLSyntaxObject* syntax, NQOMLSyntaxObject* ownerSyntax,
+                         NQObject* owner) override;
+  bool readField(NQOMLSyntaxField* field, NQOMLSyntaxObject* syntax,
+                 NQObject* object) override;
+  void preReadFields(NQOMLSyntaxObject* syntax, NQObject* object) override;
+  void postReadFields(NQOMLSyntaxObject* syntax, NQObject* object) override;
+
+  NQOMLFile& file;
+  Diagnostics diagnostics{*this};
+  int maxNestingDepth = 256;
+  std::unique_ptr<NQIndexHashTable> numbers;
+
+  NQOMLStatic* grammar = nullptr;  // borrowed
+  bool reading = false;            // a read is somewhere up the stack
+  std::int64_t bytesRead = 0;
+  TopObject top;
+
+  SyntaxArena tree;
+  NQOMLSyntaxObject* root = nullptr;  // null when the tree is of no use
+  std::int64_t numberOfNodes = 0;
+
+  std::optional<NameTables> names;
+  std::optional<Sources> sources;
+  ReadTables tables;  // the same tables, as the nodes see them
+};
+
+}  // namespace nqdetail
+
+#endif  // NQ_OML_FILE_STATE_INTERNAL_H

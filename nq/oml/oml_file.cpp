@@ -1,0 +1,420 @@
+#include "nq/oml/oml_file.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "nq/core/message_table.h"
+#include "nq/oml/file_state_internal.h"
+#include "nq/oml/message_codes_internal.h"
+#include "nq/oml/oml_object.h"
+#include "nq/oml/parser_internal.h"
+#include "nq/oml/semantics_internal.h"
+
+namespace nqdetail {
+
+namespace {
+
+// Marks a read for the time of a call, which a hook may leave by an exception.
+class ReadMark {
+ public:
+  explicit ReadMark(FileState& state) : state_(state) { state_.reading = true; }
+  ReadMark(const ReadMark&) = delete;
+  ReadMark& operator=(const ReadMark&) = delete;
+  ~ReadMark() {
+    state_.reading = false;
+    state_.release();
+  }
+
+ private:
+  FileState& state_;
+};
+
+}  // namespace
+
+void FileState::release() {
+  tables = ReadTables();
+  sources.reset();
+  names.reset();
+}
+
+const char* FileState::sourceName(nqLong fileIndex) {
+  return names ? names->strings.decode(fileIndex) : "";
+}
+
+void FileState::error(const char* name, nqLong line, int column, int code,
+                      const char* text, int fatal) {
+  file.vErrorMessage(name, line, column, code, text, fatal);
+}
+
+void FileState::warning(const char* name, nqLong line, int column, int code,
+                        const char* text) {
+  file.vWarningMessage(name, line, column, code, text);
+}
+
+void FileState::stop() {
+  file.cleanup();
+}
+
+nqLong FileState::fileNameIndex(const char* name) {
+  return names->strings.update(name);
+}
+
+bool FileState::mayInclude(const char* name) {
+  return file.vIncludeFile(name) != 0;
+}
+
+bool FileState::bytesArrived(std::size_t count) {
+  bytesRead += static_cast<std::int64_t>(count);
+  if (file.vReadProgress(bytesRead) == 0) diagnostics.end();
+  return !diagnostics.ended();
+}
+
+bool FileState::checkObject(NQOMLSyntaxObject* object) {
+  return file.vCheckObject(object) != 0;
+}
+
+NQObject* FileState::createObject(NQOMLSyntaxObject* syntax,
+                                  NQOMLSyntaxObject* ownerSyntax, NQObject* owner) {
+  return file.vCreateObject(syntax, ownerSyntax, owner);
+}
+
+bool FileState::readField(NQOMLSyntaxField* field, NQOMLSyntaxObject* syntax,
+                          NQObject* object) {
+  return file.vReadField(field, syntax, object) != 0;
+}
+
+void FileState::preReadFields(NQOMLSyntaxObject* syntax, NQObject* object) {
+  file.vPreReadFields(syntax, object);
+}
+
+void FileState::postReadFields(NQOMLSyntaxObject* syntax, NQObject* object) {
+  file.vPostReadFields(syntax, object);
+}
+
+const ReadTables* readTables(const NQOMLFile* file) {
+  return file == nullptr ? nullptr : &file->state_->tables;
+}
+
+void announceSyntaxObject(NQOMLFile* file, NQOMLSyntaxObject* node, nqLong line,
+                          int position) {
+  if (file != nullptr) file->vSyntaxObjectCreated(node, line, position);
+}
+
+}  // namespace nqdetail
+
+namespace {
+
+constexpr int kDeepestNesting = 1024;  // what the stack surely holds
+constexpr nqLong kObjectSpacing = 8;   // addresses are multiples of it
+
+}  // namespace
+
+NQ_COPY_PROTOCOL_IMPL(NQOMLFile)
+NQ_COPY_ALIKE_IMPL(NQOMLFile, NQTextFile)
+
+NQOMLFile::NQOMLFile() {
+  init();
+}
+
+NQOMLFile::~NQOMLFile() = default;
+
+void NQOMLFile::init() {
+  state_ = std::make_unique<nqdetail::FileState>(*this);
+}
+
+// A copy takes the settings, nothing of what the source has read.
+void NQOMLFile::copyFields(const NQOMLFile& source) {
+  maxNumberOfErrors(source.maxNumberOfErrors());
+  maxNumberOfWarnings(source.maxNumberOfWarnings());
+  maxNestingDepth(source.maxNestingDepth());
+}
+
+nqLong NQOMLFile::sizeOf() const {
+  return NQTextFile::sizeOf() + static_cast<nqLong>(sizeof state_) +
+         static_cast<nqLong>(errorStringBufferSize() + warningStringBufferSize());
+}
+
+NQFileCodeEnum NQOMLFile::readOMLFile(const char* fileName, NQOMLStatic* grammar,
+                                      NQObject* top, nqLong topTypeIndex, int binary,
+                                      int useIndexHashTable, int) {
+  if (grammar == nullptr || fileName == nullptr) return NQ_FILE_READ_ARGUMENT_ERROR;
+  if (state_->reading) return NQ_FILE_READ_ERROR;
+  initParser(grammar, top, topTypeIndex, useIndexHashTable);
+  const nqdetail::ReadMark mark(*state_);
+  error(0);
+  parse(fileName, binary != 0);
+  checkSemantics();
+  execute();
+  const nqdetail::Diagnostics& diagnostics = state_->diagnostics;
+  if (!diagnostics.failed() && !diagnostics.ended() && error() == 0) return NQ_FILE_OK;
+  error(1);
+  return diagnostics.errorCode == NQ_FILE_OK ? NQ_FILE_READ_ERROR : diagnostics.errorCode;
+}
+
+void NQOMLFile::initParser(NQOMLStatic* grammar, NQObject* top, nqLong topTypeIndex,
+                           int useIndexHashTable) {
+  nqdetail::FileState& state = *state_;
+  if (state.reading) return;
+  pPathName("");
+  state.diagnostics.reset();
+  cleanup();
+  state.tree.clear();
+  state.root = nullptr;
+  state.numberOfNodes = 0;
+  state.bytesRead = 0;
+  state.grammar = grammar;
+  state.top = {top, topTypeIndex, nullptr, -1};
+  if (useIndexHashTable == 0) {
+    state.numbers.reset();
+  } else if (state.numbers == nullptr && grammar != nullptr) {
+    state.numbers = std::make_unique<NQIndexHashTable>(grammar->objectIDHashSize(),
+                                                       kObjectSpacing, 0);
+  }
+  if (grammar == nullptr) return;
+  state.names.emplace(*grammar);
+  state.tables = {grammar,
+                  &state.names->strings,
+                  &state.names->declaredSections,
+                  &state.names->declaredFields,
+                  &state.names->ignoredFields,
+                  &state.names->ids};
+}
+
+void NQOMLFile::cleanup() {
+  if (state_->reading) {
+    state_->diagnostics.end();
+  } else {
+    state_->release();
+  }
+}
+
+void NQOMLFile::parse(const char* fileName, bool binary) {
+  nqdetail::FileState& state = *state_;
+  if (!state.names) {
+    state.diagnostics.end();
+    return;
+  }
+  state.sources.emplace(state, !binary);
+  const auto lexer =
+      nqdetail::Lexer::make(binary, *state.sources, *state.names, state.diagnostics);
+  nqdetail::Parser parser(this, *state.sources, *lexer, *state.names, state.diagnostics,
+                          state.tree, std::min(state.maxNestingDepth, kDeepestNesting));
+  state.root = parser.parse(fileName);
+  state.numberOfNodes = parser.numberOfNodes();
+  // The files are free again before the application is called.
+  state.sources.reset();
+  if (state.root == nullptr) state.tree.clear();
+}
+
+void NQOMLFile::checkSemantics() {
+  nqdetail::FileState& state = *state_;
+  if (state.root == nullptr) return;
+  nqdetail::SemanticPass pass(state, *state.grammar, state.names->ids, state.diagnostics,
+                              state.numberOfNodes);
+  pass.checkSemantics(*state.root);
+}
+
+void NQOMLFile::execute() {
+  nqdetail::FileState& state = *state_;
+  if (state.root == nullptr || !state.names || state.diagnostics.failed() ||
+      state.diagnostics.ended()) {
+    return;
+  }
+  nqdetail::ObjectCreation creation(state, state.names->ids, state.diagnostics, state.top,
+                                    state.numbers.get());
+  creation.execute(*state.root);
+}
+
+void NQOMLFile::errorMessage(NQOMLSyntaxStruct* where, int code, const char* text,
+                             int fatal) {
+  state_->diagnostics.error(
+      where == nullptr ? "" : where->fileNameString(),
+      where == nullptr ? -1 : where->line(), where == nullptr ? -1 : where->position(),
+      code, text == nullptr ? "" : text, nullptr, nullptr, nullptr, fatal);
+}
+
+void NQOMLFile::warningMessage(NQOMLSyntaxStruct* where, int code, const char* text) {
+  state_->diagnostics.warning(
+      where == nullptr ? "" : where->fileNameString(),
+      where == nullptr ? -1 : where->line(), where == nullptr ? -1 : where->position(),
+      code, text == nullptr ? getStringResource(nqdetail::kSomethingWrong) : text);
+}
+
+int NQOMLFile::numberOfErrors() const {
+  return state_->diagnostics.numberOfErrors;
+}
+
+int NQOMLFile::numberOfErrors(int number) {
+  return state_->diagnostics.numberOfErrors = number;
+}
+
+int NQOMLFile::numberOfWarnings() const {
+  return state_->diagnostics.numberOfWarnings;
+}
+
+int NQOMLFile::maxNumberOfErrors() const {
+  return state_->diagnostics.maxNumberOfErrors;
+}
+
+int NQOMLFile::maxNumberOfErrors(int number) {
+  return state_->diagnostics.maxNumberOfErrors = number;
+}
+
+int NQOMLFile::maxNumberOfWarnings() const {
+  return state_->diagnostics.maxNumberOfWarnings;
+}
+
+int NQOMLFile::maxNumberOfWarnings(int number) {
+  return state_->diagnostics.maxNumberOfWarnings = number;
+}
+
+int NQOMLFile::maxNestingDepth() const {
+  return state_->maxNestingDepth;
+}
+
+int NQOMLFile::maxNestingDepth(int depth) {
+  return state_->maxNestingDepth = depth;
+}
+
+char* NQOMLFile::pErrorStringBuffer() const {
+  return state_->diagnostics.errors.text();
+}
+
+char* NQOMLFile::pErrorStringBuffer(int size) {
+  if (size >= 0) state_->diagnostics.errors.resize(static_cast<unsigned>(size));
+  return pErrorStringBuffer();
+}
+
+char* NQOMLFile::pWarningStringBuffer() const {
+  return state_->diagnostics.warnings.text();
+}
+
+char* NQOMLFile::pWarningStringBuffer(int size) {
+  if (size >= 0) state_->diagnostics.warnings.resize(static_cast<unsigned>(size));
+  return pWarningStringBuffer();
+}
+
+unsigned int NQOMLFile::errorStringBufferSize() const {
+  return state_->diagnostics.errors.size();
+}
+
+unsigned int NQOMLFile::warningStringBufferSize() const {
+  return state_->diagnostics.warnings.size();
+}
+
+NQFileCodeEnum NQOMLFile::errorCode() const {
+  return state_->diagnostics.errorCode;
+}
+
+NQIndexHashTable* NQOMLFile::pIndexHashTable() const {
+  return state_->numbers.get();
+}
+
+const NQOMLStatic* NQOMLFile::pOMLStatic() const {
+  return state_->grammar;
+}
+
+NQOMLSyntaxObject* NQOMLFile::pSyntaxObject(nqLong objectIDIndex) const {
+  return state_->names ? state_->names->ids.pSyntaxObject(objectIDIndex) : nullptr;
+}
+
+nqLong NQOMLFile::sectionIDIndex(const char* name) const {
+  return nqdetail::sectionIndex(&state_->tables, name);
+}
+
+void NQOMLFile::updateObject(NQOMLSyntaxObject* syntax, NQObject* old,
+                             NQObject* replacement) {
+  if (syntax == nullptr || !state_->names) return;
+  nqdetail::updateObject(state_->names->ids, state_->numbers.get(),
+                         syntax->objectIDIndex(), old, replacement);
+}
+
+const char* NQOMLFile::pFileNameString() const {
+  return state_->sourceName(fileNameIndex());
+}
+
+nqLong NQOMLFile::fileNameIndex() const {
+  return state_->sources ? state_->sources->place().fileIndex : -1;
+}
+
+nqLong NQOMLFile::line() const {
+  return state_->sources ? state_->sources->place().line : -1;
+}
+
+int NQOMLFile::position() const {
+  return state_->sources ? state_->sources->place().column : -1;
+}
+
+void NQOMLFile::vReserved() {}
+
+const NQOMLDefObjType* NQOMLFile::definitionOf(const NQOMLSyntaxObject* syntax) const {
+  if (state_->grammar == nullptr || syntax == nullptr) return nullptr;
+  return state_->grammar->pObjTypeDefinition(syntax->typeIndex());
+}
+
+int NQOMLFile::vCheckObject(NQOMLSyntaxObject* syntax) {
+  const NQOMLDefObjType* const type = definitionOf(syntax);
+  if (type == nullptr) return 0;
+  const NQOMLCheckFunction check = type->checkFunction();
+  return check == nullptr ? 1 : check(this, syntax);
+}
+
+void NQOMLFile::vSyntaxObjectCreated(NQOMLSyntaxObject*, nqLong, int) {}
+
+NQObject* NQOMLFile::vCreateObject(NQOMLSyntaxObject* syntax,
+                                   NQOMLSyntaxObject* ownerSyntax, NQObject* owner) {
+  const NQOMLDefObjType* const type = definitionOf(syntax);
+  if (type == nullptr || type->createFunction() == nullptr) return nullptr;
+  return type->createFunction()(this, syntax, ownerSyntax, owner);
+}
+
+int NQOMLFile::vReadField(NQOMLSyntaxField* field, NQOMLSyntaxObject* syntax,
+                          NQObject* object) {
+  if (object != nullptr && object->isOMLObject() != 0) {
+    const int taken = static_cast<NQOMLObject*>(object)->readField(field, syntax, this);
+    if (taken != 0) return taken;
+  }
+  const NQOMLDefObjType* const type = definitionOf(syntax);
+  if (type == nullptr || type->readFieldFunction() == nullptr) return 0;
+  return type->readFieldFunction()(this, field, syntax, object);
+}
+
+void NQOMLFile::vPreReadFields(NQOMLSyntaxObject* syntax, NQObject* object) {
+  if (object == nullptr || object->isOMLObject() == 0) return;
+  static_cast<NQOMLObject*>(object)->preReadFields(syntax, this);
+}
+
+void NQOMLFile::vPostReadFields(NQOMLSyntaxObject* syntax, NQObject* object) {
+  if (object == nullptr || object->isOMLObject() == 0) return;
+  static_cast<NQOMLObject*>(object)->postReadFields(syntax, this);
+}
+
+void NQOMLFile::vErrorMessage(const char* file, nqLong line, int column, int code,
+                              const char* text, int fatal) {
+  state_->diagnostics.storeError(file, line, column, code, text, fatal);
+}
+
+void NQOMLFile::vWarningMessage(const char* file, nqLong line, int column, int code,
+                                const char* text) {
+  state_->diagnostics.storeWarning(file, line, column, code, text);
+}
+
+int NQOMLFile::vIncludeFile(const char*) {
+  return 1;
+}
+
+int NQOMLFile::vReadProgress(nqInt64) {
+  return 1;
+}
+
+int NQOMLFile::isFatalError() const {
+  return state_->diagnostics.ended() ? 1 : 0;
+}
+
+void NQOMLFile::setFatalError() {
+  state_->diagnostics.end();
+}
+
+void NQOMLFile::clearFatalError() {
+  state_->diagnostics.resume();
+}

@@ -1,0 +1,204 @@
+// oml_file.h -- reading files in the object format OML.
+//
+// readOMLFile() reads a file against a grammar (grammar.h), with all files that
+// it includes, and turns it into the application's objects. The application takes
+// part by deriving from NQOMLFile and overriding the v... hooks, by callbacks that
+// it registers with its grammar, or by objects that derive from NQOMLObject; the
+// default hooks call the latter two. Objects made belong to the application.
+//
+// What is wrong with a file is reported line by line through vErrorMessage(),
+// which by default gathers the lines in a buffer, and in the result of the read.
+// No object is made unless the whole file is found good; from a fatal error on no
+// hook is called. However a file is damaged, a read ends in a time and with memory
+// in proportion to the file; blocks nest to maxNestingDepth() levels, at most 64
+// files are open at once and 1000 are read in one read.
+//
+// A reader can read many files, one after the other. Hooks may not start another
+// read with the reader that calls them. Syntax nodes stay valid until the next
+// read; their texts, and the objects they refer to, only until the read returns.
+//
+// How it works
+//   A read goes through a row of rooms, each with a header of its own: sources
+//   and lexer (lexer_internal.h), parser, semantic pass, creation, and diagnostics
+//   on which all of them report. A fatal error only marks the read as ended; every
+//   room then answers as if there were nothing more to do, and what they share
+//   goes when the read returns.
+
+#ifndef NQ_OML_OML_FILE_H
+#define NQ_OML_OML_FILE_H
+
+#include <memory>
+
+#include "nq/file/text_file.h"
+#include "nq/oml/grammar.h"
+#include "nq/oml/syntax_tree.h"
+
+class NQIndexHashTable;
+
+namespace nqdetail {
+struct FileState;
+struct ReadTables;
+const ReadTables* readTables(const NQOMLFile* file);
+void announceSyntaxObject(NQOMLFile* file, NQOMLSyntaxObject* node, nqLong line,
+                          int position);
+}  // namespace nqdetail
+
+class NQ_EXPORT NQOMLFile : public NQTextFile {
+  NQ_COPY_PROTOCOL(NQOMLFile)
+
+ public:
+  NQOMLFile();
+  ~NQOMLFile() override;
+
+  nqLong sizeOf() const override;
+
+  // Reads a file in the text encoding, or the binary one when `binary` is not 0.
+  //   grammar            borrowed for the read
+  //   top                what the outermost object is to fill; null has it created
+  //   topTypeIndex       the type that the outermost object must have with `top`
+  //   useIndexHashTable  whether the numbers at the end of ids are kept, see
+  //                      pIndexHashTable()
+  //   unused             accepted and ignored
+  // The result is NQ_FILE_OK when nothing was reported; NQ_FILE_OPEN_ERROR when the
+  // file or one it includes cannot be opened; NQ_FILE_READ_ERROR for everything
+  // else that was reported, for a read that was broken off, and for a call out of
+  // a hook of this reader, which changes nothing; NQ_FILE_READ_ARGUMENT_ERROR for a
+  // null name or grammar.
+  virtual NQFileCodeEnum readOMLFile(const char* fileName, NQOMLStatic* grammar,
+                                     NQObject* top, nqLong topTypeIndex, int binary,
+                                     int useIndexHashTable, int unused);
+
+  // The steps before and after a read, called by readOMLFile(). initParser()
+  // forgets the last read and makes the tables of the next, cleanup() frees them.
+  // During a read cleanup() breaks it off, and initParser() does nothing.
+  virtual void initParser(NQOMLStatic* grammar, NQObject* top, nqLong topTypeIndex,
+                          int useIndexHashTable);
+  virtual void cleanup();
+
+  // Reports an error or a warning that a hook or an object has found; fatal, not 0,
+  // ends the read. `where` is the node at fault, null for none; `code` is only
+  // printed. A null text stands for "", in a warning for "something wrong".
+  void errorMessage(NQOMLSyntaxStruct* where, int code, const char* text, int fatal);
+  void warningMessage(NQOMLSyntaxStruct* where, int code, const char* text);
+
+  // Counts since the last read began. At the given numbers of errors or warnings
+  // the read ends with a fatal error; 16 and 32000 at first.
+  int numberOfErrors() const;
+  int numberOfErrors(int number);
+  int numberOfWarnings() const;
+  int maxNumberOfErrors() const;
+  int maxNumberOfErrors(int number);
+  int maxNumberOfWarnings() const;
+  int maxNumberOfWarnings(int number);
+  // How deep blocks may nest, 256 at first; beyond 1024 it stays at that.
+  int maxNestingDepth() const;
+  int maxNestingDepth(int depth);
+
+  // The buffers that gather the lines of errors and warnings, emptied when a read
+  // begins; null at first. The second form replaces a buffer by one of `size`
+  // bytes, none for 0, and leaves it as it is for a negative size. Both return the
+  // buffer, which stays the file's. A line that does not fit is cut, "...\n"
+  // stands for the rest, and what follows is dropped.
+  char* pErrorStringBuffer() const;
+  char* pErrorStringBuffer(int size);
+  char* pWarningStringBuffer() const;
+  char* pWarningStringBuffer(int size);
+  unsigned int errorStringBufferSize() const;
+  unsigned int warningStringBufferSize() const;
+  // The result of what was reported since the last read began.
+  NQFileCodeEnum errorCode() const;
+
+  // The number at the end of the id of each object made, under the object's
+  // address; null when the last read was not to keep them. It lasts until a read
+  // that is not to use it, and a read that is adds to it.
+  NQIndexHashTable* pIndexHashTable() const;
+  const NQOMLStatic* pOMLStatic() const;
+
+  // During a read: the node that defines an id, or null; and the index of a
+  // section, counted as in syntax nodes, or -1.
+  NQOMLSyntaxObject* pSyntaxObject(nqLong objectIDIndex) const;
+  nqLong sectionIDIndex(const char* name) const;
+  // Puts `replacement` in place of the object made for a node, and destroys `old`,
+  // which may be null.
+  void updateObject(NQOMLSyntaxObject* syntax, NQObject* old, NQObject* replacement);
+
+  // Where reading stands: the source file, line and column of what comes next.
+  // "" and -1 when no file is open.
+  const char* pFileNameString() const;
+  nqLong fileNameIndex() const;
+  nqLong line() const;
+  int position() const;
+
+ protected:
+  void init();
+
+  // A slot without a purpose; does nothing.
+  virtual void vReserved();
+
+  // Called for each object of a file that is good so far, parents first; 0 means
+  // that it is not acceptable, and the read ends with error 34. Asks the check
+  // callback of the object's type; without one everything is acceptable.
+  virtual int vCheckObject(NQOMLSyntaxObject* syntax);
+  // Called when a node has been made, still without its fields and children.
+  virtual void vSyntaxObjectCreated(NQOMLSyntaxObject* syntax, nqLong line, int position);
+  // Called to make the object for a node; the object belongs to the application,
+  // null is allowed. `owner` is the object made for the enclosing node, both null
+  // for the outermost object. Asks the create callback of the type, if any.
+  virtual NQObject* vCreateObject(NQOMLSyntaxObject* syntax,
+                                  NQOMLSyntaxObject* ownerSyntax, NQObject* owner);
+  // Called for each field of an object once all objects are made, those of its
+  // defaults first; `object` is null for fields outside any object. 0 means that
+  // the field was not taken: warning 49 follows at the end. Asks an NQOMLObject
+  // itself, and if that answers 0 the read-field callback of the node's type.
+  virtual int vReadField(NQOMLSyntaxField* field, NQOMLSyntaxObject* syntax,
+                         NQObject* object);
+  // Called before the first and after the last field of each object. Call the
+  // operations of an NQOMLObject of the same names.
+  virtual void vPreReadFields(NQOMLSyntaxObject* syntax, NQObject* object);
+  virtual void vPostReadFields(NQOMLSyntaxObject* syntax, NQObject* object);
+
+  // Called for each message; the texts live until the call returns. Without a
+  // place `line` and `column` are -1. A bracket closed by one of another kind is
+  // reported twice, as 50 where it was opened and as 51 where it is closed. They
+  // store a line and see to the limits: an override that calls neither has none.
+  virtual void vErrorMessage(const char* file, nqLong line, int column, int code,
+                             const char* text, int fatal);
+  virtual void vWarningMessage(const char* file, nqLong line, int column, int code,
+                               const char* text);
+
+ public:
+  // Makes and fills the objects, when nothing was reported; called by
+  // readOMLFile().
+  virtual void execute();
+
+ protected:
+  // Called before a file that another one includes is opened, with the name that
+  // is tried: first as it is written, then in the directory of the including file.
+  // 0 forbids it, which counts as a file that cannot be opened. A tool that reads
+  // files of strangers answers 0 to all names outside its own directory.
+  virtual int vIncludeFile(const char* name);
+  // Called about every 64 kilobytes with the number of bytes read so far, included
+  // files among them; 0 breaks the read off without a message.
+  virtual int vReadProgress(nqInt64 bytesRead);
+
+  int isFatalError() const;
+  void setFatalError();
+  void clearFatalError();
+
+ private:
+  friend class ::NQTestPeer;
+  friend struct nqdetail::FileState;
+  friend const nqdetail::ReadTables* nqdetail::readTables(const NQOMLFile* file);
+  friend void nqdetail::announceSyntaxObject(NQOMLFile* file, NQOMLSyntaxObject* node,
+                                             nqLong line, int position);
+
+  void copyFields(const NQOMLFile& source);
+  // The grammar's definition of a node's type, or null.
+  const NQOMLDefObjType* definitionOf(const NQOMLSyntaxObject* syntax) const;
+  void parse(const char* fileName, bool binary);
+  void checkSemantics();
+
+  std::unique_ptr<nqdetail::FileState> state_;  // never null
+};
+
+#endif  // NQ_OML_OML_FILE_H

@@ -1,0 +1,121 @@
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "nq/oml/id_table_internal.h"
+#include "tests/support/fake_system.h"
+#include "tests/support/oml_reading.h"
+
+namespace {
+
+const struct {
+  const char* text;
+  const char* tree;
+} kRows[] = {
+    // Full ids; objects without one count down from -2 in tree order.
+    {"graph { node { node { } } node { } }",
+     "graph#$,-2{node#$,-2,-3{node#$,-2,-3,-4} node#$,-2,-5}"},
+    // They pass over numbers that siblings bear, later ones and those in defaults too.
+    {"graph { node { } node -3 { } node { } node defaults { node -4 { } node { } } }",
+     "graph#$,-2{node#$,-2,-5 node#$,-2,-3 node#$,-2,-6 node#defaults{node#$,-2,-4 "
+     "node#$,-2,-7}}"},
+    {"graph { node a { node { } } node a { node -3 { } } }",
+     "graph#$,-2{node#$,-2,a{node#$,-2,a,-4 node#$,-2,a,-3}}"},
+    {"graph -2 { } ", "graph#$,-2"},
+    {"graph { any -2,-2 node -2 }", "graph#$,-2{any=->$,-2,-2 node#$,-2,-2}"},
+    // An integer and a text that prints it are one id; case counts.
+    {"graph 1 { id \"x\" }", nullptr},
+    {"graph 12 { id 12 id +12 id 0012 }", "graph#$,12"},
+    {"graph a { node b { x 1 } node B { x 2 } }",
+     "graph#$,a{node#$,a,b{x=1} node#$,a,B{x=2}}"},
+    // Blocks of the same id are joined in reading order.
+    {"graph 1 { count 1 } graph 1 { node 2 { x 1 } count 2 } graph 1 { node 2 { x 3 } }",
+     "graph#$,1{count=1 count=2 node#$,1,2{x=1 x=3}}"},
+    {"graph 1 { node 2 { node 3 } node 2 { node 3 { x 1 } node 4 } }",
+     "graph#$,1{node#$,1,2{node#$,1,2,3{x=1} node#$,1,2,4}}"},
+    // Defaults: theirs first, then the object's own.
+    {"graph 1 { node defaults { x 5 label \"d\" node a { x 1 } node b } }",
+     "graph#$,1{node#defaults{x=5 label=\"d\" node#$,1,a{x=5 label=\"d\" x=1} "
+     "node#$,1,b{x=5 label=\"d\"}}}"},
+    {"graph 1 { node { id defaults x 5 node a } }",
+     "graph#$,1{node#defaults{x=5 node#$,1,a{x=5}}}"},
+    {"graph 1 { layout node defaults { node a } }",
+     "graph#$,1{layout.node#defaults{layout.node#$,1,a}}"},
+    // A list of defaults counts once for an object, several of them all count.
+    {"graph 1 { node defaults { x 5 node a { x 1 } node a { x 2 } } }",
+     "graph#$,1{node#defaults{x=5 node#$,1,a{x=5 x=1 x=2}}}"},
+    {"graph 1 { node defaults { x 5 node a { x 1 } } node defaults { x 6 node a } }",
+     "graph#$,1{node#defaults{x=5 node#$,1,a{x=5 x=6 x=1}} node#defaults{x=6}}"},
+    {"graph defaults { count 1 graph 1 { count 2 } }",
+     "graph#defaults{count=1 graph#$,1{count=1 count=2}}"},
+    // Required fields, supplied by a default.
+    {"graph 1 { strict a { first 1 second \"x\" } }",
+     "graph#$,1{strict#$,1,a{first=1 second=\"x\"}}"},
+    {"graph 1 { strict defaults { first 1 strict a { second \"x\" } } }",
+     "graph#$,1{strict#defaults{first=1 strict#$,1,a{first=1 second=\"x\"}}}"},
+    {"graph 1 { strict a { first 1 } strict a { second \"x\" } }",
+     "graph#$,1{strict#$,1,a{first=1 second=\"x\"}}"},
+    // References, in the scope that contains their object.
+    {"graph a { node b { next c up $a } node c { next b } }",
+     "graph#$,a{node#$,a,b{next=->$,a,c up=->$,a} node#$,a,c{next=->$,a,b}}"},
+    {"graph alpha { link alpha,beta any $alpha,beta node beta { node p { next q } node q "
+     "} }",
+     "graph#$,alpha{link=->$,alpha,beta any=->$,alpha,beta node#$,alpha,beta{"
+     "node#$,alpha,beta,p{next=->$,alpha,beta,q} node#$,alpha,beta,q}}"},
+    {"graph 1 { node defaults { next 2 node 2 node 3 { next 2 } } }",
+     "graph#$,1{node#defaults{next=->$,1,2 node#$,1,2{next=->$,1,2} "
+     "node#$,1,3{next=->$,1,2 next=->$,1,2}}}"},
+};
+
+TEST(Semantics, GivesIDsJoinsBlocksAndResolvesReferences) {
+  FakeSystem system;
+  EverythingGrammar grammar;
+  TestReader reader;
+  for (const auto& row : kRows) {
+    SCOPED_TRACE(row.text);
+    system.files["f"] = row.text;
+    EXPECT_EQ(reader.read("f", grammar),
+              row.tree != nullptr ? NQ_FILE_OK : NQ_FILE_READ_ERROR);
+    EXPECT_EQ(reader.tree, row.tree != nullptr ? row.tree : "") << reader.errors();
+  }
+}
+
+TEST(IDTable, KeepsChainsOfComponents) {
+  nqdetail::IDTable ids;
+  const nqLong ab = ids.withText("a,b");
+  EXPECT_EQ(ids.withName("b", ids.withName("a")), ab);
+  EXPECT_EQ(ids.withText("b", ids.withText("a")), ab);
+  EXPECT_EQ(ids.inScope(ab, ids.withText("$,x")), ids.withText("$,x,a,b"));
+  EXPECT_EQ(ids.withText("-7,0"), ids.withNumber(0, ids.withNumber(-7)));
+  for (const char* const text : {"07", "+7", "-0", "2147483648", "", "7a", " 7", "--7"}) {
+    EXPECT_EQ(ids.withText(text), ids.withName(text)) << text;
+    EXPECT_STREQ(ids.text(ids.withText(text)), text);
+  }
+  const struct {
+    const char* text;
+    bool simple;
+    bool full;
+    nqInt64 number;
+  } rows[] = {
+      {"defaults", true, false, 0}, {"$", false, true, 0},
+      {"$,a,12", false, true, 12},  {"a,b-12", false, false, -12},
+      {"a12b", true, false, 0},     {"", true, false, 0},
+      {"a,", false, false, 0},      {"007", true, false, 7},
+      {"$a", false, true, 0},       {"x99999999999999999999", true, false, INT64_MAX},
+      {"-2", true, false, -2},      {"b-99999999999999999999", true, false, INT64_MIN},
+  };
+  for (const auto& row : rows) {
+    const nqLong id = ids.withText(row.text);
+    EXPECT_EQ(ids.isSimple(id), row.simple) << row.text;
+    EXPECT_EQ(ids.isFull(id), row.full) << row.text;
+    EXPECT_EQ(ids.trailingNumber(id), row.number) << row.text;
+    EXPECT_STREQ(ids.text(id), row.text);
+  }
+  EXPECT_STREQ(ids.text(-1), "");
+  EXPECT_STREQ(ids.text(1'000'000), "");
+  EXPECT_FALSE(ids.isSimple(-1) || ids.isFull(1'000'000));
+  EXPECT_EQ(ids.inScope(-1, 1), -1);
+  EXPECT_EQ(ids.pObject(1'000'000), nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,17 @@
+// test_peer.h -- the friend through which tests look into an NQOMLFile.
+
+#ifndef NQ_TESTS_SUPPORT_TEST_PEER_H
+#define NQ_TESTS_SUPPORT_TEST_PEER_H
+
+#include "nq/oml/file_state_internal.h"
+
+class NQTestPeer {
+ public:
+  static nqdetail::FileState& state(const NQOMLFile& file) { return *file.state_; }
+  static const NQOMLSyntaxObject* root(const NQOMLFile& file) { return state(file).root; }
+  static const char* idText(const NQOMLFile& file, nqLong index) {
+    return state(file).names->ids.text(index);
+  }
+};
+
+#endif  // NQ_TESTS_SUPPORT_TEST_PEER_H

@@ -1,0 +1,96 @@
+#include "tests/support/token_dump.h"
+
+#include <cstdio>
+
+#include "nq/oml/bin_value.h"
+
+namespace {
+
+std::string wordOf(const nqdetail::SourceToken& token,
+                   const nqdetail::NameTables& names) {
+  const NQOMLStatic& grammar = names.grammar;
+  const nqLong index = token.integer();
+  char text[64];
+  switch (token.tag) {
+    case NQ_OML_OPENING_BRACKET:
+    case NQ_OML_CLOSING_BRACKET:
+    case NQ_OML_COLON:
+    case NQ_OML_SEMICOLON:
+      return std::string(1, static_cast<char>(index));
+    case NQ_OML_INTEGER:
+      return std::to_string(index);
+    case NQ_OML_STRING:
+      return std::string("s\"") + names.strings.decode(index) + '"';
+    case NQ_OML_ENUMERATOR:
+      return std::string("e") + grammar.pEnumPool()->decode(index);
+    case NQ_OML_OBJECT_TYPE_NAME:
+      return std::string("t") + grammar.pObjTypePool()->decode(index);
+    case NQ_OML_SECTION_NAME: {
+      const nqLong known = grammar.pSectionPool()->decodeTableMax();
+      return index < known
+                 ? std::string("S") + grammar.pSectionPool()->decode(index)
+                 : std::string("S!") + names.declaredSections.decode(index - known);
+    }
+    case NQ_OML_FIELD_NAME: {
+      const nqLong known = grammar.pFieldPool()->decodeTableMax();
+      if (index < known) return std::string("f") + grammar.pFieldPool()->decode(index);
+      return token.declared != 0
+                 ? std::string("f!") + names.ignoredFields.decode(index - known)
+                 : std::string("f?") + names.declaredFields.decode(index - known);
+    }
+    case NQ_OML_OBJECT_ID:
+      return std::string("#") + names.ids.text(index);
+    case NQ_OML_REAL:
+      std::snprintf(text, sizeof text, "r%.17g", token.real());
+      return text;
+    case NQ_OML_IP_ADDRESS:
+      std::snprintf(text, sizeof text, "ip%u.%u.%u.%u", token.address() >> 24,
+                    token.address() >> 16 & 255, token.address() >> 8 & 255,
+                    token.address() & 255);
+      return text;
+    case NQ_OML_BINARY_VALUE: {
+      std::string result = "x";
+      const NQOMLBinValue& value = *token.pBinValue();
+      for (nqLong i = 0; i < value.length(); ++i) {
+        std::snprintf(text, sizeof text, "%02x",
+                      static_cast<unsigned char>(value.pByteSequence()[i]));
+        result += text;
+      }
+      return result;
+    }
+    case NQ_OML_UNRECOGNISED:
+      break;
+  }
+  return "?";
+}
+
+}  // namespace
+
+std::string LexerHarness::dump() {
+  text_.clear();
+  nqdetail::SourceToken token;
+  while (lexer->next(token)) {
+    std::string word = wordOf(token, names);
+    if (places)
+      word += "@" + std::to_string(token.line) + ":" + std::to_string(token.column);
+    add(word);
+    token.deleteValue();
+    if (afterToken) afterToken(token);
+  }
+  return text_;
+}
+
+const char* LexerHarness::sourceName(nqLong fileIndex) {
+  return names.strings.decode(fileIndex);
+}
+
+void LexerHarness::error(const char*, nqLong line, int column, int code, const char*,
+                         int) {
+  add("!" + std::to_string(code) + "@" + std::to_string(line) + ":" +
+      std::to_string(column));
+}
+
+void LexerHarness::add(const std::string& word) {
+  if (!text_.empty()) text_ += ' ';
+  text_ += word;
+}
