@@ -1,0 +1,145 @@
+#include "tools/nqoml/check.h"
+
+#include "tools/nqoml/source.h"
+
+#include <gtest/gtest.h>
+#include <filesystem>
+#include <fstream>
+#include <random>
+#include <sstream>
+#include <string>
+#include <system_error>
+#include <vector>
+
+namespace nqoml {
+namespace {
+
+namespace fs = std::filesystem;
+
+// A folder of its own for each test, with the sample's grammar.
+class Check : public testing::Test {
+ protected:
+  void SetUp() override {
+    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
+    folder_ = fs::temp_directory_path() / (std::string("nqoml_") + test->name() + "_" +
+                                           std::to_string(std::random_device{}()));
+    fs::create_directories(folder_ / "inner");
+    options_.grammar = NQ_SAMPLES "graph.grammar";
+  }
+  void TearDown() override {
+    std::error_code code;
+    fs::remove_all(folder_, code);
+  }
+
+  std::string write(const char* name, const std::string& text) const {
+    std::string path = (folder_ / name).string();
+    std::ofstream(path, std::ios::binary) << text;
+    return path;
+  }
+
+  // Runs the command; output and errors are in out_ and err_.
+  int run(const std::string& input = {}) {
+    std::istringstream in(input);
+    std::ostringstream out;
+    std::ostringstream err;
+    const int code = runCheck(options_, in, out, err);
+    out_ = out.str();
+    err_ = err.str();
+    return code;
+  }
+
+  fs::path folder_;
+  CheckOptions options_;
+  std::string out_;
+  std::string err_;
+};
+
+TEST_F(Check, DamagedFilesAreAnsweredInEveryFormat) {
+  const std::string network = *readFile(NQ_SAMPLES "network.oml", 1 << 20);
+  const std::string karate = *readFile(NQ_SAMPLES "karate.oml", 1 << 20);
+  std::mt19937 random(7);
+  options_.files = {"-"};
+  int broken = 0;
+  for (int round = 0; round < 600; ++round) {
+    std::string text = round % 2 == 0 ? network : karate;
+    if (round % 3 == 0) text.resize(random() % text.size());
+    for (int i = round % 5; i > 0 && !text.empty(); --i) {
+      text[random() % text.size()] = static_cast<char>(random() % 256);
+    }
+    options_.format = static_cast<Format>(round % 3);
+    options_.color = round % 4 == 0 ? Color::kAlways : Color::kNever;
+    options_.maxErrors = round % 7 == 0 ? 1000 : 16;
+    options_.binary = round % 11 == 0;
+    const int code = run(text);
+    ASSERT_TRUE(code == kClean || code == kErrorsFound) << err_;
+    ASSERT_EQ(err_, "");
+    broken += code;
+    // Nothing that a terminal or a program would trip over.
+    for (const char c : out_) {
+      ASSERT_TRUE(c == '\n' || c == '\t' || c < 0 || c >= ' ' ||
+                  (c == '\x1b' && options_.color == Color::kAlways))
+          << static_cast<int>(c);
+    }
+  }
+  EXPECT_GT(broken, 400);
+}
+
+TEST_F(Check, IncludesStayBelowTheCheckedFile) {
+  const std::string graph = "graph g { directed: true include: \"";
+  write("outside.oml", "node a");
+  write("inner/beside.oml", "node a");
+  fs::create_directories(folder_ / "inner" / "below");
+  write("inner/below/part.oml", "node a include: \"../beside.oml\";");
+  const struct {
+    std::string name;
+    int code;
+  } rows[] = {{"beside.oml", kClean},
+              {"below/part.oml", kClean},
+              {"below/../beside.oml", kClean},
+              {"../outside.oml", kErrorsFound},
+              {"below/../../outside.oml", kErrorsFound},
+              {(folder_ / "outside.oml").generic_string(), kErrorsFound},
+              {(folder_ / "inner" / "beside.oml").generic_string(), kClean},
+              {"link.oml", kErrorsFound}};
+  std::error_code code;
+  fs::create_symlink(folder_ / "outside.oml", folder_ / "inner" / "link.oml", code);
+  for (const auto& row : rows) {
+    if (row.name == "link.oml" && code) continue;  // no links here
+    options_.files = {write("inner/main.oml", graph + row.name + "\";}")};
+    options_.allowIncludes = false;
+    const int restricted = run();
+    EXPECT_EQ(restricted, row.code) << row.name << "\n" << out_;
+    EXPECT_EQ(out_.find("--allow-includes") != std::string::npos, row.code != kClean);
+    options_.allowIncludes = true;
+    EXPECT_EQ(run(), kClean) << row.name << "\n" << out_;
+  }
+}
+
+TEST_F(Check, TheWorstFileDecides) {
+  const std::string clean = write("clean.oml", "graph g { directed: true }");
+  const std::string faulty = write("faulty.oml", "graph g { }");
+  const std::string missing = (folder_ / "missing.oml").string();
+  const struct {
+    std::vector<std::string> files;
+    int code;
+    const char* summary;
+  } rows[] = {{{clean}, kClean, "1 file checked: no errors\n"},
+              {{clean, faulty, clean}, kErrorsFound, "3 files checked: 1 error\n"},
+              {{missing, faulty}, kTrouble, "1 file checked: 1 error, 1 file not read\n"},
+              {{folder_.string(), clean},
+               kTrouble,
+               "1 file checked: no errors, 1 file not read\n"}};
+  for (const auto& row : rows) {
+    options_.files = row.files;
+    EXPECT_EQ(run(), row.code) << err_;
+    EXPECT_TRUE(out_.ends_with(row.summary)) << out_;
+    EXPECT_EQ(err_.empty(), row.code != kTrouble) << err_;
+  }
+  options_.quiet = true;
+  options_.files = {clean};
+  EXPECT_EQ(run(), kClean);
+  EXPECT_EQ(out_, "");
+}
+
+}  // namespace
+}  // namespace nqoml

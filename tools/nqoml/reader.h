@@ -1,0 +1,55 @@
+// reader.h -- reads a file as an application would, for its messages alone.
+
+#ifndef NQ_TOOLS_NQOML_READER_H
+#define NQ_TOOLS_NQOML_READER_H
+
+#include "nq/oml/oml_file.h"
+#include "tools/nqoml/diagnostic.h"
+
+#include <string>
+#include <vector>
+
+namespace nqoml {
+
+// Collects what the library reports; every object is accepted and every field
+// taken, so that nothing but the file and the grammar decides.
+class CheckingReader : public NQOMLFile {
+ public:
+  // Messages speak of the file at `path` as `shownAs`. Included files must lie
+  // in the directory `includeRoot` or below it, links resolved; an empty one
+  // allows any.
+  CheckingReader(std::string path, std::string shownAs, std::string includeRoot);
+
+  // Reads the file; afterwards the diagnostics stand in the order in which they
+  // were reported.
+  NQFileCodeEnum read(NQOMLStatic* grammar, bool binary);
+  std::vector<Diagnostic>& diagnostics() { return diagnostics_; }
+
+ protected:
+  int vIncludeFile(const char* fileName) override;
+  NQObject* vCreateObject(NQOMLSyntaxObject* syntax, NQOMLSyntaxObject* ownerSyntax,
+                          NQObject* owner) override;
+  int vReadField(NQOMLSyntaxField* field, NQOMLSyntaxObject* syntax,
+                 NQObject* object) override;
+  void vErrorMessage(const char* file, nqLong line, int column, int code,
+                     const char* text, int fatal) override;
+  void vWarningMessage(const char* file, nqLong line, int column, int code,
+                       const char* text) override;
+
+ private:
+  const char* shown(const char* file) const;
+  void collect(Severity severity, const char* file, nqLong line, int column, int code,
+               const char* text);
+  void takeMessage();
+
+  std::string path_;
+  std::string shownAs_;
+  std::string includeRoot_;
+  NQObject object_;  // stands for every object of the file
+  std::vector<Diagnostic> diagnostics_;
+  std::string refused_;  // the include that was refused last
+};
+
+}  // namespace nqoml
+
+#endif  // NQ_TOOLS_NQOML_READER_H
