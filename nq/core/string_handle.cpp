@@ -61,11 +61,14 @@ NQStringHandle* NQStringHandle::castDown(const NQObject* object) {
 }
 
 NQObject* NQStringHandle::vCloneObject() const {
-  return NQCopyAccess::newCopy<NQStringHandle>(*this, NQ_DEEP_COPY);
+  return vCloneAttributes();
 }
 
 NQObject* NQStringHandle::vCloneAttributes() const {
-  return NQCopyAccess::newCopy<NQStringHandle>(*this, NQ_ATTRIBUTE_COPY);
+  auto* const clone = new (std::nothrow) NQStringHandle(*this, NQ_ATTRIBUTE_COPY);
+  if (clone == nullptr || clone->capacity_ == capacity_) return clone;
+  delete clone;  // there was no memory for the text
+  return nullptr;
 }
 
 void NQStringHandle::NQStringHandledeepCopy(const NQStringHandle& source) {
@@ -75,8 +78,10 @@ void NQStringHandle::NQStringHandledeepCopy(const NQStringHandle& source) {
 void NQStringHandle::NQStringHandleattributeCopy(const NQStringHandle& source) {
   NQCopyAccess::attributes<NQObject>(*this, source);
   if (capacity_ != source.capacity_) {
-    const std::unique_ptr<char[]> replaced(
-        std::exchange(buffer_, new char[static_cast<std::size_t>(source.capacity_)]));
+    const auto size = static_cast<std::size_t>(source.capacity_);
+    char* const fresh = new (std::nothrow) char[size];
+    if (fresh == nullptr) return;
+    delete[] std::exchange(buffer_, fresh);
     capacity(source.capacity_);
   }
   const nqLong length = source.strlenBuf();

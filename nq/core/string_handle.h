@@ -7,7 +7,8 @@
 //
 // A change for which there is no memory, or after which the capacity would not
 // fit an nqLong, is refused: the operation returns 0 (or null) and the text
-// stays as it was.
+// stays as it was, which goes for assignment too. Only the first buffer must be
+// had: making a handle without memory for it throws std::bad_alloc.
 //
 // How it works
 //   The text's length is kept, so that nothing walks over the text to append.

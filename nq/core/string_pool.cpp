@@ -119,7 +119,10 @@ void NQStringPool::makeTables(nqLong hashTableSize, nqLong decodeTableSize,
   if (tables_ == nullptr) return;
   const nqLong preparedFor = std::min(hashTableSize, kMostPreparedFor);
   (void)tables_->index.reserve(static_cast<std::size_t>(preparedFor));
-  if (withPointers) (void)nqdetail::resize(tables_->pointers, 0);
+  if (withPointers && !nqdetail::resize(tables_->pointers, 0)) {
+    tables_.reset();  // rather none than one that cannot keep its promise
+    return;
+  }
   increaseDecodeTable(decodeTableSize);
 }
 

@@ -13,7 +13,8 @@
 // many texts there are and whoever chose them; the index grows with the texts.
 //
 // A pool made with a hash table size below 1, or made by an attribute copy, has
-// no tables: it finds nothing and takes nothing until it is copied into.
+// no tables: it finds nothing and takes nothing until it is copied into. Nor does
+// one for which memory was exhausted; a copy then ends with the texts that fitted.
 
 #ifndef NQ_CORE_STRING_POOL_H
 #define NQ_CORE_STRING_POOL_H
@@ -54,7 +55,7 @@ class NQ_EXPORT NQStringPool : public NQObject {
 
   // The code of `text`, which is added when the pool does not hold it. Returns
   // -1 and changes nothing for null, for a text of 2^31 - 1 characters or more,
-  // when as many texts are held, and when memory is exhausted.
+  // when 2^31 - 1 texts are held, and when memory is exhausted.
   nqLong update(const char* text);
   nqLong update(std::string_view text);
 

@@ -45,8 +45,11 @@ nqLong NQInternalText::sizeOf() const {
 }
 
 const char* NQInternalText::pString(const char* text) {
-  // The old string is freed last, since `text` may point into it.
-  string_ = text == nullptr ? nullptr : joined(text, "");
+  if (text == nullptr) {
+    string_.reset();
+  } else if (auto copy = joined(text, "")) {
+    string_ = std::move(copy);  // `text` may point into the old string
+  }
   return string_.get();
 }
 

@@ -332,6 +332,7 @@ NQFileCodeEnum NQFile::empty() {
   } else if (isOpen()) {
     result = close();
   }
+  letGoOfHandle();
   pFileBuffer_.reset();
   pTopBuffer_ = nullptr;
   numberOfBufferedBytes_ = 0;
@@ -344,7 +345,7 @@ NQFileCodeEnum NQFile::empty() {
 }
 
 void* NQFile::fileHandle(void* handle) {
-  (void)fileHandle();  // what was gathered belongs to the old one
+  letGoOfHandle();
   return fileHandle_ = handle;
 }
 
@@ -380,6 +381,14 @@ int NQFile::flag(Flag mask, int on) {
 NQFileCodeEnum NQFile::conclude(NQFileCodeEnum result) {
   error(result != NQ_FILE_OK);
   return result;
+}
+
+// What was gathered for a handle, or fetched from it, is that handle's alone.
+void NQFile::letGoOfHandle() {
+  if (output_ != nullptr && !output_->send(fileHandle_)) error(1);
+  if (input_ != nullptr && !input_->giveBack(fileHandle_)) error(1);
+  output_.reset();
+  input_.reset();
 }
 
 bool NQFile::hasHandle() const {
@@ -505,14 +514,15 @@ NQFileCodeEnum NQFile::readUnbufferedLine(NQStringHandle& out) {
   return conclude(NQ_FILE_OK);
 }
 
-// What a failing refill leaves in the buffer stays there.
 NQFileCodeEnum NQFile::readBufferedBytes(char* data, int& count) {
   const int wanted = count;
-  for (count = 0; count < wanted;) {
+  bool failed = false;
+  for (count = 0; count < wanted && !failed;) {
     int length = static_cast<int>(bufferedRun().size());
     if (length == 0) {
-      if (!refillIfDue()) return NQ_FILE_READ_ERROR;
-      length = std::min(numberOfBufferedBytes_, 1);
+      failed = !refillIfDue();
+      // After a failure what the buffer holds is all that there is.
+      length = failed ? numberOfBufferedBytes_ : std::min(numberOfBufferedBytes_, 1);
       if (length < 1) break;
     }
     length = std::min(length, wanted - count);
@@ -520,7 +530,7 @@ NQFileCodeEnum NQFile::readBufferedBytes(char* data, int& count) {
     takeBuffered(static_cast<std::size_t>(length));
     count += length;
   }
-  return NQ_FILE_OK;
+  return failed ? NQ_FILE_READ_ERROR : NQ_FILE_OK;
 }
 
 NQFileCodeEnum NQFile::unbufferedReadBinary(char* data, int& count) {

@@ -2,8 +2,9 @@
 //
 // NQFile moves lines and bytes, and adds nothing: what is written is what
 // stands in the file. The mode that a file is opened with decides what can be
-// done with it (file_codes.h). A file opened by name is ours alone until it is
-// closed; an attached handle belongs to somebody else and is never closed here.
+// done with it (file_codes.h). Until it is closed, a file opened by name is shut to
+// every other open through this library (on Windows, to every other program); an
+// attached handle belongs to somebody else and is never closed here.
 //
 // Every operation answers with an NQFileCodeEnum. Two flags outlive the call:
 // error() tells whether the last operation failed, endOfFile() that a read ran
@@ -14,7 +15,8 @@
 // answers NQ_FILE_CLOSE_ERROR. So only a close that succeeded says that
 // everything is in the file; opening the next file without one does not. Input
 // of a file opened by name is fetched ahead. An attached handle is written
-// through at once, and never read further than its mode says.
+// through at once; in a buffered mode it is read ahead by as much as the buffer
+// holds, and what is still unread there is lost to its owner at detach.
 //
 // How it works
 //   The reading modes except NQ_READ_WRITE are buffered. The unread bytes are
@@ -69,8 +71,9 @@ class NQ_EXPORT NQFile : public NQObject {
   NQArchiveClass* pArchive() const { return pArchive_; }
 
   // The name given to open, and its directory part with the separator at its
-  // end; "" when there is none. Valid until the next open, attach or empty. The
-  // query forms make no buffer, and answer null as long as there is none.
+  // end; "" when there is none. The buffers stay until the next open, attach or
+  // empty, the names until close. The query forms make no buffer, and answer null as long
+  // as there is none.
   const char* pFileName();
   const char* pPathName();
   const char* pQueryFileName() const { return pFileName_.get(); }
@@ -95,7 +98,8 @@ class NQ_EXPORT NQFile : public NQObject {
 
   // Opens a file by name, after empty(). NQ_FILE_OPEN_ERROR for null, for a name
   // of 260 bytes or more, for directories and FIFOs, for a file that is open
-  // already, here or in another program, and for an unknown mode. `name` may
+  // already through this library, and for an unknown mode; the file is idle then,
+  // and mode() and buffered() tell of the mode that was asked for. `name` may
   // be this file's own pFileName().
   virtual NQFileCodeEnum open(const char* name, NQFileModeEnum mode);
   // Failed or not, the file is idle afterwards and its names are "".
@@ -121,7 +125,8 @@ class NQ_EXPORT NQFile : public NQObject {
   // Reads a line into `out`. In the buffered modes each of "\n", "\r", "\r\n"
   // and "\n\r" ends it and becomes one "\n"; the last line may lack it. In
   // NQ_READ_WRITE lines end as nqInternalRead has them, and one that the end of
-  // the data cuts off is dropped. A zero byte counts as the end of the data.
+  // the data cuts off is dropped. A zero byte counts as the end of the data. After
+  // a read error `out` holds what had arrived, and reading may go on.
   virtual NQFileCodeEnum readString(NQStringHandle& out);
   // Reads up to `count` bytes; `count` tells how many came. Fewer than asked for
   // set endOfFile() and are no failure.
@@ -212,6 +217,7 @@ class NQ_EXPORT NQFile : public NQObject {
   bool hasRun() const {
     return numberOfBufferedBytes_ > kLookAhead && numberOfBufferedBytes_ != kEarlyRefill;
   }
+  void letGoOfHandle();
   bool hasHandle() const;
 
   void makeBuffer();

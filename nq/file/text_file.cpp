@@ -2,6 +2,8 @@
 
 #include <array>
 #include <charconv>
+#include <cstddef>
+#include <cstdint>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -81,6 +83,24 @@ bool isHexadecimal(const char* text) {
          (first >= 'A' && first <= 'F');
 }
 
+// Of a decimal number that no double holds: whether it is too small, so that 0 is
+// its nearest double, rather than too large.
+bool isTiny(const char* text) {
+  const char* point = text + std::strspn(text, "0123456789");
+  const char* const firstDigit = text + std::strspn(text, "0.");
+  const std::ptrdiff_t places =
+      *point == '.' && firstDigit > point ? point + 1 - firstDigit : point - firstDigit;
+  const char* exponent = text + std::strspn(text, "0123456789.");
+  std::int64_t power = 0;
+  if (*exponent == 'e' || *exponent == 'E') {
+    exponent += exponent[1] == '+' ? 2 : 1;
+    const auto result =
+        std::from_chars(exponent, exponent + std::strlen(exponent), power);
+    if (result.ec != std::errc()) return *exponent == '-';
+  }
+  return places + power < 0;
+}
+
 bool scanReal(const char* text, double& value) {
   bool negative;
   text = skipSign(text, &negative);
@@ -90,7 +110,13 @@ bool scanReal(const char* text, double& value) {
   const auto result = isHexadecimal(text) ? std::from_chars(text + 2, end, magnitude,
                                                             std::chars_format::hex)
                                           : std::from_chars(text, end, magnitude);
-  if (result.ec != std::errc()) return false;
+  if (result.ec != std::errc()) {
+    if (result.ec != std::errc::result_out_of_range || isHexadecimal(text) ||
+        !isTiny(text)) {
+      return false;
+    }
+    magnitude = 0;
+  }
   value = negative ? -magnitude : magnitude;
   return true;
 }

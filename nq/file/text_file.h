@@ -46,8 +46,8 @@ class NQ_EXPORT NQTextFile : public NQFile {
   // NQ_FILE_READ_ERROR and error() stays as it was.
   NQFileCodeEnum readLine(NQStringHandle& out);
   // The number at the front of the next line. A line without one, or with one
-  // that the type does not hold, is NQ_FILE_READ_ERROR. Unsigned numbers may
-  // have a sign; a minus counts back from 2 to the 32nd.
+  // beyond the type's range, is NQ_FILE_READ_ERROR; a real too small for a double is 0.
+  // Unsigned numbers may have a sign; a minus counts back from 2 to the 32nd.
   NQFileCodeEnum readLine(int& value);
   NQFileCodeEnum readLine(unsigned int& value);
   NQFileCodeEnum readLine(long& value);

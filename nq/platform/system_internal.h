@@ -32,8 +32,9 @@ enum class Creation {
 };
 
 struct System {
-  // Opens a file so that no second open of it succeeds until it is closed,
-  // within this program or outside it; a refused open changes nothing.
+  // Opens a file so that no second open() of it succeeds until it is closed, in
+  // this program or in another; a refused open changes nothing. Where the lock
+  // is advisory, only those who take it too are kept out.
   // Directories and FIFOs are refused at once; devices are not exclusive.
   Handle (*open)(const char* name, Access access, Creation creation);
   bool (*close)(Handle handle);

@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 
 #include "nq/platform/system_internal.h"
 
@@ -119,7 +120,11 @@ void currentDirectory(char* buffer, std::size_t size) {
 
 void* loadModule(const char* name) {
   if (*name == '\0') return nullptr;  // would stand for the program itself
-  return dlopen(name, RTLD_NOW | RTLD_LOCAL);
+  // A path is made absolute, so that modulePath() holds wherever the program goes.
+  const bool isPath = std::strchr(name, '/') != nullptr;
+  const std::unique_ptr<char, decltype(&std::free)> absolute(
+      isPath ? realpath(name, nullptr) : nullptr, &std::free);
+  return dlopen(absolute != nullptr ? absolute.get() : name, RTLD_NOW | RTLD_LOCAL);
 }
 
 void unloadModule(void* module) {
@@ -137,7 +142,7 @@ void modulePath(void* module, char* buffer, std::size_t size) {
   link_map* map = nullptr;
   if (module != nullptr) {
     if (dlinfo(module, RTLD_DI_LINKMAP, &map) != 0 || map == nullptr) return;
-    name = map->l_name;  // relative when it was loaded so
+    if (*map->l_name != '\0') name = map->l_name;  // the program's own is empty
   }
   char* const path = realpath(name, nullptr);
   if (path == nullptr) return;
