@@ -47,7 +47,7 @@ struct Nq {
     while (from.pFirstCell() != nullptr) {
       NQDListCell* const first = from.pFirstCell();
       NQDListCell* last = first;
-      for (int i = 1; i < runLength && last->pNextCell() != nullptr; ++i) {
+      for (int i = 1; i < runLength && last != from.pLastCell(); ++i) {
         last = last->pNextCell();
       }
       to.transferListPart(to.pLastCell(), &from, first, last);

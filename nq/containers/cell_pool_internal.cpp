@@ -14,10 +14,6 @@ namespace nqdetail {
 
 namespace {
 
-// A slab leaves room for the allocator's own header, so that one slab can
-// follow another without a gap.
-constexpr std::size_t kAllocatorHeader = 64;
-
 // How many full slabs are looked through before a new one is made.
 constexpr int kFullSlabsToTry = 8;
 
@@ -43,10 +39,10 @@ void freeAlignedMemory(void* memory) {
 // ---- CellSlab
 
 CellSlab* CellSlab::make(CellHeap* owner, std::size_t placeSize, std::size_t maxPlaces) {
-  const std::size_t room = kAlignment - sizeof(CellSlab) - kAllocatorHeader;
+  const std::size_t room = kSize - sizeof(CellSlab);
   const std::size_t places = std::min(room / placeSize, maxPlaces);
-  const std::size_t size = sizeof(CellSlab) + places * placeSize;
-  void* const memory = alignedMemory(size, kAlignment);
+  void* const memory = alignedMemory(
+      places < maxPlaces ? kSize : sizeof(CellSlab) + places * placeSize, kAlignment);
   if (memory == nullptr) return nullptr;
   auto* const slab = new (memory) CellSlab(owner, places);
   poison(slab->pPlaces(), places * placeSize);

@@ -1,9 +1,9 @@
 // dlist.h -- doubly linked list of NQObject pointers.
 //
 // The general container of the library: NQDList, its cells (NQDListCell) and
-// its established iterator (NQDListIter). Ownership, positions and the
-// operations that both kinds of list share are told in linked_list.h; here
-// every one of them is O(1) that does not search.
+// its established iterator (NQDListIter). Ownership, positions, cost and the
+// operations that both kinds of list share are told in linked_list.h; removing a
+// cell is O(1) here.
 //
 // A deep copy of a list deletes the objects of its target and holds clones of
 // the source's; an attribute copy of a list is empty. A deep copy of a cell
@@ -31,8 +31,8 @@ class NQ_EXPORT NQDListCell : public NQObject {
 
   NQDListCell* pPreviousCell() const { return pPrevious_; }
   NQDListCell* pPrevDListCell() const { return pPrevious_; }
-  NQDListCell* pNextCell() const { return pNext_; }
-  NQDListCell* pNextDListCell() const { return pNext_; }
+  NQDListCell* pNextCell() const { return nqdetail::guessNext(this, pNext_); }
+  NQDListCell* pNextDListCell() const { return pNextCell(); }
   NQObject* pObject() const { return pObject_; }
 
   // The cell's accounting figure, not its size in memory: 32.
@@ -159,6 +159,10 @@ class NQ_EXPORT NQDListIter : public NQObject {
   }
   void operator++(int) { ++*this; }
   void operator--(int) { --*this; }
+
+  static NQDListIter* castDown(const NQObject* object) {
+    return NQCopyAccess::castDown<NQDListIter>(object);
+  }
 
   void debugOutput(int level) override;
 

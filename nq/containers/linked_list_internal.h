@@ -17,14 +17,14 @@ template <class List, class Cell, class Other>
 Cell* NQLinkedList<List, Cell, Other>::searchCell(const Cell* cell) const {
   if (cell == nullptr) return nullptr;
   Cell* found = pFirst_;
-  while (found != nullptr && found != cell) found = found->pNext_;
+  while (found != nullptr && found != cell) found = found->pNextCell();
   return found;
 }
 
 template <class List, class Cell, class Other>
 Cell* NQLinkedList<List, Cell, Other>::searchObject(const NQObject* object) const {
   Cell* found = pFirst_;
-  while (found != nullptr && found->pObject_ != object) found = found->pNext_;
+  while (found != nullptr && found->pObject_ != object) found = found->pNextCell();
   return found;
 }
 
@@ -32,7 +32,7 @@ template <class List, class Cell, class Other>
 Cell* NQLinkedList<List, Cell, Other>::pCellInPosition(nqLong position) const {
   if (position < 1 || position > length_) return nullptr;
   Cell* cell = pFirst_;
-  while (--position > 0) cell = cell->pNext_;
+  while (--position > 0) cell = cell->pNextCell();
   return cell;
 }
 
@@ -45,7 +45,7 @@ NQObject* NQLinkedList<List, Cell, Other>::pObjectInPosition(nqLong position) co
 template <class List, class Cell, class Other>
 nqLong NQLinkedList<List, Cell, Other>::positionOfCell(const Cell* cell) const {
   nqLong position = 1;
-  for (const Cell* other = pFirst_; other != nullptr; other = other->pNext_) {
+  for (const Cell* other = pFirst_; other != nullptr; other = other->pNextCell()) {
     if (other == cell) return position;
     ++position;
   }
@@ -126,7 +126,7 @@ template <class List, class Cell, class Other>
 void NQLinkedList<List, Cell, Other>::deleteAllCells() {
   Cell* cell = pFirst_;
   while (cell != nullptr) {
-    Cell* const next = cell->pNext_;
+    Cell* const next = cell->pNextCell();
     delete cell;
     cell = next;
   }
@@ -138,7 +138,7 @@ template <class List, class Cell, class Other>
 void NQLinkedList<List, Cell, Other>::deleteAllCellsAndObjects() {
   Cell* cell = pFirst_;
   while (cell != nullptr) {
-    Cell* const next = cell->pNext_;
+    Cell* const next = cell->pNextCell();
     delete cell->pObject_;
     cell = next;
   }
@@ -153,7 +153,8 @@ bool NQLinkedList<List, Cell, Other>::refuses(const List* source) const {
 }
 
 // The number of cells of this list from `from` to `to`; 0 when either is null
-// or `to` is not reached.
+// or `to` is not reached. Walked from both ends where that is possible, since
+// the two walks do not wait for each other's loads.
 template <class List, class Cell, class Other>
 nqLong NQLinkedList<List, Cell, Other>::runLength(const Cell* from,
                                                   const Cell* to) const {
@@ -164,6 +165,12 @@ nqLong NQLinkedList<List, Cell, Other>::runLength(const Cell* from,
     from = from->pNext_;
     if (from == nullptr) return 0;
     ++count;
+    if constexpr (nqdetail::kHasPrevious<Cell>) {
+      if (from == to) return count;
+      to = to->pPrevious_;
+      if (to == nullptr) return 0;
+      ++count;
+    }
   }
   return count;
 }
@@ -202,7 +209,7 @@ int NQLinkedList<List, Cell, Other>::transferListPartIfNotInList(Cell* after,
   }
   Cell* cell = from;
   while (cell != nullptr && cell != to->pNext_) {
-    Cell* const next = cell->pNext_;
+    Cell* const next = cell->pNextCell();
     if (searchObject(cell->pObject_) == nullptr) {
       after = insertCell(after, source->removeAfter(previous, cell));
     } else {
@@ -218,7 +225,7 @@ int NQLinkedList<List, Cell, Other>::copyRun(Cell* after, const List* source,
                                              const Cell* from, const Cell* to,
                                              bool onlyNewObjects) {
   if (refuses(source) || source->runLength(from, to) == 0) return 0;
-  for (const Cell* cell = from;; cell = cell->pNext_) {
+  for (const Cell* cell = from;; cell = cell->pNextCell()) {
     if (!onlyNewObjects || searchObject(cell->pObject_) == nullptr) {
       Cell* const copy = addObject(after, cell->pObject_);
       if (copy != nullptr) after = copy;
@@ -275,40 +282,52 @@ int NQLinkedList<List, Cell, Other>::copyTransferListIfNotInList(Cell* after,
   return wholeList(&NQLinkedList::copyTransferListPartIfNotInList, after, source);
 }
 
-// Appends the objects of `source`, which was this list's contents if it is this
-// list, or clones of them.
+// Appends the objects of `source`, which is empty by now if it is this list.
 template <class List, class Cell, class Other>
 template <class Source>
-int NQLinkedList<List, Cell, Other>::fillFrom(const Source* source, bool clones) {
+int NQLinkedList<List, Cell, Other>::fillFrom(const Source* source) {
   if (source == nullptr || static_cast<const NQObject*>(source) == self()) return 0;
-  for (NQObject* const object : *source) {
-    appendObject(clones && object != nullptr ? object->cloneObject() : object);
-  }
+  for (NQObject* const object : *source) appendObject(object);
   return 1;
+}
+
+// The clones are made before the objects go, which `source` may hold too.
+template <class List, class Cell, class Other>
+template <class Source>
+int NQLinkedList<List, Cell, Other>::cloneFrom(const Source* source) {
+  List clones;
+  const bool refused =
+      source == nullptr || static_cast<const NQObject*>(source) == self();
+  if (!refused) {
+    for (NQObject* const object : *source) {
+      clones.appendObject(object == nullptr ? nullptr : object->cloneObject());
+    }
+  }
+  deleteAllCellsAndObjects();
+  transferList(nullptr, &clones);
+  return refused ? 0 : 1;
 }
 
 template <class List, class Cell, class Other>
 int NQLinkedList<List, Cell, Other>::copyAllCells(const List* source) {
   deleteAllCells();
-  return fillFrom(source, false);
+  return fillFrom(source);
 }
 
 template <class List, class Cell, class Other>
 int NQLinkedList<List, Cell, Other>::copyAllCells(const Other* source) {
   deleteAllCells();
-  return fillFrom(source, false);
+  return fillFrom(source);
 }
 
 template <class List, class Cell, class Other>
 int NQLinkedList<List, Cell, Other>::copyAllCellsAndObjects(const List* source) {
-  deleteAllCellsAndObjects();
-  return fillFrom(source, true);
+  return cloneFrom(source);
 }
 
 template <class List, class Cell, class Other>
 int NQLinkedList<List, Cell, Other>::copyAllCellsAndObjects(const Other* source) {
-  deleteAllCellsAndObjects();
-  return fillFrom(source, true);
+  return cloneFrom(source);
 }
 
 // ---- Reordering

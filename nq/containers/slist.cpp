@@ -115,7 +115,7 @@ void NQSList::init() {
 // False when the cell is null or not in the list.
 bool NQSList::findPrevious(const NQSListCell* cell, NQSListCell** previous) const {
   *previous = nullptr;
-  for (NQSListCell* other = pFirst_; other != nullptr; other = other->pNext_) {
+  for (NQSListCell* other = pFirst_; other != nullptr; other = other->pNextCell()) {
     if (other == cell) return true;
     *previous = other;
   }

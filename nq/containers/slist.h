@@ -28,8 +28,8 @@ class NQ_EXPORT NQSListCell : public NQObject {
 
   static NQSListCell* castDown(const NQObject* object);
 
-  NQSListCell* pNextCell() const { return pNext_; }
-  NQSListCell* pNextSListCell() const { return pNext_; }
+  NQSListCell* pNextCell() const { return nqdetail::guessNext(this, pNext_); }
+  NQSListCell* pNextSListCell() const { return pNextCell(); }
   NQObject* pObject() const { return pObject_; }
 
   // The cell's accounting figure, not its size in memory: 24.
@@ -70,6 +70,9 @@ class NQ_EXPORT NQSList : public NQObject,
   explicit NQSList(const NQDList& source);
   const NQSList& operator=(const NQDList& source);
   operator NQDList() const;
+
+  NQSListCell* pFirstSListCell() const { return pFirstCell(); }
+  NQSListCell* pLastSListCell() const { return pLastCell(); }
 
   // The list's accounting figure, not its size in memory: 32 for the list and
   // 24 for each cell.
@@ -131,6 +134,10 @@ class NQ_EXPORT NQSListIter : public NQObject {
     return *this;
   }
   void operator++(int) { ++*this; }
+
+  static NQSListIter* castDown(const NQObject* object) {
+    return NQCopyAccess::castDown<NQSListIter>(object);
+  }
 
   void debugOutput(int level) override;
 

@@ -1,9 +1,8 @@
 // object.h -- the root of every class that can be stored, cloned or written.
 //
-// NQObject has no data: it is a polymorphic identity. Containers hold NQObject
-// pointers and clone, copy and delete their elements only through the virtual
-// operations declared here. How derived classes take part in copying is told
-// in copy_protocol.h.
+// NQObject has no data: it is a polymorphic identity. What a container does with
+// its elements, it does through the virtual operations declared here. How derived classes
+// take part in copying is told in copy_protocol.h.
 
 #ifndef NQ_CORE_OBJECT_H
 #define NQ_CORE_OBJECT_H

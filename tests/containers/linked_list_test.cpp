@@ -497,4 +497,20 @@ TYPED_TEST(LinkedList, BehavesLikeAVectorOfObjects) {
   }
 }
 
+TYPED_TEST(LinkedList, DeepCopiesMayShareObjectsWithTheirTarget) {
+  const int before = NQCounted::live();
+  {
+    TypeParam target;
+    target.appendObject(new NQCounted(1));
+    target.appendObject(new NQCounted(2));
+    TypeParam source;
+    source.copyAllCells(&target);
+    target = source;
+    ASSERT_EQ(target.length(), 2);
+    EXPECT_EQ(NQCounted::castDown(target.pObjectInPosition(2))->value(), 2);
+    target.deleteAllCellsAndObjects();
+  }
+  EXPECT_EQ(NQCounted::live(), before);
+}
+
 }  // namespace
