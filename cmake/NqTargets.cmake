@@ -13,6 +13,8 @@ add_library(nq_options INTERFACE)
 target_compile_features(nq_options INTERFACE cxx_std_20)
 target_compile_options(nq_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+  # False alarms about joined strings, until version 13.
+  $<$<AND:$<CXX_COMPILER_ID:GNU>,$<VERSION_LESS:$<CXX_COMPILER_VERSION>,13>>:-Wno-restrict>
   $<$<BOOL:${NQ_WERROR}>:-Werror>)
 if(NQ_SANITIZE)
   # Signed overflow wraps by design (-fwrapv), so it is not a finding; a

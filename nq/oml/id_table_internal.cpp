@@ -35,7 +35,8 @@ nqLong IDTable::enter(nqLong scope, nqLong component, std::uint32_t flags) {
   // step of 64 or more from number to number still fills all places of the rows.
   const auto number = static_cast<std::uint32_t>(component);
   const std::uint32_t row = number / kRow;
-  const auto key = static_cast<std::uint64_t>(static_cast<std::uint32_t>(scope)) << 32 | row;
+  const auto key =
+      static_cast<std::uint64_t>(static_cast<std::uint32_t>(scope)) << 32 | row;
   const std::uint64_t mixed =
       mix((key ^ index_.seed().first) + (flags & kNumber), index_.seed().second);
   const std::uint32_t hash =

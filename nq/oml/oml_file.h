@@ -52,6 +52,9 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
 
   nqLong sizeOf() const override;
 
+  // The virtual operations stand in the order of their slots, which derived
+  // classes in other modules rely on: new ones go to the end.
+
   // Reads a file in the text encoding, or the binary one when `binary` is not 0.
   //   grammar            borrowed for the read
   //   top                what the outermost object is to fill; null has it created

@@ -296,55 +296,59 @@ nqULong Parser::extendSectionPath(const SourceToken& token, const Context& conte
   const nqLong section = token.integer();
   const nqULong path = context.sectionPath;
   if (isSkipSection(section)) return path;
-  nqULong extended = path;
-  const NQOMLDefSection* enclosing = nullptr;
-  bool several = false;
-  if (section == NQ_OML_WILDCARD_SECTION) {
-    extended = extendPath(path, kPathWildcard);
-    if (extended != path) return extended;
-    enclosing = firstMatch(context.type(), path);
-    several = enclosing != nullptr && nextMatch(enclosing, path) != nullptr;
-  } else if (path == 0) {
-    const NQOMLDefSection* found = context.type()->pSection(section);
-    if (found == nullptr) found = uniqueSectionBelow(context.type(), section);
-    if (found != nullptr) return found->path();
-  } else {
-    enclosing = firstMatch(context.type(), path);
-    several = enclosing != nullptr && nextMatch(enclosing, path) != nullptr;
-    const auto direct = [](const NQOMLDefSection& in, nqLong name) {
-      return in.pSection(name);
-    };
-    const auto below = [](const NQOMLDefSection& in, nqLong name) {
-      return uniqueSectionBelow(&in, name);
-    };
-    const nqULong mask = pathMask(path);
-    // The path of the sections named so that `find` gives for the matching ones, if
-    // all of them agree: 0 when there is none, and `path` when they differ.
-    const auto agreed = [&](auto find) {
-      nqULong common = 0;
-      for (auto* at = enclosing; at != nullptr; at = nextMatch(at, path)) {
-        const NQOMLDefSection* const found = find(*at, section);
-        if (found == nullptr) continue;
-        const nqULong masked = found->path() & mask;
-        if (common != 0 && common != masked) return path;
-        common = masked;
-      }
-      return common == 0 ? common : common | path;
-    };
-    extended = agreed(direct);
-    if (extended == 0) extended = agreed(below);
-    if (extended != 0 && extended != path) return extended;
-  }
+  const nqULong extended = subsectionPath(section, context);
+  if (extended != 0) return extended;
+
+  const NQOMLDefSection* const enclosing = firstMatch(context.type(), path);
   const char* const name = sectionName(section);
   const char* const type = typeName(context.object);
-  if (several) {
-    error(token, kNoSubsectionOfAll, name, type);
-  } else if (enclosing != nullptr) {
+  if (enclosing == nullptr) {
+    error(token, kNoSubsection, name, type);
+  } else if (nextMatch(enclosing, path) == nullptr) {
     error(token, kNoSubsectionOfSection, name, sectionName(enclosing->nameIndex()), type);
   } else {
-    error(token, kNoSubsection, name, type);
+    error(token, kNoSubsectionOfAll, name, type);
   }
   return path;
+}
+
+nqULong Parser::subsectionPath(nqLong section, const Context& context) const {
+  const nqULong path = context.sectionPath;
+  if (section == NQ_OML_WILDCARD_SECTION) {
+    const nqULong extended = extendPath(path, kPathWildcard);
+    return extended == path ? 0 : extended;
+  }
+  if (path == 0) {
+    const NQOMLDefSection* found = context.type()->pSection(section);
+    if (found == nullptr) found = uniqueSectionBelow(context.type(), section);
+    return found == nullptr ? 0 : found->path();
+  }
+  // The path that `find` gives for the matching sections, if those where it finds
+  // one agree; 0 when they do not. False when it finds none.
+  const auto isFound = [&](auto find, nqULong& result) {
+    const NQOMLDefSection* first = nullptr;
+    for (auto* in = firstMatch(context.type(), path); in != nullptr;
+         in = nextMatch(in, path)) {
+      const NQOMLDefSection* const found = find(*in);
+      if (found == nullptr) continue;
+      if (first == nullptr) first = found;
+      if (((found->path() ^ first->path()) & pathMask(path)) != 0) {
+        result = 0;
+        return true;
+      }
+    }
+    result = first == nullptr ? 0 : (first->path() & pathMask(path)) | path;
+    return first != nullptr;
+  };
+  const auto direct = [section](const NQOMLDefSection& in) {
+    return in.pSection(section);
+  };
+  const auto below = [section](const NQOMLDefSection& in) {
+    return uniqueSectionBelow(&in, section);
+  };
+  nqULong result = 0;
+  if (!isFound(direct, result)) (void)isFound(below, result);
+  return result;
 }
 
 bool Parser::nthFieldDescrToken(const Context& context, int position,

@@ -28,7 +28,7 @@ std::string tokens(FakeSystem& system, const std::string& contents) {
   system.files["f"] = contents;
   LexerHarness harness(grammar, true);
   EXPECT_TRUE(harness.sources.push("f"));
-  const std::string result = harness.dump();
+  std::string result = harness.dump();
   EXPECT_EQ(system.openFiles(), 0);
   return result;
 }

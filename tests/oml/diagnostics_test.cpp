@@ -298,7 +298,8 @@ TEST_F(Diagnostics, FillBuffersOfAnySize) {
     std::string expected = line + line + line;
     const auto room = static_cast<std::size_t>(std::max(size - 6, 0));
     if (room < expected.size()) {
-      expected = expected.substr(0, room) + (size > 4 ? "...\n" : "");
+      expected.resize(room);
+      if (size > 4) expected += "...\n";
     }
     EXPECT_EQ(text, size < 2 ? "" : expected) << size;
   }

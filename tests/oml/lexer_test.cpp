@@ -15,7 +15,7 @@ std::string tokens(FakeSystem& system, const std::string& text, bool unchecked =
   LexerHarness harness(grammar, false);
   harness.names.unchecked = unchecked;
   EXPECT_TRUE(harness.sources.push("f"));
-  const std::string result = harness.dump();
+  std::string result = harness.dump();
   EXPECT_EQ(system.openFiles(), 0);
   return result;
 }

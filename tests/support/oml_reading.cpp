@@ -2,12 +2,11 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstdio>
 
 #include "nq/core/string_pool.h"
-#include "nq/oml/bin_value.h"
 #include "nq/oml/section_path_internal.h"
 #include "tests/support/test_peer.h"
+#include "tests/support/value_text.h"
 
 namespace {
 
@@ -101,13 +100,11 @@ std::string lowerCase(std::string text) {
 
 std::string valueText(const NQOMLSyntaxField& field, const NQOMLFile& file) {
   const NQOMLToken& token = *field.pToken();
-  char text[64];
   switch (token.tag) {
     case NQ_OML_INTEGER:
       return std::to_string(token.integer());
     case NQ_OML_REAL:
-      std::snprintf(text, sizeof text, "%.17g", token.real());
-      return text;
+      return realText(token.real());
     case NQ_OML_STRING:
       return '"' + std::string(field.stringValue()) + '"';
     case NQ_OML_ENUMERATOR:
@@ -115,20 +112,9 @@ std::string valueText(const NQOMLSyntaxField& field, const NQOMLFile& file) {
     case NQ_OML_OBJECT_ID:
       return std::string("->") + NQTestPeer::idText(file, token.integer());
     case NQ_OML_IP_ADDRESS:
-      std::snprintf(text, sizeof text, "%u.%u.%u.%u", token.address() >> 24,
-                    token.address() >> 16 & 255, token.address() >> 8 & 255,
-                    token.address() & 255);
-      return text;
-    case NQ_OML_BINARY_VALUE: {
-      std::string result = "0x";
-      const NQOMLBinValue& value = *token.pBinValue();
-      for (nqLong i = 0; i < value.length(); ++i) {
-        std::snprintf(text, sizeof text, "%02x",
-                      static_cast<unsigned char>(value.pByteSequence()[i]));
-        result += text;
-      }
-      return result;
-    }
+      return addressText(token.address());
+    case NQ_OML_BINARY_VALUE:
+      return "0x" + bytesText(*token.pBinValue());
     default:
       return "tag" + std::to_string(token.tag);
   }
@@ -140,8 +126,9 @@ std::string sectionsText(const NQOMLDefObjType* type, nqULong path,
   std::string text;
   for (const NQOMLDefSection* section = type->pSectionAt(path); section != nullptr;
        section = section->pParent()) {
-    text = lowerCase(file.pOMLStatic()->pSectionPool()->decode(section->nameIndex())) +
-           "." + text;
+    const char* const name =
+        file.pOMLStatic()->pSectionPool()->decode(section->nameIndex());
+    text.insert(0, lowerCase(name) + ".");
   }
   return text;
 }

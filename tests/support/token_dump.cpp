@@ -1,8 +1,6 @@
 #include "tests/support/token_dump.h"
 
-#include <cstdio>
-
-#include "nq/oml/bin_value.h"
+#include "tests/support/value_text.h"
 
 namespace {
 
@@ -10,7 +8,6 @@ std::string wordOf(const nqdetail::SourceToken& token,
                    const nqdetail::NameTables& names) {
   const NQOMLStatic& grammar = names.grammar;
   const nqLong index = token.integer();
-  char text[64];
   switch (token.tag) {
     case NQ_OML_OPENING_BRACKET:
     case NQ_OML_CLOSING_BRACKET:
@@ -41,23 +38,11 @@ std::string wordOf(const nqdetail::SourceToken& token,
     case NQ_OML_OBJECT_ID:
       return std::string("#") + names.ids.text(index);
     case NQ_OML_REAL:
-      std::snprintf(text, sizeof text, "r%.17g", token.real());
-      return text;
+      return "r" + realText(token.real());
     case NQ_OML_IP_ADDRESS:
-      std::snprintf(text, sizeof text, "ip%u.%u.%u.%u", token.address() >> 24,
-                    token.address() >> 16 & 255, token.address() >> 8 & 255,
-                    token.address() & 255);
-      return text;
-    case NQ_OML_BINARY_VALUE: {
-      std::string result = "x";
-      const NQOMLBinValue& value = *token.pBinValue();
-      for (nqLong i = 0; i < value.length(); ++i) {
-        std::snprintf(text, sizeof text, "%02x",
-                      static_cast<unsigned char>(value.pByteSequence()[i]));
-        result += text;
-      }
-      return result;
-    }
+      return "ip" + addressText(token.address());
+    case NQ_OML_BINARY_VALUE:
+      return "x" + bytesText(*token.pBinValue());
     case NQ_OML_UNRECOGNISED:
       break;
   }
@@ -71,8 +56,10 @@ std::string LexerHarness::dump() {
   nqdetail::SourceToken token;
   while (lexer->next(token)) {
     std::string word = wordOf(token, names);
-    if (places)
-      word += "@" + std::to_string(token.line) + ":" + std::to_string(token.column);
+    if (places) {
+      word.append("@").append(std::to_string(token.line));
+      word.append(":").append(std::to_string(token.column));
+    }
     add(word);
     token.deleteValue();
     if (afterToken) afterToken(token);
@@ -86,8 +73,9 @@ const char* LexerHarness::sourceName(nqLong fileIndex) {
 
 void LexerHarness::error(const char*, nqLong line, int column, int code, const char*,
                          int) {
-  add("!" + std::to_string(code) + "@" + std::to_string(line) + ":" +
-      std::to_string(column));
+  std::string word = "!";
+  word.append(std::to_string(code)).append("@").append(std::to_string(line));
+  add(word.append(":").append(std::to_string(column)));
 }
 
 void LexerHarness::add(const std::string& word) {
