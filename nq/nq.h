@@ -6,6 +6,7 @@
 #include "nq/containers/dlist.h"
 #include "nq/containers/index_hash_table.h"
 #include "nq/containers/linked_list.h"
+#include "nq/containers/list_sort.h"
 #include "nq/containers/numbers.h"
 #include "nq/containers/slist.h"
 #include "nq/core/algorithm.h"

@@ -56,6 +56,7 @@ class NQ_EXPORT NQDListCell : public NQObject {
   template <class, class, class>
   friend class NQLinkedList;
   friend class NQDList;
+  friend nqdetail::ListLinks<NQDList, NQDListCell>;
 
   NQDListCell* pPrevDListCell(NQDListCell* cell) { return pPrevious_ = cell; }
   NQDListCell* pNextDListCell(NQDListCell* cell) { return pNext_ = cell; }

@@ -38,6 +38,9 @@ class NQSList;
 class NQSListCell;
 
 namespace nqdetail {
+template <class List, class Cell>
+struct ListLinks;  // for the sorters (list_sort_internal.h)
+
 template <class Cell>
 inline constexpr bool kHasPrevious = requires(const Cell& cell) {
   cell.pPreviousCell();
@@ -264,6 +267,7 @@ class NQ_EXPORT NQLinkedList {
 
  private:
   friend List;
+  friend nqdetail::ListLinks<List, Cell>;
 
   List* self() { return static_cast<List*>(this); }
   const List* self() const { return static_cast<const List*>(this); }

@@ -51,6 +51,7 @@ class NQ_EXPORT NQSListCell : public NQObject {
   template <class, class, class>
   friend class NQLinkedList;
   friend class NQSList;
+  friend nqdetail::ListLinks<NQSList, NQSListCell>;
 
   NQSListCell* pNextSListCell(NQSListCell* cell) { return pNext_ = cell; }
 

@@ -5,6 +5,7 @@
 
 #include "nq/containers/cell_pool_internal.h"
 #include "nq/containers/index_hash_table.h"
+#include "nq/containers/list_sort.h"
 
 class NQTestPeer {
  public:
@@ -27,6 +28,16 @@ class NQTestPeer {
   }
   static bool hasBuckets(const NQIndexHashTable& table) {
     return table.hashTable() != nullptr;
+  }
+
+  // How deep a quick sort is nested, and the flag that sorts leave behind.
+  template <class Sorter>
+  static int recursionDepth(const Sorter& sorter) {
+    return sorter.recursionDepth();
+  }
+  template <class Sorter>
+  static void setChanged(Sorter& sorter, int changed) {
+    sorter.changed(changed);
   }
 };
 

@@ -1,0 +1,121 @@
+// list_sort.h -- sorting lists by a comparison that a derived class supplies.
+//
+// A sorter is an object of its own: derive from NQDListSort or NQSListSort, say
+// in virtualCompare() which of two cells comes first, and let the sorter
+// rearrange lists. Cells move, objects stay in their cells; nothing is copied
+// or freed. A sorter may sort any number of lists, one after the other.
+//
+//   quickSort     O(n log n), not stable; among equals the pivot's position
+//                 decides. Nested 31 deep it leaves the rest to the others.
+//   mergeSort     O(n log n), stable, at most n log2 n comparisons
+//   bubbleSort    O(n * n), stable; for lists that are short or nearly sorted
+//
+// The sorts allocate nothing. A comparison that contradicts itself gives some
+// order of the same cells. A null list is left alone.
+//
+// Sources: C. A. R. Hoare, "Quicksort"; R. C. Singleton, "An efficient algorithm
+// for sorting with minimal storage" (the median of three); D. E. Knuth, "The Art
+// of Computer Programming", volume 3 (merging lists); C. A. R. Hoare, "Find"
+// (the i-th element).
+
+#ifndef NQ_CONTAINERS_LIST_SORT_H
+#define NQ_CONTAINERS_LIST_SORT_H
+
+#include "nq/core/object.h"
+
+class NQDList;
+class NQDListCell;
+class NQSList;
+class NQSListCell;
+
+class NQ_EXPORT NQDListSort : public NQObject {
+ public:
+  NQDListSort() = default;
+
+  // Each returns the changed flag: whether the order changed. Without
+  // `checkSortedFirst` quickSort's answer is only what its fallbacks left in the
+  // flag, from this or an earlier sort; with it the answer is right, and a
+  // sorted list costs n - 1 comparisons.
+  int quickSort(NQDList* list, int checkSortedFirst);
+  int mergeSort(NQDList* list);
+  int bubbleSort(NQDList* list);
+
+  int isSorted(NQDList* list);
+
+  // The first among equals; null for an empty list.
+  NQDListCell* findSmallestElement(NQDList* list);
+  NQDListCell* findLargestElement(NQDList* list);
+  // A cell that would stand at position i (from 1) if the list, which stays as
+  // it is, were sorted; null when there is no such position. O(n) on average;
+  // allocates a pointer for each cell.
+  NQDListCell* findIthElement(NQDList* list, nqLong i);
+
+  // Entry points kept for compatibility; they do nothing.
+  void debugOutput(int level) override;
+  void debugOutputList(NQDList* list);
+
+ protected:
+  // Called by every operation: negative when `a` comes before `b`, 0 when they
+  // are equal, positive when it comes after. The cells are this list's.
+  virtual int virtualCompare(NQDListCell* a, NQDListCell* b) = 0;
+  virtual void virtualDebugOutputElement(NQDListCell* cell) = 0;
+
+ private:
+  friend class NQTestPeer;
+  NQDListSort(const NQDListSort&) = delete;
+  NQDListSort& operator=(const NQDListSort&) = delete;
+
+  int recursionDepth() const { return recursionDepth_; }
+  int recursionDepth(int depth) { return recursionDepth_ = depth; }
+  int changed() const { return changed_; }
+  int changed(int changed) { return changed_ = changed; }
+  auto algorithms();
+
+  int recursionDepth_ = 0;  // how deep quickSort is nested
+  int changed_ = 0;
+};
+
+// The same for singly linked lists.
+class NQ_EXPORT NQSListSort : public NQObject {
+ public:
+  NQSListSort() = default;
+
+  int quickSort(NQSList* list, int checkSortedFirst);
+  int mergeSort(NQSList* list);
+  int bubbleSort(NQSList* list);
+
+  int isSorted(NQSList* list);
+
+  NQSListCell* findSmallestElement(NQSList* list);
+  NQSListCell* findLargestElement(NQSList* list);
+
+  void debugOutput(int level) override;
+  void debugOutputList(NQSList* list);
+
+ protected:
+  virtual int virtualCompare(NQSListCell* a, NQSListCell* b) = 0;
+  virtual void virtualDebugOutputElement(NQSListCell* cell) = 0;
+
+ private:
+  friend class NQTestPeer;
+  NQSListSort(const NQSListSort&) = delete;
+  NQSListSort& operator=(const NQSListSort&) = delete;
+
+  int recursionDepth() const { return recursionDepth_; }
+  int recursionDepth(int depth) { return recursionDepth_ = depth; }
+  int changed() const { return changed_; }
+  int changed(int changed) { return changed_ = changed; }
+  auto algorithms();
+
+  int recursionDepth_ = 0;
+  int changed_ = 0;
+};
+
+// Sorts by the addresses of the objects, taken as signed numbers.
+class NQ_EXPORT NQMemAddressDListSort : public NQDListSort {
+ protected:
+  int virtualCompare(NQDListCell* a, NQDListCell* b) override;
+  void virtualDebugOutputElement(NQDListCell* cell) override;
+};
+
+#endif  // NQ_CONTAINERS_LIST_SORT_H
