@@ -152,15 +152,19 @@ class NQCopyAccess {
  private:
 
 // Their definitions, in X's source; X's two routines are written out beside it.
-#define NQ_COPY_PROTOCOL_IMPL(X)                               \
-  X::X(const X& source, NQDeepFlagEnum flag) {                 \
-    NQCopyAccess::construct<X>(*this, source, flag);           \
-  }                                                            \
-  X::X(const X& source) : X(source, NQ_DEEP_COPY) {}           \
-  const X& X::operator=(const X& source) {                     \
-    NQCopyAccess::copyObject<X>(*this, &source);               \
-    return *this;                                              \
-  }                                                            \
+#define NQ_COPY_PROTOCOL_IMPL(X)                     \
+  X::X(const X& source, NQDeepFlagEnum flag) {       \
+    NQCopyAccess::construct<X>(*this, source, flag); \
+  }                                                  \
+  X::X(const X& source) : X(source, NQ_DEEP_COPY) {} \
+  const X& X::operator=(const X& source) {           \
+    NQCopyAccess::copyObject<X>(*this, &source);     \
+    return *this;                                    \
+  }                                                  \
+  NQ_COPY_OPERATIONS_IMPL(X)
+
+// What remains of them when constructors and assignment are defined elsewhere.
+#define NQ_COPY_OPERATIONS_IMPL(X)                             \
   void X::copyObject(const NQObject* source) {                 \
     NQCopyAccess::copyObject<X>(*this, source);                \
   }                                                            \
@@ -193,6 +197,29 @@ class NQCopyAccess {
   void X::X##attributeCopy(const X& source) {      \
     NQCopyAccess::attributes<BASE>(*this, source); \
     copyFields(source);                            \
+  }
+
+// For a plain value, below its class in the header: constructors, assignment
+// and routines inline, so that a copy costs what copying the fields costs.
+// Its default constructor stands for init(), both kinds of copy are the same
+// (the base's routine, then copyFields(const X&)), and copying it onto itself
+// is harmless. NQ_COPY_OPERATIONS_IMPL goes into the source.
+#define NQ_COPY_VALUE_INLINE(X, BASE)                       \
+  inline void X::X##deepCopy(const X& source) {             \
+    NQCopyAccess::deep<BASE>(*this, source);                \
+    copyFields(source);                                     \
+  }                                                         \
+  inline void X::X##attributeCopy(const X& source) {        \
+    NQCopyAccess::attributes<BASE>(*this, source);          \
+    copyFields(source);                                     \
+  }                                                         \
+  inline X::X(const X& source, NQDeepFlagEnum) {            \
+    NQCopyAccess::deep<X>(*this, source);                   \
+  }                                                         \
+  inline X::X(const X& source) : X(source, NQ_DEEP_COPY) {} \
+  inline const X& X::operator=(const X& source) {           \
+    NQCopyAccess::deep<X>(*this, source);                   \
+    return *this;                                           \
   }
 
 #endif  // NQ_CORE_COPY_PROTOCOL_H

@@ -4,11 +4,21 @@
 // and only declared here, so that no header of the library pulls in the
 // system's; code that looks inside includes <windows.h> itself. Elsewhere they
 // are defined with the same members in the same order.
+//
+// Classes that hand out their fields viewed as a record carry
+// NQ_VIEWED_AS_RECORD: compilers that tell types apart by their names must not
+// assume that a change through the view leaves the object alone.
 
 #ifndef NQ_PLATFORM_RECORDS_H
 #define NQ_PLATFORM_RECORDS_H
 
 #include "nq/platform/types.h"
+
+#if defined(__GNUC__)
+#define NQ_VIEWED_AS_RECORD __attribute__((may_alias))
+#else
+#define NQ_VIEWED_AS_RECORD
+#endif
 
 #if defined(_WIN32)
 

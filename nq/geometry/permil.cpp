@@ -1,0 +1,3 @@
+#include "nq/geometry/permil.h"
+
+NQ_COPY_OPERATIONS_IMPL(NQPerMil)

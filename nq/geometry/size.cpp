@@ -1,0 +1,13 @@
+#include "nq/geometry/size.h"
+
+#if defined(_WIN32)
+#include <windows.h>
+#endif
+
+NQ_COPY_OPERATIONS_IMPL(NQSize)
+
+NQSize::NQSize(tagSIZE record) : NQTuple(record.cx, record.cy) {}
+
+nqLong NQSize::sizeOf() const {
+  return static_cast<nqLong>(sizeof(NQSize));
+}

@@ -1,0 +1,148 @@
+#include "nq/geometry/tuple.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <memory>
+
+#include "nq/geometry/permil.h"
+#include "nq/geometry/size.h"
+#include "tests/support/copy_protocol_check.h"
+
+#if defined(_WIN32)
+#include <windows.h>
+#endif
+
+namespace {
+
+constexpr nqLong kMin = std::numeric_limits<nqLong>::min();
+constexpr nqLong kMax = std::numeric_limits<nqLong>::max();
+
+TEST(Rounding, CoordinatesRoundHalvesUpAndLengthsTruncate) {
+  const double nan = std::numeric_limits<double>::quiet_NaN();
+  const double infinity = std::numeric_limits<double>::infinity();
+  const struct {
+    double value;
+    nqLong rounded, truncated;
+  } rows[] = {
+      {2.5, 3, 2},
+      {-2.5, -2, -2},
+      {-2.51, -3, -2},
+      {2.49, 2, 2},
+      {-0.5, 0, 0},
+      {-0.0, 0, 0},
+      {0.49, 0, 0},
+      {2147483646.4, kMax - 1, kMax - 1},
+      {2147483646.5, kMax, kMax - 1},
+      {2147483648.0, kMax, kMax},
+      {1e300, kMax, kMax},
+      {-2147483647.6, kMin, kMin + 1},
+      {-2147483648.0, kMin, kMin},
+      {-2147483649.9, kMin, kMin},
+      {infinity, kMax, kMax},
+      {-infinity, kMin, kMin},
+      {nan, 0, 0},
+  };
+  for (const auto& row : rows) {
+    EXPECT_EQ(nqRound(row.value), row.rounded) << row.value;
+    EXPECT_EQ(nqTruncate(row.value), row.truncated) << row.value;
+  }
+}
+
+TEST(Rounding, WholeNumbersWrapAndMiddlesDoNotOverflow) {
+  EXPECT_EQ(nqSum(kMax, 1), kMin);
+  EXPECT_EQ(nqDifference(kMin, 1), kMax);
+  EXPECT_EQ(nqProduct(65536, 65536), 0);
+  EXPECT_EQ(nqProduct(kMin, -1), kMin);
+  EXPECT_EQ(nqMagnitude(kMin), 2147483648u);
+  EXPECT_EQ(nqMagnitude(-3), 3u);
+  EXPECT_EQ(nqMiddle(-3, 0), -2);
+  EXPECT_EQ(nqMiddle(kMax, kMax), kMax);
+  EXPECT_EQ(nqMiddle(kMin, kMax), -1);
+  EXPECT_EQ(nqUpperHalf(kMax), 1073741824);
+  EXPECT_EQ(nqHalf(-5), -2);
+}
+
+TEST(NQTuple, ArithmeticRoundsTruncatesAndWraps) {
+  EXPECT_EQ(NQTuple(NQDTuple(2.5, -2.5)), NQTuple(3, -2));
+  NQTuple t(3, -3);
+  t *= 0.5;
+  EXPECT_EQ(t, NQTuple(2, -1));
+  t = NQDTuple(-7.5, 1e10);
+  EXPECT_EQ(t, NQTuple(-7, kMax));
+  t.scale(3);
+  EXPECT_EQ(t, NQTuple(-21, nqProduct(kMax, 3)));
+  t.set(5, -6);
+  t.scale(2L);
+  EXPECT_EQ(t, NQTuple(10, -12));
+  t += NQTuple(1, 2);
+  t -= NQTuple(5, 5);
+  t.add(kMax, kMin);
+  EXPECT_EQ(t, NQTuple(kMin + 5, kMax - 14));
+  EXPECT_EQ(t.x(4), 4);
+  EXPECT_EQ(t.y(-5), -5);
+  EXPECT_EQ(t.innerProduct(NQTuple(2, 3)), -7);
+  EXPECT_EQ(t.product(), -20);
+  EXPECT_EQ(t.isZero(), 0);
+  t.setZero();
+  EXPECT_EQ(t.isZero(), 1);
+
+  EXPECT_EQ(NQTuple(3, 4).norm(), 5);
+  EXPECT_EQ(NQTuple(1, 1).norm(), 1);
+  EXPECT_EQ(NQTuple(kMin, kMin).norm(), kMax);
+  EXPECT_EQ(NQTuple(65536, 1).normSquare(), 1);
+}
+
+TEST(NQDTuple, ArithmeticIsExact) {
+  NQDTuple d(NQTuple(kMin, 7));
+  EXPECT_EQ(d, NQDTuple(-2147483648.0, 7));
+  d = NQTuple(3, 4);
+  EXPECT_EQ(d.norm(), 5.0);
+  EXPECT_EQ(d.normSquare(), 25.0);
+  d *= 0.5;
+  d += NQDTuple(0.25, 0);
+  d -= NQDTuple(0, 0.5);
+  EXPECT_EQ(d, NQDTuple(1.75, 1.5));
+  EXPECT_EQ(d.product(), 2.625);
+  EXPECT_EQ(d.innerProduct(NQDTuple(2, -2)), 0.5);
+  EXPECT_EQ(NQDTuple(-0.0, 0.0).isZero(), 1);
+  EXPECT_EQ(NQDTuple(0, 1e-300).isZero(), 0);
+}
+
+TEST(NQSize, NamesTheTupleAndSharesThePlatformsRecord) {
+  NQSize size(tagSIZE{30, 40});
+  EXPECT_EQ(size.width(), 30);
+  EXPECT_EQ(size.diagonal(), 50);
+  EXPECT_EQ(size.area(), 1200);
+  EXPECT_EQ(size.sizeOf(), static_cast<nqLong>(sizeof(NQSize)));
+  tagSIZE& record = size;
+  record.cy = -7;
+  EXPECT_EQ(size.height(), -7);
+  size.resize(NQSize(8, 9));
+  EXPECT_EQ(static_cast<const tagSIZE&>(size).cx, 8);
+  EXPECT_EQ(record.cy, 9);
+}
+
+TEST(NQPerMil, TakesTheLowBitsOfASize) {
+  NQPerMil perMil;
+  EXPECT_EQ(perMil, NQPerMil(0, 0));
+  perMil.resize(NQSize(65535, -1000));
+  EXPECT_EQ(perMil, NQPerMil(-1, -1000));
+  EXPECT_EQ(perMil.x(5), 5);
+  EXPECT_EQ(perMil.y(6), 6);
+}
+
+TEST(Values, FollowTheCopyProtocol) {
+  const auto check = [](auto sample, auto other) {
+    using Value = decltype(sample);
+    checkCopyProtocol(
+        sample, [&] { return std::make_unique<Value>(other); },
+        [](const Value& a, const Value& b) { return a == b; });
+  };
+  check(NQTuple(1, 2), NQTuple(3, 4));
+  check(NQSize(1, 2), NQSize(3, 4));
+  check(NQDTuple(1.5, 2.5), NQDTuple(3.5, 4.5));
+  check(NQPerMil(1, 2), NQPerMil(3, 4));
+}
+
+}  // namespace
