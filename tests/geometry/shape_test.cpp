@@ -12,14 +12,8 @@
 
 #include "nq/geometry/point_list.h"
 #include "tests/geometry/exact_model.h"
+#include "tests/geometry/test_peer.h"
 #include "tests/support/copy_protocol_check.h"
-
-class NQTestPeer {
- public:
-  static NQPoint* addPoint(NQShape& shape, nqLong x, nqLong y) {
-    return shape.addPoint(x, y);
-  }
-};
 
 namespace {
 
