@@ -177,6 +177,7 @@ TEST(CellPool, OutlivesTheThreadThatMadeASlab) {
     places = take<ThreadedPool>(kMany);
     for (std::size_t i = 0; i < kMany; i += 2) ThreadedPool::release(places[i]);
   }).join();
+  EXPECT_FALSE(NQTestPeer::isOwned(places[1]));
   std::vector<void*> halves[2];
   for (std::size_t i = 1; i < kMany; i += 2) halves[i / 2 % 2].push_back(places[i]);
   for (void* const place : halves[0]) std::memset(place, 1, 56);
@@ -232,7 +233,8 @@ TEST(CellPool, ServesDestructorsThatRunAtTheEndOfAThread) {
   }).join();
   EXPECT_EQ(LateUser::ended, 1);
   ASSERT_NE(LateUser::survivor, nullptr);
-  LatePool::release(LateUser::survivor);
+  EXPECT_FALSE(NQTestPeer::isOwned(LateUser::survivor));
+  LatePool::release(LateUser::survivor.exchange(nullptr));
 }
 
 // Lists handed between threads, with the cells of one slab in lists of two.

@@ -20,6 +20,10 @@ class NQTestPeer {
     return count;
   }
 
+  static bool isOwned(void* place) {
+    return nqdetail::CellSlab::of(place)->pOwner_.load() != nullptr;
+  }
+
   static nqLong bucketOf(const NQIndexHashTable& table, nqInt64 key) {
     return table.hash(key);
   }
