@@ -1,7 +1,6 @@
 #include "nq/containers/cell_pool_internal.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdlib>
 #include <new>
 #include <utility>
@@ -74,8 +73,8 @@ void CellSlab::handBack(void* place, std::size_t placeSize) noexcept {
   std::uintptr_t next = 0;
   do {
     if (state % 2 == 0) {
-      setNextHandedBack(place, std::bit_cast<void*>(state));
-      next = std::bit_cast<std::uintptr_t>(place);
+      setNextHandedBack(place, reinterpret_cast<void*>(state));
+      next = reinterpret_cast<std::uintptr_t>(place);
     } else {
       next = state - (ownerless(1) - ownerless(0));
     }
@@ -88,7 +87,7 @@ void CellSlab::handBack(void* place, std::size_t placeSize) noexcept {
 
 void CellSlab::collect(std::size_t placeSize) {
   if (handover_.load(std::memory_order_relaxed) == 0) return;
-  auto* place = std::bit_cast<void*>(handover_.exchange(0, std::memory_order_acquire));
+  auto* place = reinterpret_cast<void*>(handover_.exchange(0, std::memory_order_acquire));
   while (place != nullptr) {
     void* const next = nextHandedBack(place);
     (void)putBack(place, placeSize);

@@ -1,6 +1,5 @@
 #include "nq/containers/slist.h"
 
-#include <bit>
 #include <cstdint>
 
 #include "nq/containers/cell_pool_internal.h"
@@ -10,7 +9,7 @@
 namespace {
 
 NQSListCell* noCell() {
-  return std::bit_cast<NQSListCell*>(std::intptr_t{-1});
+  return reinterpret_cast<NQSListCell*>(std::intptr_t{-1});
 }
 
 }  // namespace

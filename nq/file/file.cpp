@@ -174,7 +174,8 @@ int NQFile::renameUnique(char* name) {
   const std::string base(whole.substr(0, dot));
   const std::string extension(whole.substr(std::min(dot + 1, whole.size())));
   for (int number = 1;; ++number) {
-    const std::string candidate = base + std::to_string(number) + "." + extension;
+    std::string candidate = base + std::to_string(number);
+    candidate.append(".").append(extension);
     if (!fits(candidate.c_str())) return 0;
     const bool last = number == kLastUniqueNumber;
     if (!last && fileExist(candidate.c_str())) continue;
@@ -195,7 +196,7 @@ int NQFile::searchForToken(const char* text, const char* set, int direction) {
 void NQFile::separatePathFromFile(const char* full, char* file, char* path) {
   if (full == nullptr || file == nullptr || path == nullptr) return;
   const auto length =
-      static_cast<std::size_t>(searchForToken(full, kSeparators, '-') + 1);
+      static_cast<std::size_t>(searchForToken(full, kSeparators, '-')) + 1;
   std::strcpy(file, full + length);
   if (length == 0) return;
   std::memcpy(path, full, length);

@@ -1,7 +1,6 @@
 #include "nq/oml/grammar.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdint>
 
 #include "nq/containers/numbers.h"
@@ -77,7 +76,7 @@ NQOMLDefObjType* NQOMLStatic::pObjTypeDefinition(nqLong typeIndex) const {
 
 nqLong NQOMLStatic::enumValue(nqLong enumIndex) const {
   // The slot holds the value itself in place of a pointer.
-  return static_cast<nqLong>(std::bit_cast<std::intptr_t>(enumPool_->pointer(enumIndex)));
+  return static_cast<nqLong>(reinterpret_cast<std::intptr_t>(enumPool_->pointer(enumIndex)));
 }
 
 int NQOMLStatic::definedSection(nqLong sectionIndex) const {
@@ -114,7 +113,7 @@ nqLong NQOMLStatic::installFieldID(const char* name) {
 int NQOMLStatic::installEnumValueID(const char* name, nqLong value) {
   const nqLong index = enter(*enumPool_, name);
   if (index < 0) return 0;
-  enumPool_->pointer(index, std::bit_cast<void*>(std::intptr_t{value}));
+  enumPool_->pointer(index, reinterpret_cast<void*>(std::intptr_t{value}));
   return 1;
 }
 

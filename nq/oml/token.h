@@ -55,9 +55,9 @@ struct NQ_EXPORT NQOMLToken {
 
   // The binary value; null for every other tag.
   NQOMLBinValue* pBinValue() const {
-    return tag == NQ_OML_BINARY_VALUE ? std::bit_cast<NQOMLBinValue*>(word) : nullptr;
+    return tag == NQ_OML_BINARY_VALUE ? reinterpret_cast<NQOMLBinValue*>(word) : nullptr;
   }
-  void pBinValue(NQOMLBinValue* value) { word = std::bit_cast<std::uint64_t>(value); }
+  void pBinValue(NQOMLBinValue* value) { word = reinterpret_cast<std::uint64_t>(value); }
 
   // Deletes the binary value that the token owns, if it has one.
   void deleteValue();

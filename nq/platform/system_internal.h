@@ -11,7 +11,6 @@
 #ifndef NQ_PLATFORM_SYSTEM_INTERNAL_H
 #define NQ_PLATFORM_SYSTEM_INTERNAL_H
 
-#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -20,7 +19,7 @@ namespace nqdetail {
 using Handle = void*;
 
 inline Handle noHandle() {
-  return std::bit_cast<Handle>(std::intptr_t{-1});
+  return reinterpret_cast<Handle>(std::intptr_t{-1});
 }
 
 enum class Access { kRead, kWrite, kReadWrite };

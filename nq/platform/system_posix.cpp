@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <bit>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -19,11 +18,11 @@ namespace nqdetail {
 namespace {
 
 int descriptorOf(Handle handle) {
-  return static_cast<int>(std::bit_cast<std::intptr_t>(handle));
+  return static_cast<int>(reinterpret_cast<std::intptr_t>(handle));
 }
 
 Handle handleOf(int descriptor) {
-  return std::bit_cast<Handle>(std::intptr_t{descriptor});
+  return reinterpret_cast<Handle>(std::intptr_t{descriptor});
 }
 
 int accessFlags(Access access) {
