@@ -93,7 +93,7 @@ void draw(const NQShape& shape, const char* name, const NQPoint& center,
   shape.getCurrentInnerRect(text, center, size);
   rect("text", text);
   std::printf("<text x=\"%d\" y=\"%d\">%s</text>\n", int(center.x()),
-              int(-center.y()) + kCell / 2 - 4, name);
+              int(-center.y() + kCell / 2 - 4), name);
 }
 
 }  // namespace

@@ -119,12 +119,10 @@ class NQCopyAccess {
   }
 };
 
-// The two copy routines of X, reachable for its derived classes.
-#define NQ_COPY_ROUTINES(X)                                    \
+// The way to the two copy routines of X for its derived classes.
+#define NQ_COPY_ACCESS(X)                                      \
  private:                                                      \
   friend class ::NQCopyAccess;                                 \
-  void X##deepCopy(const X& source);                           \
-  void X##attributeCopy(const X& source);                      \
   static void nqDeepRoutine(X& target, const X& source) {      \
     target.X##deepCopy(source);                                \
   }                                                            \
@@ -132,9 +130,14 @@ class NQCopyAccess {
     target.X##attributeCopy(source);                           \
   }
 
-// The members of the protocol, as the first line of X's body.
-#define NQ_COPY_PROTOCOL(X)                             \
-  NQ_COPY_ROUTINES(X)                                   \
+// The two copy routines of X, reachable for its derived classes.
+#define NQ_COPY_ROUTINES(X)          \
+  NQ_COPY_ACCESS(X)                  \
+  void X##deepCopy(const X& source); \
+  void X##attributeCopy(const X& source);
+
+// The other members of the protocol.
+#define NQ_COPY_MEMBERS(X)                              \
  public:                                                \
   X(const X& source, NQDeepFlagEnum flag);              \
   X(const X& source);                                   \
@@ -150,6 +153,11 @@ class NQCopyAccess {
   NQObject* vCloneAttributes() const override;          \
                                                         \
  private:
+
+// All members of the protocol, as the first line of X's body.
+#define NQ_COPY_PROTOCOL(X) \
+  NQ_COPY_ROUTINES(X)       \
+  NQ_COPY_MEMBERS(X)
 
 // Their definitions, in X's source; X's two routines are written out beside it.
 #define NQ_COPY_PROTOCOL_IMPL(X)                     \
@@ -199,20 +207,25 @@ class NQCopyAccess {
     copyFields(source);                            \
   }
 
-// For a plain value, below its class in the header: constructors, assignment
-// and routines inline, so that a copy costs what copying the fields costs.
-// Its default constructor stands for init(), both kinds of copy are the same
-// (the base's routine, then copyFields(const X&)), and copying it onto itself
-// is harmless. NQ_COPY_OPERATIONS_IMPL goes into the source.
-#define NQ_COPY_VALUE_INLINE(X, BASE)                       \
-  inline void X::X##deepCopy(const X& source) {             \
-    NQCopyAccess::deep<BASE>(*this, source);                \
-    copyFields(source);                                     \
-  }                                                         \
-  inline void X::X##attributeCopy(const X& source) {        \
-    NQCopyAccess::attributes<BASE>(*this, source);          \
-    copyFields(source);                                     \
-  }                                                         \
+// For a plain value, instead of NQ_COPY_PROTOCOL: both kinds of copy are the same
+// (the base's routine, then the private copyFields(const X&)), and inline, so that
+// a copy costs what copying the fields costs. The default constructor stands for
+// init(), and copying a value onto itself must be harmless.
+#define NQ_COPY_VALUE(X, BASE)                     \
+  NQ_COPY_ACCESS(X)                                \
+  void X##deepCopy(const X& source) {              \
+    NQCopyAccess::deep<BASE>(*this, source);       \
+    copyFields(source);                            \
+  }                                                \
+  void X##attributeCopy(const X& source) {         \
+    NQCopyAccess::attributes<BASE>(*this, source); \
+    copyFields(source);                            \
+  }                                                \
+  NQ_COPY_MEMBERS(X)
+
+// Its constructors and assignment, below the class in the header;
+// NQ_COPY_OPERATIONS_IMPL goes into the source.
+#define NQ_COPY_VALUE_INLINE(X)                             \
   inline X::X(const X& source, NQDeepFlagEnum) {            \
     NQCopyAccess::deep<X>(*this, source);                   \
   }                                                         \

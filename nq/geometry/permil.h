@@ -10,7 +10,7 @@
 #include "nq/geometry/size.h"
 
 class NQ_EXPORT NQPerMil : public NQObject {
-  NQ_COPY_PROTOCOL(NQPerMil)
+  NQ_COPY_VALUE(NQPerMil, NQObject)
 
  public:
   NQPerMil() = default;
@@ -41,6 +41,6 @@ class NQ_EXPORT NQPerMil : public NQObject {
   short y_ = 0;
 };
 
-NQ_COPY_VALUE_INLINE(NQPerMil, NQObject)
+NQ_COPY_VALUE_INLINE(NQPerMil)
 
 #endif  // NQ_GEOMETRY_PERMIL_H

@@ -17,7 +17,7 @@
 #include "nq/geometry/size.h"
 
 class NQ_EXPORT NQ_VIEWED_AS_RECORD NQPoint : public NQTuple {
-  NQ_COPY_PROTOCOL(NQPoint)
+  NQ_COPY_VALUE(NQPoint, NQTuple)
 
  public:
   NQPoint() = default;
@@ -114,6 +114,6 @@ class NQ_EXPORT NQ_VIEWED_AS_RECORD NQPoint : public NQTuple {
   void copyFields(const NQPoint&) {}
 };
 
-NQ_COPY_VALUE_INLINE(NQPoint, NQTuple)
+NQ_COPY_VALUE_INLINE(NQPoint)
 
 #endif  // NQ_GEOMETRY_POINT_H

@@ -23,7 +23,7 @@ class NQInternalRect;
 
 class NQ_EXPORT NQ_VIEWED_AS_RECORD NQRect : public NQObject,
                                              public NQRectOperations<NQRect> {
-  NQ_COPY_PROTOCOL(NQRect)
+  NQ_COPY_VALUE(NQRect, NQObject)
 
  public:
   NQRect() = default;  // 40 by 40 about the origin
@@ -84,6 +84,6 @@ class NQ_EXPORT NQ_VIEWED_AS_RECORD NQRect : public NQObject,
   NQEdges edges_ = {-20, 20, 20, -20};
 };
 
-NQ_COPY_VALUE_INLINE(NQRect, NQObject)
+NQ_COPY_VALUE_INLINE(NQRect)
 
 #endif  // NQ_GEOMETRY_RECT_H

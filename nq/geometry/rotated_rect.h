@@ -12,7 +12,7 @@
 #include "nq/geometry/point.h"
 
 class NQ_EXPORT NQRotatedRect : public NQObject {
-  NQ_COPY_PROTOCOL(NQRotatedRect)
+  NQ_COPY_VALUE(NQRotatedRect, NQObject)
 
  public:
   NQRotatedRect() = default;
@@ -44,7 +44,19 @@ class NQ_EXPORT NQRotatedRect : public NQObject {
   double x4() const { return x1() - width_ * sine_; }
   double y4() const { return y1() + width_ * cosine_; }
 
-  void copyFields(const NQRotatedRect& source);
+  void copyFields(const NQRotatedRect& source) {
+    cosine_ = source.cosine_;
+    sine_ = source.sine_;
+    cornerX_ = source.cornerX_;
+    cornerY_ = source.cornerY_;
+    length_ = source.length_;
+    width_ = source.width_;
+    minX_ = source.minX_;
+    minY_ = source.minY_;
+    maxX_ = source.maxX_;
+    maxY_ = source.maxY_;
+    delta_ = source.delta_;
+  }
 
   double cosine_ = 0;  // the unit direction of the segment; 0, 0 in a band never set
   double sine_ = 0;
@@ -59,20 +71,6 @@ class NQ_EXPORT NQRotatedRect : public NQObject {
   nqLong delta_ = 0;
 };
 
-NQ_COPY_VALUE_INLINE(NQRotatedRect, NQObject)
-
-inline void NQRotatedRect::copyFields(const NQRotatedRect& source) {
-  cosine_ = source.cosine_;
-  sine_ = source.sine_;
-  cornerX_ = source.cornerX_;
-  cornerY_ = source.cornerY_;
-  length_ = source.length_;
-  width_ = source.width_;
-  minX_ = source.minX_;
-  minY_ = source.minY_;
-  maxX_ = source.maxX_;
-  maxY_ = source.maxY_;
-  delta_ = source.delta_;
-}
+NQ_COPY_VALUE_INLINE(NQRotatedRect)
 
 #endif  // NQ_GEOMETRY_ROTATED_RECT_H

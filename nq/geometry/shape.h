@@ -152,7 +152,7 @@ class NQ_EXPORT NQShape : public NQObject {
 
   enum Place { kOutside, kOnBoundary, kInside };
   struct Polygon;
-  struct DeletePolygon {
+  struct NQ_EXPORT DeletePolygon {
     void operator()(Polygon* polygon) const;
   };
 

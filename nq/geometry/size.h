@@ -10,7 +10,7 @@
 #include "nq/geometry/tuple.h"
 
 class NQ_EXPORT NQ_VIEWED_AS_RECORD NQSize : public NQTuple {
-  NQ_COPY_PROTOCOL(NQSize)
+  NQ_COPY_VALUE(NQSize, NQTuple)
 
  public:
   NQSize() = default;
@@ -39,6 +39,6 @@ class NQ_EXPORT NQ_VIEWED_AS_RECORD NQSize : public NQTuple {
   void copyFields(const NQSize&) {}
 };
 
-NQ_COPY_VALUE_INLINE(NQSize, NQTuple)
+NQ_COPY_VALUE_INLINE(NQSize)
 
 #endif  // NQ_GEOMETRY_SIZE_H

@@ -18,7 +18,7 @@
 #include "nq/geometry/rect.h"
 
 class NQ_EXPORT NQTransform : public NQObject {
-  NQ_COPY_PROTOCOL(NQTransform)
+  NQ_COPY_VALUE(NQTransform, NQObject)
 
  public:
   NQTransform() = default;
@@ -111,6 +111,6 @@ class NQ_EXPORT NQTransform : public NQObject {
   Axis y_;
 };
 
-NQ_COPY_VALUE_INLINE(NQTransform, NQObject)
+NQ_COPY_VALUE_INLINE(NQTransform)
 
 #endif  // NQ_GEOMETRY_TRANSFORM_H

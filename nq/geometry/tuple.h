@@ -20,7 +20,7 @@
 class NQDTuple;
 
 class NQ_EXPORT NQ_VIEWED_AS_RECORD NQTuple : public NQObject {
-  NQ_COPY_PROTOCOL(NQTuple)
+  NQ_COPY_VALUE(NQTuple, NQObject)
 
  public:
   NQTuple() = default;
@@ -91,7 +91,7 @@ class NQ_EXPORT NQ_VIEWED_AS_RECORD NQTuple : public NQObject {
 };
 
 class NQ_EXPORT NQDTuple : public NQObject {
-  NQ_COPY_PROTOCOL(NQDTuple)
+  NQ_COPY_VALUE(NQDTuple, NQObject)
 
  public:
   NQDTuple() = default;
@@ -146,8 +146,8 @@ class NQ_EXPORT NQDTuple : public NQObject {
   double y_ = 0;
 };
 
-NQ_COPY_VALUE_INLINE(NQTuple, NQObject)
-NQ_COPY_VALUE_INLINE(NQDTuple, NQObject)
+NQ_COPY_VALUE_INLINE(NQTuple)
+NQ_COPY_VALUE_INLINE(NQDTuple)
 
 inline NQTuple::NQTuple(const NQDTuple& source)
     : x_(nqRound(source.x())), y_(nqRound(source.y())) {}

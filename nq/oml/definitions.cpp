@@ -97,6 +97,7 @@ NQOMLDefField* NQOMLDefObjType::addField(NQOMLDefScope& scope, nqLong nameIndex,
   field->number_ = static_cast<std::uint16_t>(scope.fields_.size() + 1);
   if (field->required_) {
     field->requiredNumber_ = numberOfRequiredFields() + 1;
+    field->requiringType_ = this;
     field->pNextRequired_ = pRequiredList_;
     pRequiredList_ = field.get();
   }

@@ -146,6 +146,8 @@ class NQ_EXPORT NQOMLDefField {
   // A required field's place among those of its object type, counted from 1 in
   // the order of definition; 0 for a field that is not required.
   nqLong requiredNumber() const { return requiredNumber_; }
+  // The type on whose list it stands; null for a field that is not required.
+  const NQOMLDefObjType* pRequiringType() const { return requiringType_; }
 
  private:
   friend class NQOMLDefObjType;
@@ -164,6 +166,7 @@ class NQ_EXPORT NQOMLDefField {
   NQOMLDefField* pNext_ = nullptr;
   NQOMLDefField* pNextRequired_ = nullptr;
   nqLong requiredNumber_ = 0;
+  const NQOMLDefObjType* requiringType_ = nullptr;
 };
 
 // Where fields, sections and objects may stand: an object type or a section.

@@ -149,6 +149,7 @@ void Parser::parseValue(const SourceToken* name, const Context& context,
     if (!endsBlock) lexer_.skipRestOfLine();
   } else {
     const bool includes = name != nullptr && isBuiltIn(*name) &&
+                          value.tag == NQ_OML_STRING &&
                           (name->integer() == NQ_OML_INCLUDE_FIELD ||
                            name->integer() == NQ_OML_INPUT_FIELD);
     parseField(name, context, value, position);
@@ -163,6 +164,7 @@ void Parser::parseValue(const SourceToken* name, const Context& context,
 
 void Parser::parseObject(const SourceToken& type, nqLong objectIDIndex,
                          const Context& context, const SourceToken* bracket) {
+  if (diagnostics_.ended()) return;  // no hook is called for it any more
   NQOMLSyntaxObject* const object =
       tree_.makeObject(file_, type.line, type.column, type.fileIndex, type.integer(),
                        objectIDIndex, context.sectionIDIndex, context.sectionPath,

@@ -99,7 +99,8 @@ void SemanticPass::checkRequiredFields(NQOMLSyntaxObject& object, nqLong objectI
     NQOMLSyntaxField& field = *iter.pField();
     const NQOMLDefField* const definition = field.pDefField();
     if (definition == nullptr) continue;
-    if (definition->requiredNumber() > 0) {
+    // Defaults may bring fields of another type, with numbers of their own.
+    if (definition->pRequiringType() == type && type != nullptr) {
       auto& last = seen_[static_cast<std::size_t>(definition->requiredNumber())];
       if (last != numberOfObjects_) --missing;
       last = numberOfObjects_;

@@ -41,6 +41,7 @@ const Row kRows[] = {
     {"graph $a", "Error #026 (f:1:7) object id expected"},
     {"graph 1 { id 1.5 }", "Error #026 (f:1:14) object id expected"},
     {"include 5", "Error #024 (f:1:9) string expected"},
+    {"graph 1 { include 5; count 3 }", "Error #024 (f:1:19) string expected"},
     {"graph 1 { odd 5 }", "Error #021 (f:1:15) unexpected field"},
     {"graph 1 { odd: % }", "Error #020 (f:1:16) unexpected token"},
     // Tokens.

@@ -118,4 +118,27 @@ TEST(IDTable, KeepsChainsOfComponents) {
   EXPECT_EQ(ids.pObject(1'000'000), nullptr);
 }
 
+// Objects of several types with required fields of their own may meet in one block
+// of defaults: a late "id=defaults" and a second block of one id see to that.
+TEST(Semantics, RequiredFieldsOfOtherTypesCountForNothing) {
+  const char* const definitions[] = {
+      "O graph",     "[",       "F title S R", "F two I R",    "F three I R",
+      "T node",      "T graph", "]",           "O node",       "[",
+      "F label S R", "F x I",   "]",           "O $toplevel$", "[",
+      "T graph",     "T node",  "]",           nullptr};
+  NQOMLStatic grammar(static_cast<const char* const*>(nullptr), nullptr, nullptr,
+                      definitions, 10, 10, 10, 10, 10, 10);
+  for (const char* const text :
+       {"node a { x=1; } graph { title=\"t\"; two=1; three=1; node a { x=1; } ; "
+        "id=defaults; }",
+        "graph { title=\"t\"; node a { x=1; } ; id=defaults; }"}) {
+    FakeSystem system;
+    system.files["f"] = text;
+    TestReader reader;
+    EXPECT_EQ(reader.read("f", grammar), NQ_FILE_READ_ERROR) << text;
+    EXPECT_NE(reader.errors().find("missing attribute `LABEL'"), std::string::npos)
+        << reader.errors();
+  }
+}
+
 }  // namespace
