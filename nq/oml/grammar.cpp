@@ -76,7 +76,8 @@ NQOMLDefObjType* NQOMLStatic::pObjTypeDefinition(nqLong typeIndex) const {
 
 nqLong NQOMLStatic::enumValue(nqLong enumIndex) const {
   // The slot holds the value itself in place of a pointer.
-  return static_cast<nqLong>(reinterpret_cast<std::intptr_t>(enumPool_->pointer(enumIndex)));
+  return static_cast<nqLong>(
+      reinterpret_cast<std::intptr_t>(enumPool_->pointer(enumIndex)));
 }
 
 int NQOMLStatic::definedSection(nqLong sectionIndex) const {
