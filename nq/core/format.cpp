@@ -143,7 +143,7 @@ const char* readFlags(const char* text, Specification* specification) {
   }
 }
 
-// Digits, or the "*" that makes the specification unusable.
+// Digits, or the "*" that makes the conversion unusable.
 const char* readCount(const char* text, int* count, Specification* specification) {
   *count = 0;
   if (*text == '*') {
@@ -222,7 +222,7 @@ class Piece {
 enum class ZeroFill { kAllowed, kNever };
 
 // The prefix and the digits, these filled up to `minDigits` with zeros, in the
-// width and the case that the specification asks for.
+// width and the case that the conversion asks for.
 Piece layOut(const Specification& specification, std::string_view prefix,
              std::string_view digits, std::size_t minDigits, ZeroFill zeroFill) {
   std::size_t zeros = minDigits > digits.size() ? minDigits - digits.size() : 0;
