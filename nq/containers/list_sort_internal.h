@@ -168,7 +168,7 @@ class ListSort {
       length += other.length;
     }
     void end() {
-      if (length > 0) Links::setNext(last, nullptr);
+      if (last != nullptr) Links::setNext(last, nullptr);
     }
   };
 

@@ -278,6 +278,7 @@ TEST(NQDListSort, FindsTheIthElementAndLeavesTheList) {
 TEST(NQMemAddressDListSort, SortsByTheObjectsAddresses) {
   std::vector<NQInt> objects(100);
   std::vector<NQObject*> shuffled;
+  shuffled.reserve(objects.size());
   for (NQInt& object : objects) shuffled.push_back(&object);
   std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(2));
   NQDList list;
