@@ -377,7 +377,9 @@ class ListSort {
       last = from;
       from = Links::next(from);
     };
-    while (x != nullptr && y != nullptr) take(compare_(x, y) > 0 ? y : x);
+    do {
+      take(compare_(x, y) > 0 ? y : x);
+    } while (x != nullptr && y != nullptr);
     Links::setNext(last, x != nullptr ? x : y);
     merged.last = x != nullptr ? a.last : b.last;
     merged.length = a.length + b.length;
