@@ -51,6 +51,25 @@ void rect(const char* kind, const NQRect& r) {
               int(r.left()), int(-r.top()), int(r.width()), int(r.height()));
 }
 
+// The outline as the picture's own elements draw it: what the shape answers must
+// fall on it.
+void outline(const NQShape& shape, const NQRect& box) {
+  const NQPoint center = box.center();
+  if (shape.shapeType() == NQShapeRectangle) {
+    rect("outline", box);
+  } else if (shape.shapeType() == NQShapeEllipse) {
+    std::printf("<ellipse class=\"outline\" cx=\"%d\" cy=\"%d\" rx=\"%g\" ry=\"%g\"/>\n",
+                int(center.x()), int(-center.y()), box.width() / 2.0, box.height() / 2.0);
+  } else {
+    std::printf("<polygon class=\"outline\" points=\"");
+    for (NQPointDListIter corner(shape.pPointList(), NQ_FORWARD); corner; ++corner) {
+      std::printf("%g,%g ", center.x() + corner.pPoint()->x() * box.width() / 2000.0,
+                  -center.y() - corner.pPoint()->y() * box.height() / 2000.0);
+    }
+    std::printf("\"/>\n");
+  }
+}
+
 void draw(const NQShape& shape, const char* name, const NQPoint& center,
           const NQSize& size) {
   const NQRect box(center, size);
@@ -62,6 +81,7 @@ void draw(const NQShape& shape, const char* name, const NQPoint& center,
       if (shape.withinInterior(p, center, size)) dot("inside", p, 1);
     }
   }
+  outline(shape, box);
   // A fan of segments towards the centre, clipped at the outline.
   constexpr int kRays = 48;
   for (int i = 0; i < kRays; ++i) {
@@ -120,6 +140,7 @@ int main() {
       "text { text-anchor: middle }\n"
       "rect { fill: none } .box { stroke: #bbb; stroke-dasharray: 3 3 }\n"
       ".text { stroke: #2a7; fill: #2a7; fill-opacity: 0.15 }\n"
+      ".outline { stroke: #555; stroke-width: 1.2; fill: none }\n"
       ".inside { fill: #cbd } .met { fill: #15c }\n"
       ".ray { stroke: #15c; stroke-width: 0.6 }\n"
       ".near { stroke: #c41; stroke-width: 0.8; fill: #c41 }\n"

@@ -53,12 +53,25 @@ struct Corner {
   nqLong y;
 };
 
-// The corners of a polygon, with the first one once more at the end.
-struct Corners : std::span<const Corner> {
-  // Below this size, coordinates may be subtracted in 32 bits and multiplied in 64.
+// The line through an edge as a x + b y + c, which is 0 on it and above 0 to the
+// left of it. For coordinates below 2^29 in size, which 64 bits can multiply.
+struct EdgeLine {
   static constexpr nqLong kSmall = 1 << 29;
 
-  NQEdges bounds;  // the box around the offsets
+  nqInt64 at(nqInt64 x, nqInt64 y) const { return a * x + b * y + c; }
+
+  nqInt64 a;
+  nqInt64 b;
+  nqInt64 c;
+};
+
+// The corners of a polygon, with the first one once more at the end.
+struct Corners : std::span<const Corner> {
+  bool small;  // whether all coordinates are, and the next two are there
+  // The corners' y once more, in a row that can be read in fours from anywhere.
+  const nqLong* heights;
+  const EdgeLine* lines;  // of the edge from each corner to the next
+  NQEdges bounds;         // the box around the offsets
 };
 
 // The corners of a polygon for nodes of one size: with each new size they are
@@ -66,9 +79,9 @@ struct Corners : std::span<const Corner> {
 class SizedCorners {
  public:
   // The list holds no null pointers.
-  const Corners& of(const NQPointDList& thousandths, const Node& node) {
-    if (width_ != node.x.extent || height_ != node.y.extent || corners_.empty()) {
-      compute(thousandths, node);
+  const Corners& of(const NQPointDList& thousandths, nqLong width, nqLong height) {
+    if (width_ != width || height_ != height || corners_.empty()) {
+      compute(thousandths, Node(0, 0, width, height));
     }
     return corners_;
   }
@@ -80,6 +93,8 @@ class SizedCorners {
   nqLong width_ = 0;
   nqLong height_ = 0;
   std::vector<Corner> offsets_;
+  std::vector<nqLong> heights_;
+  std::vector<EdgeLine> lines_;
   Corners corners_ = {};  // the offsets for width and height; empty if there are none
 };
 
@@ -101,7 +116,8 @@ inline int pointInWhichHalfplane(nqInt64 x1, nqInt64 y1, nqInt64 x2, nqInt64 y2,
 
 // How a point lies to an outline: -1 outside, 0 on it, 1 inside.
 int placeInEllipse(const Node& node, nqLong px, nqLong py);
-int placeInPolygon(const Node& node, const Corners& corners, nqLong px, nqLong py);
+// The point from the centre.
+int placeInPolygon(const Corners& corners, nqInt64 x, nqInt64 y);
 
 // Moves (x, y) to where the segment to (x2, y2) meets the outline last; 0 when
 // it does not.

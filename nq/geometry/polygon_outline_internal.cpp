@@ -5,8 +5,13 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <utility>
 
 #include "nq/geometry/outline_internal.h"
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace nqdetail {
 
@@ -15,8 +20,16 @@ namespace {
 using Bits = std::uint64_t;
 
 bool isSmall(const NQEdges& e) {
-  constexpr nqLong kLimit = Corners::kSmall;
+  constexpr nqLong kLimit = EdgeLine::kSmall;
   return -kLimit < e.left && e.right < kLimit && -kLimit < e.bottom && e.top < kLimit;
+}
+
+// The line of an edge, taken upward: what is left of it has it to the right.
+EdgeLine upwardLine(Corner from, Corner to) {
+  if (from.y > to.y) std::swap(from, to);
+  const nqInt64 dx = to.x - from.x;
+  const nqInt64 dy = to.y - from.y;
+  return {-dy, dx, dy * from.x - dx * from.y};
 }
 
 // Calls use(a, b) for the ends of every edge, in whole coordinates; the closing
@@ -31,6 +44,34 @@ void forEachEdge(const Node& node, const Corners& corners, Use use) {
   }
 }
 
+// How the corners of up to 63 edges in a row lie to a height.
+struct Skyline {
+  Bits above = 0;  // a bit for each corner
+  bool level = false;
+
+  // Heights are read in fours, up to three too many.
+#if defined(__SSE2__)
+  Skyline(const nqLong* heights, std::size_t corners, nqLong y) {
+    const __m128i limit = _mm_set1_epi32(y);
+    __m128i equal = _mm_setzero_si128();
+    for (std::size_t i = 0; i < corners; i += 4) {
+      const __m128i four = _mm_loadu_si128(reinterpret_cast<const __m128i*>(heights + i));
+      const __m128i higher = _mm_cmpgt_epi32(four, limit);
+      above |= static_cast<Bits>(_mm_movemask_ps(_mm_castsi128_ps(higher))) << i;
+      equal = _mm_or_si128(equal, _mm_cmpeq_epi32(four, limit));
+    }
+    level = _mm_movemask_epi8(equal) != 0;
+  }
+#else
+  Skyline(const nqLong* heights, std::size_t corners, nqLong y) {
+    for (std::size_t i = 0; i < corners; ++i) {
+      above |= Bits{heights[i] > y} << i;
+      level |= heights[i] == y;
+    }
+  }
+#endif
+};
+
 // Where p is, for small coordinates: 0 when it is at the height of a corner or on
 // an edge, and nothing is known. First a bit for each corner says whether it is
 // above p, and no branch depends on it; then only the edges that cross the height
@@ -41,25 +82,17 @@ int placeBetweenCorners(const Corners& corners, nqLong px, nqLong py) {
   bool unknown = false;
   for (std::size_t start = 0; start + 1 < corners.size(); start += kEdges) {
     const std::size_t edges = std::min(kEdges, corners.size() - 1 - start);
-    const Corner* const part = corners.data() + start;
-    Bits above = 0;
-    for (std::size_t i = edges + 1; i-- > 0;) {
-      const nqLong down = py - part[i].y;
-      unknown |= down == 0;
-      above = above << 1 | static_cast<nqULong>(down) >> 31;
-    }
-    Bits crossing = (above ^ above >> 1) & ((Bits{1} << edges) - 1);
+    const Skyline skyline(corners.heights + start, edges + 1, py);
+    unknown |= skyline.level;
+    Bits crossing = (skyline.above ^ skyline.above >> 1) & ((Bits{1} << edges) - 1);
     for (; crossing != 0; crossing &= crossing - 1) {
-      const Corner* const a = part + std::countr_zero(crossing);
-      const Corner* const b = a + 1;
-      const nqInt64 side =
-          nqInt64{a->x - px} * (b->y - py) - nqInt64{a->y - py} * (b->x - px);
+      const nqInt64 side = corners.lines[start + std::countr_zero(crossing)].at(px, py);
       unknown |= side == 0;
-      inside ^= (side > 0) == (b->y > py);
+      inside ^= side > 0;
     }
   }
   if (unknown) return 0;
-  return inside ? 1 : -1;
+  return 2 * static_cast<int>(inside) - 1;  // a branch would be taken at random
 }
 
 // The same for any point and any coordinates, the boundary included.
@@ -82,6 +115,8 @@ void SizedCorners::compute(const NQPointDList& thousandths, const Node& node) {
   width_ = node.x.extent;
   height_ = node.y.extent;
   offsets_.clear();
+  heights_.clear();
+  lines_.clear();
   NQEdges bounds = {};
   for (const NQObject* const object : thousandths) {
     const auto* const p = static_cast<const NQPoint*>(object);
@@ -91,22 +126,28 @@ void SizedCorners::compute(const NQPointDList& thousandths, const Node& node) {
     offsets_.push_back(corner);
   }
   if (!offsets_.empty()) offsets_.push_back(offsets_.front());
-  corners_ = {offsets_, bounds};
+  const bool small = isSmall(bounds);
+  if (small) {
+    for (const Corner& corner : offsets_) heights_.push_back(corner.y);
+    heights_.resize(heights_.size() + 3);  // what is read too much
+    for (std::size_t i = 1; i < offsets_.size(); ++i) {
+      lines_.push_back(upwardLine(offsets_[i - 1], offsets_[i]));
+    }
+  }
+  corners_ = {offsets_, small, heights_.data(), lines_.data(), bounds};
 }
 
 // Source: M. Shimrat, "Algorithm 112: position of point relative to polygon".
 // A ray runs from p to the right; an edge belongs to it with its lower end.
-int placeInPolygon(const Node& node, const Corners& corners, nqLong px, nqLong py) {
+int placeInPolygon(const Corners& corners, nqInt64 x, nqInt64 y) {
   if (corners.empty()) return -1;
-  const nqInt64 x = nqInt64{px} - node.x.center;
-  const nqInt64 y = nqInt64{py} - node.y.center;
-  const NQEdges& bounds = corners.bounds;
-  if (x < bounds.left || bounds.right < x || y < bounds.bottom || bounds.top < y) {
-    return -1;
-  }
-  if (isSmall(bounds)) {
-    const int place =
-        placeBetweenCorners(corners, static_cast<nqLong>(x), static_cast<nqLong>(y));
+  if (corners.small) {
+    // Far outside is no other place than just outside.
+    const NQEdges& bounds = corners.bounds;
+    const nqInt64 nearX = std::clamp<nqInt64>(x, bounds.left - 1, bounds.right + 1);
+    const nqInt64 nearY = std::clamp<nqInt64>(y, bounds.bottom - 1, bounds.top + 1);
+    const int place = placeBetweenCorners(corners, static_cast<nqLong>(nearX),
+                                          static_cast<nqLong>(nearY));
     if (place != 0) return place;
   }
   return placeOnEdges(corners, x, y);

@@ -62,7 +62,9 @@ struct NQShape::Polygon {
   Polygon& operator=(const Polygon&) = delete;
   ~Polygon() { list->deleteAllCellsAndPoints(); }
 
-  const nqdetail::Corners& at(const Node& node) { return sized.of(*list, node); }
+  const nqdetail::Corners& of(nqLong width, nqLong height) {
+    return sized.of(*list, width, height);
+  }
 
   const std::unique_ptr<NQPointDList> list;
   nqdetail::SizedCorners sized;
@@ -189,18 +191,20 @@ void NQShape::rotatePolygonTwoSeventy() {
 
 NQShape::Place NQShape::place(nqLong px, nqLong py, nqLong cx, nqLong cy, nqLong w,
                               nqLong h) const {
-  const Node node(cx, cy, w, h);
   const auto answer = [](int place) { return static_cast<Place>(place + 1); };
   switch (type_) {
     case NQShapeEllipse:
-      return answer(nqdetail::placeInEllipse(node, px, py));
+      return answer(nqdetail::placeInEllipse(Node(cx, cy, w, h), px, py));
     case NQShapeConvexPolygon:
     case NQShapeNonConvexPolygon:
       if (polygon_ == nullptr) return kOutside;
-      return answer(nqdetail::placeInPolygon(node, polygon_->at(node), px, py));
-    default:
-      if (!node.box().within(px, py)) return kOutside;
-      return node.box().withinInterior(px, py) ? kInside : kOnBoundary;
+      return answer(nqdetail::placeInPolygon(polygon_->of(w, h), nqInt64{px} - cx,
+                                             nqInt64{py} - cy));
+    default: {
+      const NQEdges box = Node(cx, cy, w, h).box();
+      if (!box.within(px, py)) return kOutside;
+      return box.withinInterior(px, py) ? kInside : kOnBoundary;
+    }
   }
 }
 
@@ -213,7 +217,7 @@ int NQShape::intersectsSegment(nqLong& x, nqLong& y, nqLong x2, nqLong y2, nqLon
     case NQShapeConvexPolygon:
     case NQShapeNonConvexPolygon:
       if (polygon_ == nullptr) return 0;
-      return nqdetail::segmentMeetsPolygon(node, polygon_->at(node), x, y, x2, y2);
+      return nqdetail::segmentMeetsPolygon(node, polygon_->of(w, h), x, y, x2, y2);
     default:
       return nqdetail::segmentMeetsRect(node, x, y, x2, y2);
   }
@@ -237,7 +241,7 @@ int NQShape::nearestPoint(NQPoint& p, const NQPoint& center, const NQSize& size)
     case NQShapeConvexPolygon:
     case NQShapeNonConvexPolygon:
       if (polygon_ == nullptr) return 0;
-      p = nqdetail::nearestOnPolygon(node, polygon_->at(node), p);
+      p = nqdetail::nearestOnPolygon(node, polygon_->of(size.width(), size.height()), p);
       return 1;
     default:
       p = node.box().nearestPoint(p);
@@ -258,8 +262,8 @@ double NQShape::maxAvailableDiagonalLengthAtShape(const NQPoint& p, const NQSize
         return nqdetail::growthInEllipse(node, p, halfWidth, halfHeight);
       case NQShapeConvexPolygon:
       case NQShapeNonConvexPolygon:
-        return nqdetail::growthInPolygon(node, polygon_->at(node), p, halfWidth,
-                                         halfHeight);
+        return nqdetail::growthInPolygon(node, polygon_->of(size.width(), size.height()),
+                                         p, halfWidth, halfHeight);
       default:
         return nqdetail::growthInRect(node, p, halfWidth, halfHeight);
     }
