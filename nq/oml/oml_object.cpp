@@ -1,9 +1,10 @@
 #include "nq/oml/oml_object.h"
 
-#include <algorithm>
 #include <cstdint>
+#include <limits>
+#include <unordered_map>
 #include <unordered_set>
-#include <vector>
+#include <utility>
 
 #include "nq/containers/dlist.h"
 #include "nq/containers/index_hash_table.h"
@@ -20,30 +21,45 @@ std::uint32_t writtenID(nqInt64 id) {
   return static_cast<std::uint32_t>(id);
 }
 
-// Sorts the objects of a list among its cells.
-void sortByID(const NQDList& list) {
-  std::vector<NQOMLObject*> objects;
-  for (NQDListIter iter(&list, NQ_FORWARD); iter; ++iter) {
-    if (iter.pObject() != nullptr) objects.push_back(omlObject(iter));
-  }
-  std::stable_sort(objects.begin(), objects.end(),
-                   [](const NQOMLObject* a, const NQOMLObject* b) {
-                     return a->iUserField() < b->iUserField();
-                   });
-  auto next = objects.begin();
-  for (NQDListIter iter(&list, NQ_FORWARD); iter; ++iter) {
-    if (iter.pObject() != nullptr) iter.pCell()->pObject(*next++);
-  }
-}
-
 }  // namespace
+
+// One call from outside of preFileWrite or postFileWrite, with all that come of it.
+// The hooks of an application may throw, and may destroy objects.
+class NQOMLObject::Walk {
+ public:
+  Walk() = default;
+  Walk(const Walk&) = delete;
+  Walk& operator=(const Walk&) = delete;
+  ~Walk() {
+    for (const auto& [object, entered] : objects_) object->walk_ = nullptr;
+  }
+
+  // Makes calls of the object part of this walk, unless another one has it.
+  void reach(NQOMLObject& object) {
+    if (object.walk_ != nullptr) return;
+    object.walk_ = this;
+    objects_[&object] = false;
+  }
+  // Whether the parts of the object are still to be visited; asked once.
+  bool enter(NQOMLObject& object) {
+    reach(object);
+    return !std::exchange(objects_[&object], true);
+  }
+  void leave(NQOMLObject& object) { objects_.erase(&object); }
+
+ private:
+  std::unordered_map<NQOMLObject*, bool> objects_;  // true once entered
+};
 
 NQ_COPY_PROTOCOL_IMPL(NQOMLObject)
 NQ_COPY_ALIKE_IMPL(NQOMLObject, NQObjectWithID)
 
 void NQOMLObject::init() {
   iUserField_ = 0;
-  visited_ = false;
+}
+
+NQOMLObject::~NQOMLObject() {
+  if (walk_ != nullptr) walk_->leave(*this);
 }
 
 nqInt64 NQOMLObject::graphFileID() const {
@@ -59,29 +75,33 @@ NQOMLObject* NQOMLObject::pOMLOwner() const {
 }
 
 void NQOMLObject::preFileWrite(NQOMLFile* file) {
-  if (visited_) return;
+  Walk own;
+  Walk& walk = walk_ == nullptr ? own : *walk_;
+  if (!walk.enter(*this)) return;
   NQIndexHashTable* const table = file == nullptr ? nullptr : file->pIndexHashTable();
   prepareIDForGraphFile(table);
   NQDList parts;
   collectOwnedOMLObjects(parts);
-  visited_ = true;
   for (NQDListIter iter(&parts, NQ_FORWARD); iter; ++iter) {
-    if (iter.pObject() != nullptr) omlObject(iter)->preFileWrite(file);
+    if (iter.pObject() == nullptr) continue;
+    walk.reach(*omlObject(iter));
+    omlObject(iter)->preFileWrite(file);
   }
-  visited_ = false;
   makeIDsUniqueForGraphFile(table, &parts);
 }
 
 void NQOMLObject::postFileWrite(NQOMLFile* file, NQFileCodeEnum result) {
-  if (visited_) return;
+  Walk own;
+  Walk& walk = walk_ == nullptr ? own : *walk_;
+  if (!walk.enter(*this)) return;
   finalizeIDForGraphFile(file, result);
   NQDList parts;
   collectOwnedOMLObjects(parts);
-  visited_ = true;
   for (NQDListIter iter(&parts, NQ_BACKWARD); iter; --iter) {
-    if (iter.pObject() != nullptr) omlObject(iter)->postFileWrite(file, result);
+    if (iter.pObject() == nullptr) continue;
+    walk.reach(*omlObject(iter));
+    omlObject(iter)->postFileWrite(file, result);
   }
-  visited_ = false;
 }
 
 int NQOMLObject::readField(NQOMLSyntaxField*, NQOMLSyntaxObject*, NQOMLFile*) {
@@ -114,20 +134,38 @@ void NQOMLObject::collectOwnedOMLObjects(NQDList&) {}
 void NQOMLObject::makeIDsUniqueForGraphFile(NQIndexHashTable* table, NQDList* list) {
   constexpr nqInt64 kStep = 8;  // the spacing of numbers that are addresses
   if (table == nullptr || list == nullptr) return;
-  sortByID(*list);
-  std::unordered_set<std::uint32_t> standing = {writtenID(table->errorValue())};
+  NQIUserFieldDListSort().quickSort(list, 0);
+  const std::uint32_t none = writtenID(table->errorValue());
+  std::unordered_set<std::uint32_t> standing = {none, 0};
   for (NQDListIter iter(list, NQ_FORWARD); iter; ++iter) {
     if (iter.pObject() != nullptr)
       standing.insert(writtenID(omlObject(iter)->iUserField_));
   }
-  std::unordered_set<std::uint32_t> taken = {writtenID(table->errorValue())};
-  nqInt64 next = table->maxValueIndex() + kStep;
+  nqInt64 last = table->maxValueIndex();
+  const auto freshID = [&standing, &last] {
+    do {
+      constexpr nqInt64 kLargest = std::numeric_limits<nqInt64>::max();
+      last = last > kLargest - kStep ? kStep : last + kStep;
+    } while (!standing.insert(writtenID(last)).second);
+    return last;
+  };
+  std::unordered_set<std::uint32_t> taken = {none};
   for (NQDListIter iter(list, NQ_FORWARD); iter; ++iter) {
     NQOMLObject* const object = omlObject(iter);
-    if (object == nullptr || taken.insert(writtenID(object->iUserField_)).second)
-      continue;
-    while (!standing.insert(writtenID(next)).second) next += kStep;
-    object->iUserField_ = next;
-    next += kStep;
+    if (object != nullptr && !taken.insert(writtenID(object->iUserField_)).second)
+      object->iUserField_ = freshID();
   }
 }
+
+int NQIUserFieldDListSort::virtualCompare(NQDListCell* a, NQDListCell* b) {
+  const NQOMLObject* const first = NQOMLObject::castDown(a->pObject());
+  const NQOMLObject* const second = NQOMLObject::castDown(b->pObject());
+  if (first == nullptr || second == nullptr) {
+    return (first != nullptr ? 1 : 0) - (second != nullptr ? 1 : 0);
+  }
+  const nqInt64 left = first->iUserField();
+  const nqInt64 right = second->iUserField();
+  return left < right ? -1 : left > right ? 1 : 0;
+}
+
+void NQIUserFieldDListSort::virtualDebugOutputElement(NQDListCell*) {}

@@ -9,6 +9,7 @@
 #ifndef NQ_OML_OML_OBJECT_H
 #define NQ_OML_OML_OBJECT_H
 
+#include "nq/containers/list_sort.h"
 #include "nq/core/object_with_id.h"
 #include "nq/file/file_codes.h"
 
@@ -23,6 +24,7 @@ class NQ_EXPORT NQOMLObject : public NQObjectWithID {
 
  public:
   NQOMLObject() = default;
+  ~NQOMLObject() override;
 
   nqInt64 graphFileID() const override;
   int isOMLObject() const override;
@@ -33,8 +35,9 @@ class NQ_EXPORT NQOMLObject : public NQObjectWithID {
 
   // Called before and after the object is written. The first gives numbers to the
   // object and all its parts, first to last, and makes those of its parts differ;
-  // the second takes them away, last to first. An object that is a part of itself
-  // over whatever detour is visited once on each way.
+  // the second takes them away, last to first. They are called for each part of
+  // each object; but in one walk the parts of an object are visited only once,
+  // however many objects it is a part of, itself among them.
   virtual void preFileWrite(NQOMLFile* file);
   virtual void postFileWrite(NQOMLFile* file, NQFileCodeEnum result);
 
@@ -60,10 +63,11 @@ class NQ_EXPORT NQOMLObject : public NQObjectWithID {
   nqInt64 iUserField(nqInt64 id) { return iUserField_ = id; }
   nqInt64 iUserField() const { return iUserField_; }
 
-  // Sorts a list of NQOMLObject by their numbers and gives new ones, in steps of
-  // 8 above all that `table` knows, to those whose number would not tell them
-  // apart in a file: its low 32 bits are those of an object before it, or of the
-  // table's error value. A new number is never one that stands in the list.
+  // Sorts a list of NQOMLObject by their numbers (quick sort) and gives new ones,
+  // in steps of 8 above all that `table` knows, to those whose number would not
+  // tell them apart in a file: its low 32 bits are those of an object before it,
+  // or of the table's error value. In the file a new number is neither 0 nor one
+  // that stands in the list; where there is none above the table's, it begins at 8.
   // Without a table or a list nothing happens.
   void makeIDsUniqueForGraphFile(NQIndexHashTable* table, NQDList* list);
 
@@ -71,10 +75,19 @@ class NQ_EXPORT NQOMLObject : public NQObjectWithID {
   void init();
 
  private:
+  class Walk;
+
   void copyFields(const NQOMLObject&) {}
 
   nqInt64 iUserField_ = 0;
-  bool visited_ = false;  // preFileWrite or postFileWrite is at work on the parts
+  Walk* walk_ = nullptr;  // the walk over parts that has reached the object
+};
+
+// Sorts lists of NQOMLObject by their numbers; null objects come first.
+class NQ_EXPORT NQIUserFieldDListSort : public NQDListSort {
+ protected:
+  int virtualCompare(NQDListCell* a, NQDListCell* b) override;
+  void virtualDebugOutputElement(NQDListCell* cell) override;
 };
 
 #endif  // NQ_OML_OML_OBJECT_H

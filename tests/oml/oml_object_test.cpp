@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <memory>
 #include <string>
 #include <vector>
@@ -101,7 +102,13 @@ TEST(NQOMLObject, MakesNumbersUnique) {
       // In a file only 32 bits are told apart.
       {40, 0, {16, 16 + (nqInt64{1} << 32), nqInt64{1} << 33}, {16, 48, 56}},
       {(nqInt64{1} << 32) + 8, 0, {16, 16}, {16, (nqInt64{1} << 32) + 24}},
-      {9223372036854775807, 0, {1, 1}, {1, -9223372036854775807 + 6}},
+      {(nqInt64{1} << 32) - 8,
+       -1,
+       {8, 8},
+       {8, (nqInt64{1} << 32) + 16}},  // 0 is no number
+      // Above the largest number of all they begin again.
+      {9223372036854775800, 0, {1, 1, 1}, {1, 8, 16}},
+      {9223372036854775791, 0, {1, 1, 1}, {1, 9223372036854775799, 9223372036854775807}},
       {40, 0, {}, {}},
   };
   for (const auto& row : kRows) {
@@ -193,6 +200,101 @@ TEST(NQOMLObject, CirclesOfPartsEndTheWalk) {
     EXPECT_EQ(log, "AABA");
     EXPECT_EQ(a.graphFileID() + b.graphFileID(), 0);
   }
+}
+
+// Has parts like Part, all of one vector.
+struct Knot : NQOMLObject {
+  explicit Knot(std::vector<Knot>& knots) : all(&knots) {}
+
+  void preFileWrite(NQOMLFile* file) override {
+    ++visits;
+    NQOMLObject::preFileWrite(file);
+  }
+  void postFileWrite(NQOMLFile* file, NQFileCodeEnum code) override {
+    --visits;
+    NQOMLObject::postFileWrite(file, code);
+  }
+  void collectOwnedOMLObjects(NQDList& list) override {
+    for (Knot& knot : *all) list.appendObject(&knot);
+  }
+
+  std::vector<Knot>* all;
+  std::size_t visits = 0;
+};
+
+TEST(NQOMLObject, VisitsTangledPartsInProportion) {
+  std::vector<Knot> knots;
+  for (int n = 0; n < 100; ++n) knots.emplace_back(knots);
+  for (int round = 0; round < 2; ++round) {
+    knots[0].preFileWrite(nullptr);
+    std::size_t visits = 0;
+    for (const Knot& knot : knots) {
+      EXPECT_EQ(knot.graphFileID(), addressOf(knot));
+      visits += knot.visits;
+    }
+    EXPECT_EQ(visits, knots.size() * knots.size() + 1);
+    knots[0].postFileWrite(nullptr, NQ_FILE_OK);
+    for (const Knot& knot : knots) {
+      EXPECT_EQ(knot.graphFileID(), 0);
+      EXPECT_EQ(knot.visits, 0U);
+    }
+  }
+}
+
+// Makes its only part before a write and destroys it after, to some depth, where
+// the writing may fail.
+struct Maker : NQOMLObject {
+  void preFileWrite(NQOMLFile* file) override {
+    if (depth == 0 && fails) throw depth;
+    if (depth > 0) {
+      made = std::make_unique<Maker>();
+      made->depth = depth - 1;
+      made->fails = fails;
+    }
+    NQOMLObject::preFileWrite(file);
+  }
+  void postFileWrite(NQOMLFile* file, NQFileCodeEnum result) override {
+    NQOMLObject::postFileWrite(file, result);
+    made.reset();
+  }
+  void collectOwnedOMLObjects(NQDList& list) override {
+    if (made != nullptr) list.appendObject(made.get());
+  }
+
+  std::unique_ptr<Maker> made;
+  int depth = 0;
+  bool fails = false;
+};
+
+TEST(NQOMLObject, WalksOutliveHooksThatDestroyAndThrow) {
+  Maker top;
+  top.depth = 3;
+  top.preFileWrite(nullptr);
+  EXPECT_EQ(top.made->made->made->graphFileID(), addressOf(*top.made->made->made));
+  top.postFileWrite(nullptr, NQ_FILE_OK);
+  EXPECT_EQ(top.made, nullptr);
+
+  top.fails = true;
+  EXPECT_THROW(top.preFileWrite(nullptr), int);
+  top.iUserField(5);
+  top.postFileWrite(nullptr, NQ_FILE_OK);
+  EXPECT_EQ(top.graphFileID(), 0) << "the walk that was broken off is over";
+}
+
+TEST(NQIUserFieldDListSort, PutsNullObjectsFirst) {
+  std::vector<NQOMLObject> objects(3);
+  objects[0].iUserField(std::numeric_limits<nqInt64>::max());
+  objects[1].iUserField(std::numeric_limits<nqInt64>::min());
+  NQDList list;
+  for (NQOMLObject* object : {&objects[0], &objects[1]}) list.appendObject(object);
+  list.appendObject(nullptr);
+  list.appendObject(&objects[2]);
+  NQIUserFieldDListSort sorter;
+  EXPECT_EQ(sorter.quickSort(&list, 1), 1);
+  const std::vector<NQObject*> expected = {nullptr, &objects[1], &objects[2],
+                                           &objects[0]};
+  EXPECT_EQ(std::vector<NQObject*>(list.begin(), list.end()), expected);
+  EXPECT_EQ(sorter.quickSort(&list, 1), 0);
 }
 
 }  // namespace
