@@ -169,3 +169,16 @@ int NQIUserFieldDListSort::virtualCompare(NQDListCell* a, NQDListCell* b) {
 }
 
 void NQIUserFieldDListSort::virtualDebugOutputElement(NQDListCell*) {}
+
+NQ_COPY_PROTOCOL_IMPL(NQOMLObjectTuple)
+NQ_COPY_ALIKE_IMPL(NQOMLObjectTuple, NQObject)
+
+void NQOMLObjectTuple::init() {
+  pFirst_ = nullptr;
+  pSecond_ = nullptr;
+}
+
+void NQOMLObjectTuple::copyFields(const NQOMLObjectTuple& source) {
+  pFirst_ = source.pFirst_;
+  pSecond_ = source.pSecond_;
+}

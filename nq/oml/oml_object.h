@@ -4,7 +4,8 @@
 // the reading hooks, which a reader calls for each object of a file, and the
 // operations around a write. During a write each object has a number under which
 // it stands in the file, graphFileID(); between writes that is 0. Nothing here
-// owns an object, and a copy does not take the number.
+// owns an object, and a copy does not take the number. NQOMLObjectTuple pairs an
+// object with the one inside which a reference to it is written.
 
 #ifndef NQ_OML_OML_OBJECT_H
 #define NQ_OML_OML_OBJECT_H
@@ -88,6 +89,27 @@ class NQ_EXPORT NQIUserFieldDListSort : public NQDListSort {
  protected:
   int virtualCompare(NQDListCell* a, NQDListCell* b) override;
   void virtualDebugOutputElement(NQDListCell* cell) override;
+};
+
+// Two objects, borrowed; copies hold the same ones.
+class NQ_EXPORT NQOMLObjectTuple : public NQObject {
+  NQ_COPY_PROTOCOL(NQOMLObjectTuple)
+
+ public:
+  explicit NQOMLObjectTuple(NQOMLObject* first = nullptr, NQOMLObject* second = nullptr)
+      : pFirst_(first), pSecond_(second) {}
+
+  NQOMLObject* pFirstObject() const { return pFirst_; }
+  NQOMLObject* pSecondObject() const { return pSecond_; }
+
+ protected:
+  void init();
+
+ private:
+  void copyFields(const NQOMLObjectTuple& source);
+
+  NQOMLObject* pFirst_;
+  NQOMLObject* pSecond_;
 };
 
 #endif  // NQ_OML_OML_OBJECT_H

@@ -297,4 +297,16 @@ TEST(NQIUserFieldDListSort, PutsNullObjectsFirst) {
   EXPECT_EQ(sorter.quickSort(&list, 1), 0);
 }
 
+TEST(NQOMLObjectTuple, CopiesShareTheObjects) {
+  NQOMLObject first;
+  NQOMLObject second;
+  NQOMLObjectTuple sample(&first, &second);
+  checkCopyProtocol(
+      sample, [&] { return std::make_unique<NQOMLObjectTuple>(&second, &first); },
+      [](const NQOMLObjectTuple& a, const NQOMLObjectTuple& b) {
+        return a.pFirstObject() == b.pFirstObject() &&
+               a.pSecondObject() == b.pSecondObject();
+      });
+}
+
 }  // namespace
