@@ -43,6 +43,7 @@
 #include "nq/geometry/typed_list.h"
 #include "nq/oml/bin_value.h"
 #include "nq/oml/definitions.h"
+#include "nq/oml/factory.h"
 #include "nq/oml/grammar.h"
 #include "nq/oml/oml_file.h"
 #include "nq/oml/oml_object.h"
