@@ -2,9 +2,11 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <string>
 
 #include "nq/containers/numbers.h"
 #include "nq/core/string_pool.h"
+#include "nq/file/text_file.h"
 #include "nq/oml/definition_language_internal.h"
 
 namespace {
@@ -88,6 +90,34 @@ nqLong NQOMLStatic::refusedLine(nqLong n) const {
   return n < 0 || n >= numberOfRefusedLines()
              ? -1
              : refusedLines_[static_cast<std::size_t>(n)];
+}
+
+void NQOMLStatic::writeIndexDefinitions(const char* fileName) const {
+  const struct {
+    const char* title;
+    const char* prefix;
+    const NQStringPool& pool;
+    nqLong first;  // those before it are of use to the reader only
+  } blocks[] = {
+      {"fields", "FI_", *fieldPool_, NQ_OML_ID_FIELD},
+      {"sections", "SI_", *sectionPool_, NQ_OML_BUILT_IN_SECTIONS},
+      {"enum value identifiers", "VI_", *enumPool_, NQ_OML_TRUE},
+      {"object type identifiers", "OI_", *objTypePool_, NQ_OML_TOPLEVEL_TYPE + 1},
+  };
+  NQTextFile file;
+  if (file.open(fileName, NQ_WRITE_ASCII) != NQ_FILE_OK) return;
+  for (const auto& block : blocks) {
+    (void)file.writeLine("");
+    (void)file.writeLine((std::string("/* Coding of ") + block.title + " */").c_str());
+    (void)file.writeLine("");
+    for (nqLong index = block.first; index < block.pool.decodeTableMax(); ++index) {
+      const std::string line = std::string("#define NQ_XKEY_") + block.prefix +
+                               block.pool.decode(index) + " " + std::to_string(index);
+      (void)file.writeLine(line.c_str());
+    }
+  }
+  (void)file.writeLine("");
+  (void)file.close();
 }
 
 NQOMLDefObjType* NQOMLStatic::installObjTypeID(const char* name, NQOMLCheckFunction check,

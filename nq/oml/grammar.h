@@ -130,6 +130,14 @@ class NQ_EXPORT NQOMLStatic : public NQObject {
   }
   nqLong refusedLine(nqLong n) const;
 
+  // Writes a C header of the indices of all names but the key words, for
+  // applications to include, in place of any file of that name. A line is
+  //   #define NQ_XKEY_FI_COLOUR 7
+  // for a field; SI stands for a section, VI for an enumerator and OI for an
+  // object type. Names stand as the pools hold them, in upper case, whether the
+  // line is then good C or not. When the file cannot be written nothing is told.
+  void writeIndexDefinitions(const char* fileName) const;
+
   // Installs an object type, or replaces those callbacks of an installed one that
   // are not null here. Returns its definition; null for a null or empty name.
   NQOMLDefObjType* installObjTypeID(const char* name, NQOMLCheckFunction check,
