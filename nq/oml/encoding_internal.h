@@ -120,6 +120,8 @@ constexpr char closingOf(char opening) {
   }
 }
 
+inline constexpr char kHexDigits[] = "0123456789abcdef";  // as they are written
+
 // The value of a hexadecimal digit, -1 for any other character.
 constexpr int hexValue(char c) {
   if (c >= '0' && c <= '9') return c - '0';

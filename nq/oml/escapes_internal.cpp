@@ -35,7 +35,54 @@ constexpr char escapedCharacter(char letter) {
   }
 }
 
+constexpr void add(Escape& escape, char c) {
+  escape.text[escape.length++] = c;
+}
+
+constexpr EscapeTable makePlain() {
+  EscapeTable table{};
+  for (int c = 0; c < 256; ++c) {
+    Escape& escape = table[static_cast<std::size_t>(c)];
+    if (c == kQuote || c == kEscape) add(escape, kEscape);
+    add(escape, static_cast<char>(c));
+  }
+  return table;
+}
+
+constexpr EscapeTable makeDoubled() {
+  EscapeTable table{};
+  const EscapeTable plain = makePlain();
+  for (std::size_t c = 0; c < table.size(); ++c) {
+    for (int i = 0; i < plain[c].length; ++i) {
+      const Escape& again = plain[static_cast<unsigned char>(plain[c].text[i])];
+      for (int j = 0; j < again.length; ++j) add(table[c], again.text[j]);
+    }
+  }
+  return table;
+}
+
+// Control characters in three octal digits, which no digit behind them changes.
+constexpr EscapeTable makeLossless() {
+  EscapeTable table = makePlain();
+  const auto escapeControl = [&table](int c) {
+    table[static_cast<std::size_t>(c)] = {
+        {kEscape, static_cast<char>('0' + (c >> 6)),
+         static_cast<char>('0' + (c >> 3 & 7)), static_cast<char>('0' + (c & 7))},
+        4};
+  };
+  for (int c = 0; c < ' '; ++c) escapeControl(c);
+  escapeControl(0x7F);
+  for (const char letter : {'a', 'b', 'f', 'n', 'r', 't', 'v'}) {
+    table[static_cast<std::size_t>(escapedCharacter(letter))] = {{kEscape, letter}, 2};
+  }
+  return table;
+}
+
 }  // namespace
+
+constexpr EscapeTable kPlainEscapes = makePlain();
+constexpr EscapeTable kDoubledEscapes = makeDoubled();
+constexpr EscapeTable kLosslessEscapes = makeLossless();
 
 UnescapedText removeEscapeSequences(char* text, std::size_t length) {
   const char* const end = text + length;

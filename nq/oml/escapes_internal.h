@@ -3,7 +3,10 @@
 #ifndef NQ_OML_ESCAPES_INTERNAL_H
 #define NQ_OML_ESCAPES_INTERNAL_H
 
+#include <array>
 #include <cstddef>
+#include <cstring>
+#include <string_view>
 
 namespace nqdetail {
 
@@ -16,6 +19,32 @@ struct UnescapedText {
 // the result is never longer. A backslash before a character without a meaning
 // of its own gives that character; one at the very end gives nothing.
 UnescapedText removeEscapeSequences(char* text, std::size_t length);
+
+// What to write for each character.
+struct Escape {
+  char text[4];
+  unsigned char length;
+};
+using EscapeTable = std::array<Escape, 256>;
+inline constexpr std::size_t kLongestEscape = sizeof(Escape::text);
+
+// A backslash before quotation marks and backslashes; the same done once more to
+// the result; and the first with escapes for the control characters too, so that a
+// reader of either encoding gets back every character.
+extern const EscapeTable kPlainEscapes;
+extern const EscapeTable kDoubledEscapes;
+extern const EscapeTable kLosslessEscapes;
+
+// Writes the text with its escapes and returns the end; there is room for
+// kLongestEscape bytes for each character.
+inline char* putEscaped(char* to, std::string_view text, const EscapeTable& escapes) {
+  for (const char c : text) {
+    const Escape& escape = escapes[static_cast<unsigned char>(c)];
+    std::memcpy(to, escape.text, sizeof escape.text);
+    to += escape.length;
+  }
+  return to;
+}
 
 }  // namespace nqdetail
 

@@ -1,4 +1,5 @@
-// file_state_internal.h -- what an NQOMLFile holds between and during its reads.
+// file_state_internal.h -- what an NQOMLFile holds between and during its reads and
+// writes.
 
 #ifndef NQ_OML_FILE_STATE_INTERNAL_H
 #define NQ_OML_FILE_STATE_INTERNAL_H
@@ -16,14 +17,15 @@
 #include "nq/oml/read_tables_internal.h"
 #include "nq/oml/sources_internal.h"
 #include "nq/oml/syntax_arena_internal.h"
+#include "nq/oml/writer_internal.h"
 
 namespace nqdetail {
 
 // Also connects the rooms with the virtual operations of the file.
-struct FileState final : MessageSink, SourceOwner, ReadHooks {
+struct FileState final : MessageSink, SourceOwner, ReadHooks, OutputSink {
   explicit FileState(NQOMLFile& owner) : file(owner) {}
 
-  // Frees all that belongs to one read but the tree.
+  // Frees all that belongs to one read or write but the tree.
   void release();
 
   const char* sourceName(nqLong fileIndex) override;
@@ -45,13 +47,15 @@ struct FileState final : MessageSink, SourceOwner, ReadHooks {
   void preReadFields(NQOMLSyntaxObject* syntax, NQObject* object) override;
   void postReadFields(NQOMLSyntaxObject* syntax, NQObject* object) override;
 
+  bool send(const char* data, std::size_t count) override;
+
   NQOMLFile& file;
   Diagnostics diagnostics{*this};
   int maxNestingDepth = 256;
   std::unique_ptr<NQIndexHashTable> numbers;
 
   NQOMLStatic* grammar = nullptr;  // borrowed
-  bool reading = false;            // a read is somewhere up the stack
+  bool busy = false;               // a read or write is somewhere up the stack
   std::int64_t bytesRead = 0;
   TopObject top;
 
@@ -62,6 +66,10 @@ struct FileState final : MessageSink, SourceOwner, ReadHooks {
   std::optional<NameTables> names;
   std::optional<Sources> sources;
   ReadTables tables;  // the same tables, as the nodes see them
+
+  bool lossless = false;           // as writes are to be
+  bool binaryOutput = false;       // of the write under way
+  std::unique_ptr<Writer> writer;  // during a write
 };
 
 }  // namespace nqdetail

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "nq/core/message_table.h"
+#include "nq/core/string_pool.h"
 #include "nq/oml/file_state_internal.h"
 #include "nq/oml/message_codes_internal.h"
 #include "nq/oml/oml_object.h"
@@ -14,14 +15,15 @@ namespace nqdetail {
 
 namespace {
 
-// Marks a read for the time of a call, which a hook may leave by an exception.
-class ReadMark {
+// Marks a read or write for the time of a call, which a hook may leave by an
+// exception.
+class BusyMark {
  public:
-  explicit ReadMark(FileState& state) : state_(state) { state_.reading = true; }
-  ReadMark(const ReadMark&) = delete;
-  ReadMark& operator=(const ReadMark&) = delete;
-  ~ReadMark() {
-    state_.reading = false;
+  explicit BusyMark(FileState& state) : state_(state) { state_.busy = true; }
+  BusyMark(const BusyMark&) = delete;
+  BusyMark& operator=(const BusyMark&) = delete;
+  ~BusyMark() {
+    state_.busy = false;
     state_.release();
   }
 
@@ -32,6 +34,7 @@ class ReadMark {
 }  // namespace
 
 void FileState::release() {
+  writer.reset();
   tables = ReadTables();
   sources.reset();
   names.reset();
@@ -91,6 +94,11 @@ void FileState::postReadFields(NQOMLSyntaxObject* syntax, NQObject* object) {
   file.vPostReadFields(syntax, object);
 }
 
+bool FileState::send(const char* data, std::size_t count) {
+  return (binaryOutput ? file.writeBinary(data, static_cast<int>(count))
+                       : file.writeString(data)) == NQ_FILE_OK;
+}
+
 const ReadTables* readTables(const NQOMLFile* file) {
   return file == nullptr ? nullptr : &file->state_->tables;
 }
@@ -127,6 +135,7 @@ void NQOMLFile::copyFields(const NQOMLFile& source) {
   maxNumberOfErrors(source.maxNumberOfErrors());
   maxNumberOfWarnings(source.maxNumberOfWarnings());
   maxNestingDepth(source.maxNestingDepth());
+  losslessWriting(source.losslessWriting());
 }
 
 nqLong NQOMLFile::sizeOf() const {
@@ -134,13 +143,39 @@ nqLong NQOMLFile::sizeOf() const {
          static_cast<nqLong>(errorStringBufferSize() + warningStringBufferSize());
 }
 
+NQFileCodeEnum NQOMLFile::writeString(const char* text) {
+  nqdetail::Writer* const writer = state_->writer.get();
+  if (writer == nullptr || writer->output().sending() || state_->binaryOutput) {
+    return NQTextFile::writeString(text);
+  }
+  if (text != nullptr) writer->output().append(text);
+  error(text == nullptr || writer->failed());
+  return error() ? NQ_FILE_WRITE_ERROR : NQ_FILE_OK;
+}
+
+NQFileCodeEnum NQOMLFile::writeBinary(const char* data, int count) {
+  nqdetail::Writer* const writer = state_->writer.get();
+  if (writer == nullptr || writer->output().sending() || !state_->binaryOutput) {
+    return NQTextFile::writeBinary(data, count);
+  }
+  const bool allowed = data != nullptr && count >= 0;
+  if (allowed) writer->output().append({data, static_cast<std::size_t>(count)});
+  error(!allowed || writer->failed());
+  return error() ? NQ_FILE_WRITE_ERROR : NQ_FILE_OK;
+}
+
+void NQOMLFile::flush() {
+  if (state_->writer != nullptr) state_->writer->output().flush();
+  NQTextFile::flush();
+}
+
 NQFileCodeEnum NQOMLFile::readOMLFile(const char* fileName, NQOMLStatic* grammar,
                                       NQObject* top, nqLong topTypeIndex, int binary,
                                       int useIndexHashTable, int) {
   if (grammar == nullptr || fileName == nullptr) return NQ_FILE_READ_ARGUMENT_ERROR;
-  if (state_->reading) return NQ_FILE_READ_ERROR;
+  if (state_->busy) return NQ_FILE_READ_ERROR;
   initParser(grammar, top, topTypeIndex, useIndexHashTable);
-  const nqdetail::ReadMark mark(*state_);
+  const nqdetail::BusyMark mark(*state_);
   error(0);
   parse(fileName, binary != 0);
   checkSemantics();
@@ -151,10 +186,52 @@ NQFileCodeEnum NQOMLFile::readOMLFile(const char* fileName, NQOMLStatic* grammar
   return diagnostics.errorCode == NQ_FILE_OK ? NQ_FILE_READ_ERROR : diagnostics.errorCode;
 }
 
+NQFileCodeEnum NQOMLFile::writeOMLFile(const char* fileName, NQOMLStatic* grammar,
+                                       NQObject* top, int binary, int useIndexHashTable,
+                                       int) {
+  if (grammar == nullptr || fileName == nullptr) return NQ_FILE_WRITE_ARGUMENT_ERROR;
+  nqdetail::FileState& state = *state_;
+  if (state.busy) return NQ_FILE_WRITE_ERROR;
+  initParser(grammar, top, state.top.givenType, useIndexHashTable);
+  const nqdetail::BusyMark mark(state);
+  const NQFileModeEnum newMode = binary != 0 ? NQ_WRITE_BINARY : NQ_WRITE;
+  if (open(fileName, newMode) != NQ_FILE_OK) return NQ_FILE_OPEN_ERROR;
+  state.top.object = top;
+  state.top.type = state.top.givenType;
+  state.binaryOutput = binary != 0;
+
+  // The application may throw in its hook, and in overrides of what it calls.
+  const auto attempt = [](const auto& step) {
+    try {
+      return step();
+    } catch (...) {
+      return NQ_FILE_WRITE_ERROR;
+    }
+  };
+  const NQFileCodeEnum written = attempt([&] {
+    state.writer = nqdetail::Writer::make(
+        state.binaryOutput,
+        {state, state.tables, top, state.numbers.get(), state.lossless});
+    vWriteObject(top);
+    error(0);
+    flush();
+    const bool failed =
+        state.writer->failed() || error() != 0 || state.diagnostics.ended();
+    return failed ? NQ_FILE_WRITE_ERROR : NQ_FILE_OK;
+  });
+  state.writer.reset();
+  const NQFileCodeEnum closed = attempt([this] { return close(); });
+  state.top = {};
+  const NQFileCodeEnum result = written != NQ_FILE_OK ? written : closed;
+  storedOnDisk(result == NQ_FILE_OK);
+  error(result != NQ_FILE_OK);
+  return result;
+}
+
 void NQOMLFile::initParser(NQOMLStatic* grammar, NQObject* top, nqLong topTypeIndex,
                            int useIndexHashTable) {
   nqdetail::FileState& state = *state_;
-  if (state.reading) return;
+  if (state.busy) return;
   pPathName("");
   state.diagnostics.reset();
   cleanup();
@@ -181,7 +258,7 @@ void NQOMLFile::initParser(NQOMLStatic* grammar, NQObject* top, nqLong topTypeIn
 }
 
 void NQOMLFile::cleanup() {
-  if (state_->reading) {
+  if (state_->busy) {
     state_->diagnostics.end();
   } else {
     state_->release();
@@ -274,6 +351,101 @@ int NQOMLFile::maxNestingDepth() const {
 
 int NQOMLFile::maxNestingDepth(int depth) {
   return state_->maxNestingDepth = depth;
+}
+
+int NQOMLFile::losslessWriting() const {
+  return state_->lossless ? 1 : 0;
+}
+
+int NQOMLFile::losslessWriting(int lossless) {
+  state_->lossless = lossless != 0;
+  return lossless;
+}
+
+void NQOMLFile::writeObjectStart(const char* type, const NQOMLObject* object,
+                                 int singleLine, int withID) {
+  writeObject(type, withID != 0 ? object : nullptr, singleLine);
+}
+
+void NQOMLFile::writeObjectStart(const char* type, const NQObject*, int singleLine) {
+  writeObject(type, nullptr, singleLine);
+}
+
+void NQOMLFile::writeObject(const char* type, const NQOMLObject* object, int singleLine) {
+  if (state_->writer != nullptr) state_->writer->object(type, object, singleLine != 0);
+}
+
+void NQOMLFile::writeObjectDefaultStart(const char* type) {
+  if (state_->writer != nullptr) state_->writer->defaultsStart(type);
+}
+
+void NQOMLFile::writeSectionStart(const char* section, int singleLine) {
+  if (state_->writer != nullptr) state_->writer->sectionStart(section, singleLine != 0);
+}
+
+void NQOMLFile::writeOpeningBracket() {
+  if (state_->writer != nullptr) state_->writer->openingBracket();
+}
+
+void NQOMLFile::writeClosingBracket() {
+  if (state_->writer != nullptr) state_->writer->closingBracket();
+}
+
+void NQOMLFile::writeBlancLine() {
+  if (state_->writer != nullptr) state_->writer->blankLine();
+}
+
+void NQOMLFile::writeAttribute(const char* name, const char* word) {
+  if (state_->writer != nullptr) state_->writer->word(name, word);
+}
+
+void NQOMLFile::writeAttribute(const char* name, int value) {
+  if (state_->writer != nullptr) state_->writer->integer(name, value);
+}
+
+void NQOMLFile::writeAttribute(const char* name, long value) {
+  writeAttribute(name, static_cast<int>(value));
+}
+
+void NQOMLFile::writeAttribute(const char* name, float value) {
+  writeAttribute(name, static_cast<double>(value));
+}
+
+void NQOMLFile::writeAttribute(const char* name, double value) {
+  if (state_->writer != nullptr) state_->writer->real(name, value);
+}
+
+void NQOMLFile::writeAttribute(const char* name, const NQOMLObject* object,
+                               const NQOMLObject* context, int withName) {
+  if (state_->writer == nullptr) return;
+  state_->writer->reference(name, object, context, withName != 0);
+}
+
+void NQOMLFile::writeAttribute(const char* name, const NQOMLBinValue* value) {
+  if (state_->writer == nullptr || value == nullptr) return;
+  state_->writer->binaryValue(name, *value);
+}
+
+void NQOMLFile::writeStringAttribute(const char* name, const char* text) {
+  if (state_->writer == nullptr || text == nullptr) return;
+  state_->writer->string(name, text);
+}
+
+void NQOMLFile::writeBoolAttribute(const char* name, int value) {
+  writeAttribute(name, value != 0 ? "true" : "false");
+}
+
+void NQOMLFile::writeIPBytesAttribute(const char* name, nqULong address) {
+  if (state_->writer != nullptr) state_->writer->ipAddress(name, address);
+}
+
+int NQOMLFile::writeHook(const char* type, const NQObject* object) {
+  if (state_->writer == nullptr) return 0;
+  const NQOMLStatic& grammar = *state_->grammar;
+  const NQOMLDefObjType* const definition =
+      grammar.pObjTypeDefinition(grammar.pObjTypePool()->lookup(type));
+  if (definition == nullptr || definition->writeFunction() == nullptr) return 0;
+  return definition->writeFunction()(this, object);
 }
 
 char* NQOMLFile::pErrorStringBuffer() const {
@@ -406,6 +578,8 @@ int NQOMLFile::vIncludeFile(const char*) {
 int NQOMLFile::vReadProgress(nqInt64) {
   return 1;
 }
+
+void NQOMLFile::vWriteObject(NQObject*) {}
 
 int NQOMLFile::isFatalError() const {
   return state_->diagnostics.ended() ? 1 : 0;

@@ -1,4 +1,4 @@
-// oml_file.h -- reading files in the object format OML.
+// oml_file.h -- reading and writing files in the object format OML.
 //
 // readOMLFile() reads a file against a grammar (grammar.h), with all files that
 // it includes, and turns it into the application's objects. The application takes
@@ -13,16 +13,24 @@
 // in proportion to the file; blocks nest to maxNestingDepth() levels, at most 64
 // files are open at once and 1000 are read in one read.
 //
-// A reader can read many files, one after the other. Hooks may not start another
-// read with the reader that calls them. Syntax nodes stay valid until the next
-// read; their texts, and the objects they refer to, only until the read returns.
+// writeOMLFile() opens a file and calls vWriteObject(), where the application writes
+// its objects by the write... operations, in the order in which the file is to have
+// them: an object's or section's start, an opening bracket, what it contains, a
+// closing bracket. The same calls give the text or the binary encoding. They report
+// nothing; whether everything was written is the result of writeOMLFile().
+//
+// An NQOMLFile can read and write many files, one after the other. Hooks may not
+// start another read or write with the file that calls them. Syntax nodes stay valid
+// until the next read; their texts, and the objects they refer to, only until the read
+// returns.
 //
 // How it works
 //   A read goes through a row of rooms, each with a header of its own: sources
 //   and lexer (lexer_internal.h), parser, semantic pass, creation, and diagnostics
 //   on which all of them report. A fatal error only marks the read as ended; every
 //   room then answers as if there were nothing more to do, and what they share
-//   goes when the read returns.
+//   goes when the read returns. A write has a room for each encoding
+//   (writer_internal.h) and gathers its output before it goes to the file.
 
 #ifndef NQ_OML_OML_FILE_H
 #define NQ_OML_OML_FILE_H
@@ -34,6 +42,8 @@
 #include "nq/oml/syntax_tree.h"
 
 class NQIndexHashTable;
+class NQOMLBinValue;
+class NQOMLObject;
 
 namespace nqdetail {
 struct FileState;
@@ -51,6 +61,13 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   ~NQOMLFile() override;
 
   nqLong sizeOf() const override;
+
+  // While a file is written in the text encoding, texts given to these two, and bytes
+  // in the binary encoding, follow what the writing operations have written so far.
+  // All output passes through them in large pieces.
+  NQFileCodeEnum writeString(const char* text) override;
+  NQFileCodeEnum writeBinary(const char* data, int count) override;
+  void flush() override;
 
   // The virtual operations stand in the order of their slots, which derived
   // classes in other modules rely on: new ones go to the end.
@@ -71,9 +88,26 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
                                      NQObject* top, nqLong topTypeIndex, int binary,
                                      int useIndexHashTable, int unused);
 
+  // Writes a file in the text encoding, or the binary one when `binary` is not 0: opens
+  // it, calls vWriteObject() and closes it.
+  //   grammar            borrowed for the write; its names are those of the file
+  //   top                handed to vWriteObject(); full addresses begin with it
+  //   useIndexHashTable  whether the ids of the objects written are kept, and known
+  //                      ones used again, see pIndexHashTable()
+  //   unused             accepted and ignored
+  // The result is NQ_FILE_OK, and storedOnDisk() 1, when the whole file was written;
+  // NQ_FILE_OPEN_ERROR when it cannot be created; NQ_FILE_WRITE_ERROR when a write
+  // failed, a real was not finite, a fatal error was reported or an exception left the
+  // hook, and for a call out of a hook of this file, which changes nothing;
+  // NQ_FILE_CLOSE_ERROR when only the close failed; NQ_FILE_WRITE_ARGUMENT_ERROR for a
+  // null name or grammar.
+  virtual NQFileCodeEnum writeOMLFile(const char* fileName, NQOMLStatic* grammar,
+                                      NQObject* top, int binary, int useIndexHashTable,
+                                      int unused);
+
   // The steps before and after a read, called by readOMLFile(). initParser()
   // forgets the last read and makes the tables of the next, cleanup() frees them.
-  // During a read cleanup() breaks it off, and initParser() does nothing.
+  // During a read or write cleanup() breaks it off, and initParser() does nothing.
   virtual void initParser(NQOMLStatic* grammar, NQObject* top, nqLong topTypeIndex,
                           int useIndexHashTable);
   virtual void cleanup();
@@ -97,6 +131,60 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   int maxNestingDepth() const;
   int maxNestingDepth(int depth);
 
+  // How files are written. 0, as at first, gives the established encodings exactly,
+  // which lose something here and there. Anything else gives what reads back equal:
+  //   - control characters in strings are written as escapes, and strings in the
+  //     binary encoding escaped once instead of twice
+  //   - a binary value in the binary encoding is preceded by its length instead of
+  //     the low half of its address in memory
+  //   - a real in the text encoding has as many digits as it takes instead of six
+  //     behind the point; one in the binary encoding keeps its eight digits
+  //   - ids are the numbers from 1 in the order in which objects are first mentioned
+  //     instead of the low 32 bits of graphFileID(), which may coincide
+  int losslessWriting() const;
+  int losslessWriting(int lossless);
+
+  // The writing operations, for use in vWriteObject(); at other times, and for a null
+  // name or text, they do nothing. The binary encoding has the indices of the grammar's
+  // names, -1 for unknown ones, and ignores blank lines and `singleLine`.
+
+  // The start of an object of a type: with the id of `object` if `withID` is not 0,
+  // else, and for any other NQObject, without one. From here to the next closing
+  // bracket everything stands on one line if `singleLine` is not 0.
+  void writeObjectStart(const char* type, const NQOMLObject* object, int singleLine,
+                        int withID);
+  void writeObjectStart(const char* type, const NQObject* object, int singleLine);
+  // The start of a block of defaults for objects of a type.
+  void writeObjectDefaultStart(const char* type);
+  void writeSectionStart(const char* section, int singleLine);
+  void writeOpeningBracket();
+  // Always ends its line.
+  void writeClosingBracket();
+  void writeBlancLine();
+
+  // A field's value: an enumerator or another word without quotes, an integer (of a
+  // long the low 32 bits), a real with six digits behind the point.
+  void writeAttribute(const char* name, const char* word);
+  void writeAttribute(const char* name, int value);
+  void writeAttribute(const char* name, long value);
+  void writeAttribute(const char* name, float value);
+  void writeAttribute(const char* name, double value);
+  // A reference, without its name if `withName` is 0: the id of `object` if it has the
+  // same owner as `context`, the object to which the field belongs, else its address
+  // from the top. Nothing for null and for an object without an id.
+  void writeAttribute(const char* name, const NQOMLObject* object,
+                      const NQOMLObject* context, int withName);
+  void writeAttribute(const char* name, const NQOMLBinValue* value);
+  void writeStringAttribute(const char* name, const char* text);
+  // "true" or "false".
+  void writeBoolAttribute(const char* name, int value);
+  // The first byte of the address in the highest place.
+  void writeIPBytesAttribute(const char* name, nqULong address);
+
+  // Calls the write callback that the grammar has for the type of that name, and
+  // returns its answer; 0 without a callback.
+  int writeHook(const char* type, const NQObject* object);
+
   // The buffers that gather the lines of errors and warnings, emptied when a read
   // begins; null at first. The second form replaces a buffer by one of `size`
   // bytes, none for 0, and leaves it as it is for a negative size. Both return the
@@ -111,9 +199,9 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   // The result of what was reported since the last read began.
   NQFileCodeEnum errorCode() const;
 
-  // The number at the end of the id of each object made, under the object's
-  // address; null when the last read was not to keep them. It lasts until a read
-  // that is not to use it, and a read that is adds to it.
+  // The number at the end of the id of each object made or written, under the
+  // object's address; null when the last read or write was not to keep them. It lasts
+  // until one that is not to use it, and one that is adds to it.
   NQIndexHashTable* pIndexHashTable() const;
   const NQOMLStatic* pOMLStatic() const;
 
@@ -184,6 +272,9 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   // files among them; 0 breaks the read off without a message.
   virtual int vReadProgress(nqInt64 bytesRead);
 
+  // Writes the top object of writeOMLFile(); nothing here.
+  virtual void vWriteObject(NQObject* top);
+
   int isFatalError() const;
   void setFatalError();
   void clearFatalError();
@@ -196,6 +287,7 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
                                              nqLong line, int position);
 
   void copyFields(const NQOMLFile& source);
+  void writeObject(const char* type, const NQOMLObject* object, int singleLine);
   // The grammar's definition of a node's type, or null.
   const NQOMLDefObjType* definitionOf(const NQOMLSyntaxObject* syntax) const;
   void parse(const char* fileName, bool binary);

@@ -1,0 +1,139 @@
+// writer_internal.h -- from the calls of an application to the bytes of a file.
+//
+// A Writer lives as long as one write and receives every writing operation of the
+// file. What both encodings share stands here: ids, addresses, the output buffer;
+// a room for each encoding lays out the bytes. Nothing is reported but by
+// failed(): from the first piece that the file does not take, nothing more is
+// sent, and a number that has no representation spoils the write as well.
+//
+// Names and texts are borrowed for the call. One that is null writes nothing.
+
+#ifndef NQ_OML_WRITER_INTERNAL_H
+#define NQ_OML_WRITER_INTERNAL_H
+
+#include <cstddef>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+
+#include "nq/oml/read_tables_internal.h"
+#include "nq/platform/types.h"
+
+class NQIndexHashTable;
+class NQOMLBinValue;
+class NQOMLObject;
+
+namespace nqdetail {
+
+// Takes full buffers.
+class OutputSink {
+ public:
+  // `data` is followed by a zero byte. False when it could not be written.
+  virtual bool send(const char* data, std::size_t count) = 0;
+
+ protected:
+  ~OutputSink() = default;
+};
+
+// Gathers the output of one write.
+class Output {
+ public:
+  explicit Output(OutputSink& sink) : sink_(sink), block_(new char[kBlock + 1]) {}
+
+  // A place for up to `count` bytes; what is put there counts once written() tells
+  // its end.
+  char* room(std::size_t count) {
+    if (count > capacity_ - used_) makeRoom(count);
+    return block_.get() + used_;
+  }
+  void written(const char* end) { used_ = static_cast<std::size_t>(end - block_.get()); }
+
+  void append(std::string_view bytes);
+  // Sends what is gathered.
+  void flush();
+
+  bool failed() const { return failed_; }
+  void fail() { failed_ = true; }
+  // Whether a call of the sink is under way.
+  bool sending() const { return sending_; }
+
+ private:
+  // Large enough for the file to pass it on without gathering it once more.
+  static constexpr std::size_t kBlock = std::size_t{1} << 17;
+
+  void makeRoom(std::size_t count);
+
+  OutputSink& sink_;
+  std::unique_ptr<char[]> block_;  // one byte longer than capacity_
+  std::size_t capacity_ = kBlock;
+  std::size_t used_ = 0;
+  bool failed_ = false;
+  bool sending_ = false;
+};
+
+struct WriteSettings {
+  OutputSink& sink;
+  const ReadTables& tables;
+  const NQObject* top = nullptr;        // the outermost object
+  NQIndexHashTable* numbers = nullptr;  // where written ids are kept; may be null
+  bool lossless = false;
+};
+
+class Writer {
+ public:
+  static std::unique_ptr<Writer> make(bool binary, const WriteSettings& settings);
+  virtual ~Writer();
+  Writer(const Writer&) = delete;
+  Writer& operator=(const Writer&) = delete;
+
+  Output& output() { return output_; }
+  bool failed() const { return output_.failed(); }
+
+  // The start of an object with the id of `object`, or without one for null.
+  void object(const char* type, const NQOMLObject* object, bool singleLine);
+  // A reference to `object` as it reads in `context`.
+  void reference(const char* name, const NQOMLObject* object, const NQOMLObject* context,
+                 bool withName);
+
+  // The start of an object whose id is that text, or that has none when it is empty.
+  virtual void objectStart(const char* type, std::string_view id, bool singleLine) = 0;
+  // The same of a block of defaults, in the mode that holds.
+  virtual void defaultsStart(const char* type) = 0;
+  virtual void sectionStart(const char* section, bool singleLine) = 0;
+  virtual void openingBracket() = 0;
+  virtual void closingBracket() = 0;
+  virtual void blankLine() = 0;
+
+  virtual void word(const char* name, const char* word) = 0;
+  virtual void integer(const char* name, nqLong value) = 0;
+  virtual void real(const char* name, double value) = 0;
+  virtual void string(const char* name, std::string_view text) = 0;
+  virtual void ipAddress(const char* name, nqULong address) = 0;
+  virtual void binaryValue(const char* name, const NQOMLBinValue& value) = 0;
+  // An id, or with `full` an address from the top without its sign; a null name is
+  // left out.
+  virtual void address(const char* name, std::string_view ids, bool full) = 0;
+
+ protected:
+  explicit Writer(const WriteSettings& settings);
+
+  const ReadTables& tables() const { return settings_.tables; }
+  bool lossless() const { return settings_.lossless; }
+  // 0 for a number that is not finite, which spoils the write.
+  double finite(double value);
+
+  Output output_;
+
+ private:
+  nqLong idOf(const NQOMLObject& object);
+  void appendID(const NQOMLObject& object);
+
+  WriteSettings settings_;
+  std::unordered_map<const NQOMLObject*, nqLong> lossless_;  // ids given so far
+  std::string address_;                                      // being put together
+};
+
+}  // namespace nqdetail
+
+#endif  // NQ_OML_WRITER_INTERNAL_H
