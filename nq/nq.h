@@ -52,5 +52,6 @@
 #include "nq/platform/export.h"
 #include "nq/platform/records.h"
 #include "nq/platform/types.h"
+#include "nq/resources/color.h"
 
 #endif  // NQ_NQ_H
