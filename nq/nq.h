@@ -53,5 +53,8 @@
 #include "nq/platform/records.h"
 #include "nq/platform/types.h"
 #include "nq/resources/color.h"
+#include "nq/resources/color_resource.h"
+#include "nq/resources/resource.h"
+#include "nq/resources/shape_resource.h"
 
 #endif  // NQ_NQ_H

@@ -1,0 +1,39 @@
+#include "nq/resources/color_resource.h"
+
+#include <new>
+
+NQ_COPY_PROTOCOL_IMPL(NQColorResource)
+NQ_COPY_ALIKE_IMPL(NQColorResource, NQResource)
+
+void NQColorResource::copyFields(const NQColorResource& source) {
+  color_ = source.color_;
+}
+
+void NQColorResource::init() {
+  color_ = NQColor();
+}
+
+NQColorResource::NQColorResource(NQColorResourceDB* database, const NQColor* color)
+    : NQResource(database) {
+  if (color != nullptr) color_ = *color;
+}
+
+NQColorResource::~NQColorResource() = default;
+
+nqLong NQColorResource::sortKey() const {
+  return color_.ired() * 65536 + color_.igreen() * 256 + color_.iblue();
+}
+
+int NQColorResource::isEqual(const NQResource* other) const {
+  return other == nullptr ? 0 : color_.compare(castDown(other)->pColor());
+}
+
+NQColorResourceDB::~NQColorResourceDB() = default;
+
+NQColorResourceDB* NQColorResourceDB::castDown(const NQObject* object) {
+  return NQCopyAccess::castDown<NQColorResourceDB>(object);
+}
+
+NQResource* NQColorResourceDB::vNewResource() {
+  return new (std::nothrow) NQColorResource(this);
+}
