@@ -175,6 +175,11 @@ class GraphReader : public NQOMLFile {
   }
 };
 
+template <std::size_t count>
+const char* nameOf(const std::array<std::string_view, count>& names, int number) {
+  return names.at(static_cast<std::size_t>(number)).data();
+}
+
 constexpr std::array<std::string_view, 4> kShapes = {"box", "rounded", "ellipse",
                                                      "diamond"};
 constexpr std::array<std::string_view, 3> kStrokes = {"solid", "dashed", "dotted"};
@@ -195,6 +200,25 @@ int routingNumber(std::string_view name) {
 }
 int headNumber(std::string_view name) {
   return numberOf(kHeads, name);
+}
+
+const char* shapeName(int number) {
+  return nameOf(kShapes, number);
+}
+const char* strokeName(int number) {
+  return nameOf(kStrokes, number);
+}
+const char* routingName(int number) {
+  return nameOf(kRoutings, number);
+}
+const char* headName(int number) {
+  return nameOf(kHeads, number);
+}
+
+NQOMLStatic& graphGrammar() {
+  static NQOMLStatic grammar(kTypes, kSections, kEnumerators, kDefinitions, 10000, 32, 16,
+                             16, 32, 10000);
+  return grammar;
 }
 
 double Graph::checksum() const {
@@ -218,11 +242,9 @@ double Graph::checksum() const {
 }
 
 std::unique_ptr<Graph> readGraphOML(const std::string& path, bool binary) {
-  static NQOMLStatic grammar(kTypes, kSections, kEnumerators, kDefinitions, 10000, 32, 16,
-                             16, 32, 10000);
   GraphReader reader;
-  if (reader.readOMLFile(path.c_str(), &grammar, nullptr, kGraph, binary ? 1 : 0, 0, 0) !=
-          NQ_FILE_OK ||
+  if (reader.readOMLFile(path.c_str(), &graphGrammar(), nullptr, kGraph, binary ? 1 : 0,
+                         0, 0) != NQ_FILE_OK ||
       reader.numberOfWarnings() > 0) {
     return nullptr;
   }

@@ -14,6 +14,8 @@
 #include <string_view>
 #include <vector>
 
+class NQOMLStatic;
+
 struct GraphNode : NQObject {
   std::string title;
   int group = 0;
@@ -50,6 +52,14 @@ int shapeNumber(std::string_view name);
 int strokeNumber(std::string_view name);
 int routingNumber(std::string_view name);
 int headNumber(std::string_view name);
+// And the way back, for numbers that these give.
+const char* shapeName(int number);
+const char* strokeName(int number);
+const char* routingName(int number);
+const char* headName(int number);
+
+// The grammar of the graphs, with the object types graph, node and edge.
+NQOMLStatic& graphGrammar();
 
 // Each returns null when the file cannot be read or is not valid.
 std::unique_ptr<Graph> readGraphOML(const std::string& path, bool binary);

@@ -1,18 +1,17 @@
 #include "nq/oml/binary_writer_internal.h"
 
 #include <cmath>
-#include <cstring>
 
 #include "nq/core/string_pool.h"
 #include "nq/oml/bin_value.h"
 #include "nq/oml/encoding_internal.h"
 #include "nq/oml/grammar.h"
+#include "nq/oml/number_text_internal.h"
 
 namespace nqdetail {
 
 namespace {
 
-constexpr std::size_t kRecord = 5;  // the longest
 constexpr std::size_t kPieceOfText = 4096;
 
 // A real's mantissa has eight digits, or is 1e8.
@@ -35,28 +34,7 @@ nqLong enumeratorIndex(const ReadTables& tables, const char* name) {
   return tables.pGrammar->pEnumPool()->lookup(name);
 }
 
-}  // namespace
-
-nqLong BinaryWriter::NameCache::index(const ReadTables& tables, const char* name) {
-  const auto place = reinterpret_cast<std::uintptr_t>(name);
-  Entry& entry = entries_[(place ^ place >> 6) % entries_.size()];
-  if (entry.place != name || std::strcmp(entry.name.c_str(), name) != 0) {
-    entry.place = name;
-    entry.name = name;
-    entry.index = lookup_(tables, name);
-  }
-  return entry.index;
-}
-
-BinaryWriter::BinaryWriter(const WriteSettings& settings)
-    : Writer(settings),
-      escapes_(settings.lossless ? kLosslessEscapes : kDoubledEscapes),
-      objectTypes_(objectTypeIndex),
-      sections_(sectionNameIndex),
-      fields_(fieldNameIndex),
-      enumerators_(enumeratorIndex) {}
-
-char* BinaryWriter::putRecord(char* at, char letter, nqLong value) {
+char* putRecord(char* at, char letter, nqLong value) {
   const auto bits = static_cast<std::uint32_t>(value);
   if (bits <= 0xFF) {
     at[0] = shortForm(letter);
@@ -68,9 +46,28 @@ char* BinaryWriter::putRecord(char* at, char letter, nqLong value) {
   return at;
 }
 
+}  // namespace
+
+// A name that is too long to be kept is looked up each time.
+void BinaryWriter::NameCache::fill(Entry& entry, const ReadTables& tables,
+                                   const char* name) {
+  const std::size_t length = std::strlen(name);
+  entry.place = length < sizeof entry.name ? name : nullptr;
+  if (entry.place != nullptr) std::memcpy(entry.name, name, length + 1);
+  entry.length = static_cast<std::uint64_t>(
+      putRecord(entry.record, letter_, lookup_(tables, name)) - entry.record);
+}
+
+BinaryWriter::BinaryWriter(const WriteSettings& settings)
+    : Writer(settings),
+      escapes_(settings.lossless ? kLosslessEscapes : kDoubledEscapes),
+      objectTypes_(kObjectTypeRecord, objectTypeIndex),
+      sections_(kSectionRecord, sectionNameIndex),
+      fields_(kFieldRecord, fieldNameIndex),
+      enumerators_(kEnumeratorRecord, enumeratorIndex) {}
+
 char* BinaryWriter::beginValue(const char* name, std::size_t count) {
-  return putRecord(output_.room(kRecord + count), kFieldRecord,
-                   fields_.index(tables(), name));
+  return fields_.put(output_.room(kRecordRoom + count), tables(), name);
 }
 
 void BinaryWriter::text(char* at, char marker, std::string_view text) {
@@ -89,8 +86,7 @@ void BinaryWriter::text(char* at, char marker, std::string_view text) {
 
 void BinaryWriter::objectStart(const char* type, std::string_view id, bool) {
   if (type == nullptr) return;
-  char* const at = putRecord(output_.room(kRecord + 1), kObjectTypeRecord,
-                             objectTypes_.index(tables(), type));
+  char* const at = objectTypes_.put(output_.room(kRecordRoom + 1), tables(), type);
   if (id.empty()) {
     output_.written(at);
   } else {
@@ -104,8 +100,7 @@ void BinaryWriter::defaultsStart(const char* type) {
 
 void BinaryWriter::sectionStart(const char* section, bool) {
   if (section == nullptr) return;
-  output_.written(putRecord(output_.room(kRecord), kSectionRecord,
-                            sections_.index(tables(), section)));
+  output_.written(sections_.put(output_.room(kRecordRoom), tables(), section));
 }
 
 void BinaryWriter::openingBracket() {
@@ -122,27 +117,36 @@ void BinaryWriter::closingBracket() {
 
 void BinaryWriter::word(const char* name, const char* word) {
   if (name == nullptr || word == nullptr) return;
-  char* const at = beginValue(name, kRecord);
-  output_.written(putRecord(at, kEnumeratorRecord, enumerators_.index(tables(), word)));
+  output_.written(enumerators_.put(beginValue(name, kRecordRoom), tables(), word));
 }
 
 void BinaryWriter::integer(const char* name, nqLong value) {
   if (name == nullptr) return;
-  output_.written(putRecord(beginValue(name, kRecord), kIntegerRecord, value));
+  output_.written(putRecord(beginValue(name, kRecordRoom), kIntegerRecord, value));
 }
 
 // The steps are multiplications and divisions by ten, one after the other, which
-// decides about the last digit.
+// decides about the last digit. The first ones are taken without a branch, which no
+// processor would foresee.
 void BinaryWriter::real(const char* name, double value) {
-  double mantissa = finite(value);
+  constexpr int kCommonSteps = 9;
+  constexpr double kFactors[] = {1, 10};
+  value = finite(value);
   if (name == nullptr) return;
+  double size = std::fabs(value);
   nqLong exponent = 0;
-  if (mantissa != 0) {
-    for (; std::fabs(mantissa) < kSmallestMantissa; --exponent) mantissa *= 10;
-    for (; std::fabs(mantissa) > kLargestMantissa; ++exponent) mantissa /= 10;
+  if (size != 0) {
+    for (int i = 0; i < kCommonSteps; ++i) {
+      const int small = size < kSmallestMantissa ? 1 : 0;
+      size *= kFactors[small];
+      exponent -= small;
+    }
+    for (; size < kSmallestMantissa; --exponent) size *= 10;
+    for (; size > kLargestMantissa; ++exponent) size /= 10;
   }
-  char* at = beginValue(name, 2 * kRecord);
-  at = putRecord(at, kRealRecord, static_cast<nqLong>(mantissa));
+  const auto mantissa = static_cast<nqLong>(std::signbit(value) ? -size : size);
+  char* at = beginValue(name, 2 * kRecordRoom);
+  at = putRecord(at, kRealRecord, mantissa);
   output_.written(putRecord(at, kRealRecord, exponent));
 }
 
@@ -152,7 +156,7 @@ void BinaryWriter::string(const char* name, std::string_view value) {
 
 void BinaryWriter::ipAddress(const char* name, nqULong address) {
   if (name == nullptr) return;
-  output_.written(putRecord(beginValue(name, kRecord), kIPAddressRecord,
+  output_.written(putRecord(beginValue(name, kRecordRoom), kIPAddressRecord,
                             static_cast<nqLong>(address)));
 }
 
@@ -160,7 +164,7 @@ void BinaryWriter::ipAddress(const char* name, nqULong address) {
 // the length should be.
 void BinaryWriter::binaryValue(const char* name, const NQOMLBinValue& value) {
   if (name == nullptr) return;
-  char* at = beginValue(name, 1 + kRecord);
+  char* at = beginValue(name, 1 + kRecordRoom);
   *at++ = kBinaryValue;
   const nqLong place =
       static_cast<nqLong>(reinterpret_cast<std::uintptr_t>(&value) & 0xFFFFFFFF);
@@ -168,9 +172,20 @@ void BinaryWriter::binaryValue(const char* name, const NQOMLBinValue& value) {
   output_.append({value.pByteSequence(), static_cast<std::size_t>(value.length())});
 }
 
-void BinaryWriter::address(const char* name, std::string_view ids, bool full) {
-  char* const at = name == nullptr ? output_.room(1) : beginValue(name, 1);
-  text(at, full ? kFullAddress : kObjectIDText, ids);
+char* BinaryWriter::beginReference(const char* name, std::size_t count) {
+  return name == nullptr ? output_.room(count) : beginValue(name, count);
+}
+
+void BinaryWriter::sibling(const char* name, nqLong id) {
+  char* at = beginReference(name, 2 + kIntegerText);
+  *at++ = kObjectIDText;
+  at = putInteger(at, id);
+  *at++ = kQuote;
+  output_.written(at);
+}
+
+void BinaryWriter::address(const char* name, std::string_view address) {
+  text(beginReference(name, 1), kFullAddress, address.substr(1));
 }
 
 }  // namespace nqdetail

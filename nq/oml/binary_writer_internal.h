@@ -6,14 +6,18 @@
 #ifndef NQ_OML_BINARY_WRITER_INTERNAL_H
 #define NQ_OML_BINARY_WRITER_INTERNAL_H
 
-#include <array>
+#include <cstddef>
 #include <cstdint>
-#include <string>
+#include <cstring>
+#include <vector>
 
 #include "nq/oml/escapes_internal.h"
 #include "nq/oml/writer_internal.h"
 
 namespace nqdetail {
+
+// Room for a record, so that it can be copied as one word.
+inline constexpr std::size_t kRecordRoom = 8;
 
 class BinaryWriter final : public Writer {
  public:
@@ -32,29 +36,56 @@ class BinaryWriter final : public Writer {
   void string(const char* name, std::string_view text) override;
   void ipAddress(const char* name, nqULong address) override;
   void binaryValue(const char* name, const NQOMLBinValue& value) override;
-  void address(const char* name, std::string_view ids, bool full) override;
+  void sibling(const char* name, nqLong id) override;
+  void address(const char* name, std::string_view address) override;
 
  private:
-  // The indices of one kind of name.
+  // The records of one kind of name.
   class NameCache {
    public:
     using Lookup = nqLong (*)(const ReadTables& tables, const char* name);
-    explicit NameCache(Lookup lookup) : lookup_(lookup) {}
-    nqLong index(const ReadTables& tables, const char* name);
+    NameCache(char letter, Lookup lookup)
+        : letter_(letter), lookup_(lookup), entries_(kEntries) {}
+
+    // Writes the record of a name; there is room for kRecordRoom bytes.
+    char* put(char* at, const ReadTables& tables, const char* name) {
+      const auto place = reinterpret_cast<std::uintptr_t>(name);
+      Entry& entry = entries_[(place ^ place >> 8) % kEntries];
+      if (entry.place != name || !entry.isFor(name)) fill(entry, tables, name);
+      std::memcpy(at, entry.record, sizeof entry.record);
+      return at + entry.length;
+    }
 
    private:
-    struct Entry {
+    static constexpr std::size_t kEntries = 256;
+
+    struct alignas(64) Entry {
+      // A call of the C library's function would cost more: names are short.
+      bool isFor(const char* asked) const {
+        const char* known = name;
+        for (; *known == *asked; ++known, ++asked) {
+          if (*known == '\0') return true;
+        }
+        return false;
+      }
+
       const char* place = nullptr;
-      std::string name;
-      nqLong index = -1;
+      std::uint64_t length = 0;
+      char record[kRecordRoom] = {};
+      char name[40] = "";
     };
+
+    void fill(Entry& entry, const ReadTables& tables, const char* name);
+
+    char letter_;
     Lookup lookup_;
-    std::array<Entry, 64> entries_;
+    std::vector<Entry> entries_;
   };
 
-  static char* putRecord(char* at, char letter, nqLong value);
   // A place with room for `count` bytes behind the record of the name.
   char* beginValue(const char* name, std::size_t count);
+  char* beginReference(const char* name, std::size_t count);
+  // The rest of a text whose marker shall stand at `at`.
   void text(char* at, char marker, std::string_view text);
 
   const EscapeTable& escapes_;

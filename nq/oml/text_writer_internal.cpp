@@ -177,10 +177,16 @@ char* TextWriter::putBytes(char* at, std::string_view bytes) {
   return at;
 }
 
-void TextWriter::address(const char* name, std::string_view ids, bool full) {
-  char* at = name == nullptr ? begin(1 + ids.size()) : beginValue(name, 1 + ids.size());
-  if (full) *at++ = kFullAddress;
-  end(put(at, ids));
+char* TextWriter::beginReference(const char* name, std::size_t count) {
+  return name == nullptr ? begin(count) : beginValue(name, count);
+}
+
+void TextWriter::sibling(const char* name, nqLong id) {
+  end(putInteger(beginReference(name, kIntegerText), id));
+}
+
+void TextWriter::address(const char* name, std::string_view address) {
+  end(put(beginReference(name, address.size()), address));
 }
 
 }  // namespace nqdetail

@@ -29,13 +29,15 @@ class TextWriter final : public Writer {
   void string(const char* name, std::string_view text) override;
   void ipAddress(const char* name, nqULong address) override;
   void binaryValue(const char* name, const NQOMLBinValue& value) override;
-  void address(const char* name, std::string_view ids, bool full) override;
+  void sibling(const char* name, nqLong id) override;
+  void address(const char* name, std::string_view address) override;
 
  private:
   // A place behind the indentation with room for `count` bytes and a line end.
   char* begin(std::size_t count);
   // The same behind the name and what stands between it and its value.
   char* beginValue(std::string_view name, std::size_t count);
+  char* beginReference(const char* name, std::size_t count);
   // Ends what was begun there: with a line end unless in single-line mode.
   void end(char* at);
   void endLine(char* at);

@@ -77,31 +77,31 @@ void Writer::reference(const char* name, const NQOMLObject* object,
   if (object == nullptr || object->graphFileID() == 0 || (withName && name == nullptr)) {
     return;
   }
-  address_.clear();
-  const bool sibling = context != nullptr && context->pOMLOwner() == object->pOMLOwner();
-  if (sibling) {
-    appendID(*object);
-  } else {
-    // The owners up to the top. Where they stand in a circle, one of them comes
-    // again that was noted at the last power of two.
-    std::vector<const NQOMLObject*> owners = {object};
-    const NQOMLObject* noted = object;
-    std::size_t next = 2;
-    while (owners.back() != settings_.top) {
-      const NQOMLObject* const owner = owners.back()->pOMLOwner();
-      if (owner == nullptr || owner == noted) break;
-      owners.push_back(owner);
-      if (owners.size() == next) {
-        noted = owner;
-        next *= 2;
-      }
-    }
-    for (auto owner = owners.rbegin(); owner != owners.rend(); ++owner) {
-      if (owner != owners.rbegin()) address_ += kScopeSeparator;
-      appendID(**owner);
+  if (!withName) name = nullptr;
+  if (context != nullptr && context->pOMLOwner() == object->pOMLOwner()) {
+    sibling(name, idOf(*object));
+    return;
+  }
+  // The owners up to the top. Where they stand in a circle, one of them comes again
+  // that was noted at the last power of two.
+  std::vector<const NQOMLObject*> owners = {object};
+  const NQOMLObject* noted = object;
+  std::size_t next = 2;
+  while (owners.back() != settings_.top) {
+    const NQOMLObject* const owner = owners.back()->pOMLOwner();
+    if (owner == nullptr || owner == noted) break;
+    owners.push_back(owner);
+    if (owners.size() == next) {
+      noted = owner;
+      next *= 2;
     }
   }
-  address(withName ? name : nullptr, address_, !sibling);
+  address_ = kFullAddress;
+  for (auto owner = owners.rbegin(); owner != owners.rend(); ++owner) {
+    if (owner != owners.rbegin()) address_ += kScopeSeparator;
+    appendID(**owner);
+  }
+  address(name, address_);
 }
 
 double Writer::finite(double value) {

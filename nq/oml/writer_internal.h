@@ -111,9 +111,10 @@ class Writer {
   virtual void string(const char* name, std::string_view text) = 0;
   virtual void ipAddress(const char* name, nqULong address) = 0;
   virtual void binaryValue(const char* name, const NQOMLBinValue& value) = 0;
-  // An id, or with `full` an address from the top without its sign; a null name is
-  // left out.
-  virtual void address(const char* name, std::string_view ids, bool full) = 0;
+  // A reference to a sibling by its number, or by an address from the top, which
+  // begins with "$"; a null name is left out.
+  virtual void sibling(const char* name, nqLong id) = 0;
+  virtual void address(const char* name, std::string_view address) = 0;
 
  protected:
   explicit Writer(const WriteSettings& settings);
