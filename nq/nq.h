@@ -45,6 +45,7 @@
 #include "nq/oml/definitions.h"
 #include "nq/oml/factory.h"
 #include "nq/oml/grammar.h"
+#include "nq/oml/oml_extension.h"
 #include "nq/oml/oml_file.h"
 #include "nq/oml/oml_object.h"
 #include "nq/oml/syntax_tree.h"

@@ -53,6 +53,7 @@ struct FileState final : MessageSink, SourceOwner, ReadHooks, OutputSink {
   Diagnostics diagnostics{*this};
   int maxNestingDepth = 256;
   std::unique_ptr<NQIndexHashTable> numbers;
+  NQOMLExtension* extension = nullptr;  // borrowed
 
   NQOMLStatic* grammar = nullptr;  // borrowed
   bool busy = false;               // a read or write is somewhere up the stack

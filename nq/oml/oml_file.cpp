@@ -486,6 +486,14 @@ const NQOMLStatic* NQOMLFile::pOMLStatic() const {
   return state_->grammar;
 }
 
+NQOMLExtension* NQOMLFile::pOMLExtension() const {
+  return state_->extension;
+}
+
+NQOMLExtension* NQOMLFile::pOMLExtension(NQOMLExtension* extension) {
+  return state_->extension = extension;
+}
+
 NQOMLSyntaxObject* NQOMLFile::pSyntaxObject(nqLong objectIDIndex) const {
   return state_->names ? state_->names->ids.pSyntaxObject(objectIDIndex) : nullptr;
 }

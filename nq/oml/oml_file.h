@@ -43,6 +43,7 @@
 
 class NQIndexHashTable;
 class NQOMLBinValue;
+class NQOMLExtension;
 class NQOMLObject;
 
 namespace nqdetail {
@@ -204,6 +205,10 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   // until one that is not to use it, and one that is adds to it.
   NQIndexHashTable* pIndexHashTable() const;
   const NQOMLStatic* pOMLStatic() const;
+  // The extension whose own file this is (oml_extension.h), null at first; borrowed,
+  // and not copied.
+  NQOMLExtension* pOMLExtension() const;
+  NQOMLExtension* pOMLExtension(NQOMLExtension* extension);
 
   // During a read: the node that defines an id, or null; and the index of a
   // section, counted as in syntax nodes, or -1.
