@@ -224,6 +224,7 @@ struct Knot : NQOMLObject {
 
 TEST(NQOMLObject, VisitsTangledPartsInProportion) {
   std::vector<Knot> knots;
+  knots.reserve(100);
   for (int n = 0; n < 100; ++n) knots.emplace_back(knots);
   for (int round = 0; round < 2; ++round) {
     knots[0].preFileWrite(nullptr);

@@ -463,7 +463,7 @@ TEST(NQColorResource, IsEqualInChannelsAndTransparency) {
   EXPECT_EQ(NQResourceDB::castDown(&database), &database);
 }
 
-NQShape polygon(std::vector<std::array<nqLong, 2>> corners) {
+NQShape polygon(const std::vector<std::array<nqLong, 2>>& corners) {
   auto* const points = new NQPointDList;
   for (const auto& [x, y] : corners) points->appendPoint(new NQPoint(x, y));
   return NQShape(points);
