@@ -48,6 +48,10 @@ struct FileState final : MessageSink, SourceOwner, ReadHooks, OutputSink {
   void postReadFields(NQOMLSyntaxObject* syntax, NQObject* object) override;
 
   bool send(const char* data, std::size_t count) override;
+  // The writer of the write under way; null also while its output goes to the file.
+  Writer* openWriter() const {
+    return writer != nullptr && !writer->output().sending() ? writer.get() : nullptr;
+  }
 
   NQOMLFile& file;
   Diagnostics diagnostics{*this};

@@ -144,28 +144,28 @@ nqLong NQOMLFile::sizeOf() const {
 }
 
 NQFileCodeEnum NQOMLFile::writeString(const char* text) {
-  nqdetail::Writer* const writer = state_->writer.get();
-  if (writer == nullptr || writer->output().sending() || state_->binaryOutput) {
+  nqdetail::Writer* const writer = state_->openWriter();
+  if (writer == nullptr || state_->binaryOutput) {
     return NQTextFile::writeString(text);
   }
   if (text != nullptr) writer->output().append(text);
-  error(text == nullptr || writer->failed());
+  error(text == nullptr || writer->output().failed());
   return error() ? NQ_FILE_WRITE_ERROR : NQ_FILE_OK;
 }
 
 NQFileCodeEnum NQOMLFile::writeBinary(const char* data, int count) {
-  nqdetail::Writer* const writer = state_->writer.get();
-  if (writer == nullptr || writer->output().sending() || !state_->binaryOutput) {
+  nqdetail::Writer* const writer = state_->openWriter();
+  if (writer == nullptr || !state_->binaryOutput) {
     return NQTextFile::writeBinary(data, count);
   }
   const bool allowed = data != nullptr && count >= 0;
   if (allowed) writer->output().append({data, static_cast<std::size_t>(count)});
-  error(!allowed || writer->failed());
+  error(!allowed || writer->output().failed());
   return error() ? NQ_FILE_WRITE_ERROR : NQ_FILE_OK;
 }
 
 void NQOMLFile::flush() {
-  if (state_->writer != nullptr) state_->writer->output().flush();
+  if (auto* const writer = state_->openWriter()) writer->output().flush();
   NQTextFile::flush();
 }
 
@@ -372,35 +372,37 @@ void NQOMLFile::writeObjectStart(const char* type, const NQObject*, int singleLi
 }
 
 void NQOMLFile::writeObject(const char* type, const NQOMLObject* object, int singleLine) {
-  if (state_->writer != nullptr) state_->writer->object(type, object, singleLine != 0);
+  if (auto* const writer = state_->openWriter())
+    writer->object(type, object, singleLine != 0);
 }
 
 void NQOMLFile::writeObjectDefaultStart(const char* type) {
-  if (state_->writer != nullptr) state_->writer->defaultsStart(type);
+  if (auto* const writer = state_->openWriter()) writer->defaultsStart(type);
 }
 
 void NQOMLFile::writeSectionStart(const char* section, int singleLine) {
-  if (state_->writer != nullptr) state_->writer->sectionStart(section, singleLine != 0);
+  if (auto* const writer = state_->openWriter())
+    writer->sectionStart(section, singleLine != 0);
 }
 
 void NQOMLFile::writeOpeningBracket() {
-  if (state_->writer != nullptr) state_->writer->openingBracket();
+  if (auto* const writer = state_->openWriter()) writer->openingBracket();
 }
 
 void NQOMLFile::writeClosingBracket() {
-  if (state_->writer != nullptr) state_->writer->closingBracket();
+  if (auto* const writer = state_->openWriter()) writer->closingBracket();
 }
 
 void NQOMLFile::writeBlancLine() {
-  if (state_->writer != nullptr) state_->writer->blankLine();
+  if (auto* const writer = state_->openWriter()) writer->blankLine();
 }
 
 void NQOMLFile::writeAttribute(const char* name, const char* word) {
-  if (state_->writer != nullptr) state_->writer->word(name, word);
+  if (auto* const writer = state_->openWriter()) writer->word(name, word);
 }
 
 void NQOMLFile::writeAttribute(const char* name, int value) {
-  if (state_->writer != nullptr) state_->writer->integer(name, value);
+  if (auto* const writer = state_->openWriter()) writer->integer(name, value);
 }
 
 void NQOMLFile::writeAttribute(const char* name, long value) {
@@ -412,23 +414,24 @@ void NQOMLFile::writeAttribute(const char* name, float value) {
 }
 
 void NQOMLFile::writeAttribute(const char* name, double value) {
-  if (state_->writer != nullptr) state_->writer->real(name, value);
+  if (auto* const writer = state_->openWriter()) writer->real(name, value);
 }
 
 void NQOMLFile::writeAttribute(const char* name, const NQOMLObject* object,
                                const NQOMLObject* context, int withName) {
-  if (state_->writer == nullptr) return;
-  state_->writer->reference(name, object, context, withName != 0);
+  if (auto* const writer = state_->openWriter()) {
+    writer->reference(name, object, context, withName != 0);
+  }
 }
 
 void NQOMLFile::writeAttribute(const char* name, const NQOMLBinValue* value) {
-  if (state_->writer == nullptr || value == nullptr) return;
-  state_->writer->binaryValue(name, *value);
+  auto* const writer = state_->openWriter();
+  if (writer != nullptr && value != nullptr) writer->binaryValue(name, *value);
 }
 
 void NQOMLFile::writeStringAttribute(const char* name, const char* text) {
-  if (state_->writer == nullptr || text == nullptr) return;
-  state_->writer->string(name, text);
+  auto* const writer = state_->openWriter();
+  if (writer != nullptr && text != nullptr) writer->string(name, text);
 }
 
 void NQOMLFile::writeBoolAttribute(const char* name, int value) {
@@ -436,11 +439,11 @@ void NQOMLFile::writeBoolAttribute(const char* name, int value) {
 }
 
 void NQOMLFile::writeIPBytesAttribute(const char* name, nqULong address) {
-  if (state_->writer != nullptr) state_->writer->ipAddress(name, address);
+  if (auto* const writer = state_->openWriter()) writer->ipAddress(name, address);
 }
 
 int NQOMLFile::writeHook(const char* type, const NQObject* object) {
-  if (state_->writer == nullptr) return 0;
+  if (state_->openWriter() == nullptr) return 0;
   const NQOMLStatic& grammar = *state_->grammar;
   const NQOMLDefObjType* const definition =
       grammar.pObjTypeDefinition(grammar.pObjTypePool()->lookup(type));

@@ -106,7 +106,7 @@ void Writer::reference(const char* name, const NQOMLObject* object,
 
 double Writer::finite(double value) {
   if (std::isfinite(value)) return value;
-  output_.fail();
+  spoiled_ = true;
   return 0;
 }
 

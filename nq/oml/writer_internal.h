@@ -53,8 +53,8 @@ class Output {
   // Sends what is gathered.
   void flush();
 
+  // Whether a piece was not taken.
   bool failed() const { return failed_; }
-  void fail() { failed_ = true; }
   // Whether a call of the sink is under way.
   bool sending() const { return sending_; }
 
@@ -88,7 +88,8 @@ class Writer {
   Writer& operator=(const Writer&) = delete;
 
   Output& output() { return output_; }
-  bool failed() const { return output_.failed(); }
+  // Whether the file is not what it should be.
+  bool failed() const { return spoiled_ || output_.failed(); }
 
   // The start of an object with the id of `object`, or without one for null.
   void object(const char* type, const NQOMLObject* object, bool singleLine);
@@ -131,6 +132,7 @@ class Writer {
   void appendID(const NQOMLObject& object);
 
   WriteSettings settings_;
+  bool spoiled_ = false;
   std::unordered_map<const NQOMLObject*, nqLong> lossless_;  // ids given so far
   std::string address_;                                      // being put together
 };
