@@ -202,12 +202,12 @@ void Pair::step() {
     EXPECT_EQ(database.makePermanent(&probe), isKnown ? 1 : 0);
     if (isKnown) known->permanent = true;
   } else if (operation < 88) {
+    if (isKnown) model.makeTransient(&probe);  // while its resource is still there
     EXPECT_EQ(database.makeTransient(&probe), isKnown ? 1 : 0);
-    if (isKnown) model.makeTransient(&probe);
   } else if (operation < 92) {
     if (own != nullptr) {
-      EXPECT_EQ(database.makeTransient(own), 1);
       model.makeTransient(own);
+      EXPECT_EQ(database.makeTransient(own), 1);
     }
   } else if (operation < 93) {
     database.makeAllPermanent();
@@ -215,7 +215,6 @@ void Pair::step() {
     for (const ExpectedResource& entry : all)
       model.find(entry.resource)->permanent = true;
   } else if (operation < 95) {
-    // Which ones go is told before they do.
     const auto all = model.entries();
     for (const ExpectedResource& entry : all) model.makeTransient(entry.resource);
     database.makeAllTransient();
