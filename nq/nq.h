@@ -3,12 +3,14 @@
 #ifndef NQ_NQ_H
 #define NQ_NQ_H
 
+#include "nq/containers/bin_tree.h"
 #include "nq/containers/dlist.h"
 #include "nq/containers/index_hash_table.h"
 #include "nq/containers/linked_list.h"
 #include "nq/containers/list_sort.h"
 #include "nq/containers/numbers.h"
 #include "nq/containers/slist.h"
+#include "nq/containers/sorted_bin_tree.h"
 #include "nq/core/algorithm.h"
 #include "nq/core/boxed_values.h"
 #include "nq/core/copy_protocol.h"

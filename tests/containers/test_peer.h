@@ -3,6 +3,7 @@
 #ifndef NQ_TESTS_CONTAINERS_TEST_PEER_H
 #define NQ_TESTS_CONTAINERS_TEST_PEER_H
 
+#include "nq/containers/bin_tree.h"
 #include "nq/containers/cell_pool_internal.h"
 #include "nq/containers/index_hash_table.h"
 #include "nq/containers/list_sort.h"
@@ -33,6 +34,27 @@ class NQTestPeer {
   static bool hasBuckets(const NQIndexHashTable& table) {
     return table.hashTable() != nullptr;
   }
+
+  static const NQBinTreeCell* root(const NQBinTree& tree) { return tree.pRoot_; }
+  static const NQBinTreeCell* sentinel(const NQBinTree& tree) { return &tree.sentinel_; }
+  static int isValidRedBlackTree(const NQBinTree& tree) {
+    return tree.isValidRedBlackTree();
+  }
+  template <class Cell>
+  static const Cell* left(const Cell* cell) {
+    return cell->pLeft_;
+  }
+  template <class Cell>
+  static const Cell* right(const Cell* cell) {
+    return cell->pRight_;
+  }
+  template <class Cell>
+  static const Cell* parent(const Cell* cell) {
+    return cell->pParent_;
+  }
+  static bool isRed(const NQBinTreeCell* cell) { return cell->isRed(); }
+  static bool isBlack(const NQBinTreeCell* cell) { return cell->isBlack(); }
+  static bool isVisited(const NQBinTreeCell* cell) { return cell->visited() != 0; }
 
   // How deep a quick sort is nested, and the flag that sorts leave behind.
   template <class Sorter>

@@ -1,0 +1,545 @@
+#include "nq/containers/bin_tree.h"
+
+#include <utility>
+
+#include "nq/containers/cell_pool_internal.h"
+
+// ---- NQBinTreeCell
+
+NQBinTreeCell::NQBinTreeCell(const NQBinTreeCell& source, NQDeepFlagEnum flag)
+    : NQDListCell(source, flag) {}
+
+NQBinTreeCell::NQBinTreeCell(const NQBinTreeCell& source)
+    : NQBinTreeCell(source, NQ_DEEP_COPY) {}
+
+// copyObject() looks out for the object itself.
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
+const NQBinTreeCell& NQBinTreeCell::operator=(const NQBinTreeCell& source) {
+  copyObject(&source);
+  return *this;
+}
+
+NQ_COPY_OPERATIONS_IMPL(NQBinTreeCell)
+
+static_assert(sizeof(NQBinTreeCell) == 64, "one line of the cache");
+
+// Links and colours belong to the place in a tree.
+void NQBinTreeCell::NQBinTreeCelldeepCopy(const NQBinTreeCell& source) {
+  NQCopyAccess::deep<NQDListCell>(*this, source);
+}
+
+void NQBinTreeCell::NQBinTreeCellattributeCopy(const NQBinTreeCell& source) {
+  NQCopyAccess::attributes<NQDListCell>(*this, source);
+}
+
+void NQBinTreeCell::init() {
+  pLeft_ = pRight_ = pParent_ = nullptr;
+  flags_ = 0;
+}
+
+void* NQBinTreeCell::operator new(std::size_t size) noexcept {
+  return nqdetail::allocateCell<NQBinTreeCell>(size);
+}
+
+void* NQBinTreeCell::operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return nqdetail::allocateCell<NQBinTreeCell>(size);
+}
+
+void NQBinTreeCell::operator delete(void* place, std::size_t size) noexcept {
+  nqdetail::releaseCell<NQBinTreeCell>(place, size);
+}
+
+// ---- NQBinTree
+
+NQ_COPY_PROTOCOL_IMPL(NQBinTree)
+
+// The list's deep copy would delete the objects.
+void NQBinTree::NQBinTreedeepCopy(const NQBinTree& source) {
+  NQCopyAccess::deep<NQObject>(*this, source);
+  deleteAllCells();
+  type_ = source.type_;
+  keptFlags_ = source.keptFlags_;
+  copyAllCellsAndObjects(&source);
+}
+
+void NQBinTree::NQBinTreeattributeCopy(const NQBinTree& source) {
+  NQCopyAccess::attributes<NQDList>(*this, source);
+}
+
+void NQBinTree::init() {
+  type_ = 1;
+  keptFlags_ = kAllFlags;
+}
+
+int NQBinTree::exclusiveColors(int value) {
+  if (length() == 0) {
+    keptFlags_ = value != 0 ? NQBinTreeCell::kVisited : kAllFlags;
+  }
+  return exclusiveColors();
+}
+
+nqLong NQBinTree::sizeOf() const {
+  return length() * 64 + 120;
+}
+
+// The two climbs take turns, so that neither goes far beyond the ancestor.
+int NQBinTree::compare(const NQBinTreeCell* a, const NQBinTreeCell* b) const {
+  if (a == b || a == nullptr || b == nullptr) return 0;
+  auto* climbA = const_cast<NQBinTreeCell*>(a);
+  auto* climbB = const_cast<NQBinTreeCell*>(b);
+  climbA->visited(1);
+  climbB->visited(1);
+  int order = 0;
+  while (order == 0 && (climbA->pParent_ != nullptr || climbB->pParent_ != nullptr)) {
+    if (NQBinTreeCell* const parent = climbA->pParent_) {
+      if (parent->visited() != 0) order = parent->pLeft_ == climbA ? -1 : 1;
+      parent->visited(1);
+      climbA = parent;
+    }
+    NQBinTreeCell* const parent = climbB->pParent_;
+    if (order == 0 && parent != nullptr) {
+      if (parent->visited() != 0) order = parent->pRight_ == climbB ? -1 : 1;
+      parent->visited(1);
+      climbB = parent;
+    }
+  }
+  for (auto* start : {const_cast<NQBinTreeCell*>(a), const_cast<NQBinTreeCell*>(b)}) {
+    while (start != nullptr && start->visited() != 0) {
+      start->visited(0);
+      start = start->pParent_;
+    }
+  }
+  return order;
+}
+
+// ---- Insertion
+
+NQBinTreeCell* NQBinTree::insertCell(NQBinTreeCell* after, NQBinTreeCell* cell) {
+  if (cell == nullptr) return nullptr;
+  if (length() == 0) {
+    attach(nullptr, pRoot_, nullptr, cell);
+  } else if (after == nullptr) {
+    NQBinTreeCell* const first = pFirstCell();
+    attach(first, first->pLeft_, after, cell);
+  } else if (isReal(after->pRight_)) {
+    NQBinTreeCell* const next = after->pNextCell();
+    attach(next, next->pLeft_, after, cell);
+  } else {
+    attach(after, after->pRight_, after, cell);
+  }
+  return cell;
+}
+
+// Puts the cell into `place`, a child of `parent` that is missing, and after
+// `after` in the list, where that place is.
+void NQBinTree::attach(NQBinTreeCell* parent, NQBinTreeCell*& place, NQBinTreeCell* after,
+                       NQBinTreeCell* cell) {
+  place = cell;
+  cell->pLeft_ = cell->pRight_ = &sentinel_;
+  cell->pParent_ = parent;
+  makeRed(cell);
+  if (parent == nullptr) makeBlack(cell);
+  NQDList::insertCell(after, cell);
+  if (type_ == 1) insertRedBlackFixup(cell);
+}
+
+NQBinTreeCell* NQBinTree::addObject(NQBinTreeCell* after, NQObject* object) {
+  return insertCell(after, new NQBinTreeCell(object));
+}
+
+NQBinTreeCell* NQBinTree::addAfter(NQBinTreeCell* after, NQObject* object) {
+  return insertAfter(after, new NQBinTreeCell(object));
+}
+
+NQBinTreeCell* NQBinTree::addBefore(NQBinTreeCell* before, NQObject* object) {
+  return insertBefore(before, new NQBinTreeCell(object));
+}
+
+NQBinTreeCell* NQBinTree::appendObject(NQObject* object) {
+  return addObject(pLastCell(), object);
+}
+
+NQBinTreeCell* NQBinTree::prependObject(NQObject* object) {
+  return addObject(nullptr, object);
+}
+
+NQBinTreeCell* NQBinTree::insertCellIfNotInList(NQBinTreeCell* after,
+                                                NQBinTreeCell* cell) {
+  if (cell == nullptr) return nullptr;
+  NQBinTreeCell* const present = searchObject(cell->pObject());
+  return present != nullptr ? present : insertCell(after, cell);
+}
+
+NQBinTreeCell* NQBinTree::addObjectIfNotInList(NQBinTreeCell* after, NQObject* object) {
+  NQBinTreeCell* const present = searchObject(object);
+  return present != nullptr ? present : addObject(after, object);
+}
+
+// ---- Removal
+
+NQBinTreeCell* NQBinTree::removeCell(NQBinTreeCell* cell) {
+  if (cell == nullptr) return nullptr;
+  NQBinTreeCell* child;
+  if (isReal(cell->pLeft_) && isReal(cell->pRight_)) {
+    // The cell changes places with its successor, which has no left child, and
+    // leaves the tree from there.
+    NQBinTreeCell* const next = cell->pNextCell();
+    child = next->pRight_;
+    if (next->pParent_ == cell) {
+      child->pParent_ = next;
+    } else {
+      child->pParent_ = next->pParent_;
+      next->pParent_->pLeft_ = child;
+      next->pRight_ = cell->pRight_;
+      next->pRight_->pParent_ = next;
+    }
+    next->pLeft_ = cell->pLeft_;
+    next->pLeft_->pParent_ = next;
+    next->pParent_ = cell->pParent_;
+    replaceChild(cell->pParent_, cell, next);
+    exchangeColours(cell, next);
+  } else {
+    child = isReal(cell->pLeft_) ? cell->pLeft_ : cell->pRight_;
+    child->pParent_ = cell->pParent_;
+    replaceChild(cell->pParent_, cell, child);
+  }
+  NQDList::removeCell(cell);
+  cell->pLeft_ = cell->pRight_ = cell->pParent_ = nullptr;
+  if (type_ == 1 && cell->isBlack()) removeRedBlackFixup(child);
+  return cell;
+}
+
+NQBinTreeCell* NQBinTree::searchAndRemoveCell(const NQBinTreeCell* cell) {
+  return removeCell(searchCell(cell));
+}
+
+NQBinTreeCell* NQBinTree::searchAndRemoveObject(const NQObject* object) {
+  return removeCell(searchObject(object));
+}
+
+void NQBinTree::discardCell(NQBinTreeCell* cell) {
+  delete removeCell(cell);
+}
+
+// ---- Moving and copying cells
+
+// Moves the cells from `from` to `to` out of the tree; false when `to` is not
+// reached.
+bool NQBinTree::takeOut(NQBinTreeCell* from, NQBinTreeCell* to, NQDList& cells) {
+  if (!reaches(from, to)) return false;
+  if (from == pFirstCell() && to == pLastCell()) {
+    cells.appendList(this);
+    return true;
+  }
+  for (NQBinTreeCell* moved = nullptr; moved != to;) {
+    moved = from;
+    from = from->pNextCell();
+    cells.appendCell(removeCell(moved));
+  }
+  return true;
+}
+
+bool NQBinTree::reaches(const NQDListCell* from, const NQDListCell* to) {
+  if (to == nullptr) return false;
+  while (from != nullptr && from != to) from = from->pNextCell();
+  return from != nullptr;
+}
+
+void NQBinTree::insertAll(NQBinTreeCell* after, NQDList& cells) {
+  while (NQDListCell* const first = cells.pFirstCell()) {
+    after = insertCell(after, cell(cells.removeCell(first)));
+  }
+}
+
+int NQBinTree::transferListPart(NQBinTreeCell* after, NQBinTree* source,
+                                NQBinTreeCell* from, NQBinTreeCell* to) {
+  NQDList cells;
+  if (refuses(source) || !source->takeOut(from, to, cells)) return 0;
+  insertAll(after, cells);
+  return 1;
+}
+
+int NQBinTree::transferList(NQBinTreeCell* after, NQBinTree* source) {
+  NQDList cells;
+  if (refuses(source)) return 0;
+  cells.appendList(source);
+  insertAll(after, cells);
+  return 1;
+}
+
+int NQBinTree::transferListPartIfNotInList(NQBinTreeCell* after, NQBinTree* source,
+                                           NQBinTreeCell* from, NQBinTreeCell* to) {
+  if (refuses(source) || !reaches(from, to)) return 0;
+  NQBinTreeCell* next = from;
+  while (next != nullptr && next != to->pNextCell()) {
+    NQBinTreeCell* const cell = next;
+    next = next->pNextCell();
+    if (searchObject(cell->pObject()) == nullptr) {
+      after = insertCell(after, source->removeCell(cell));
+    }
+  }
+  return 1;
+}
+
+int NQBinTree::transferListIfNotInList(NQBinTreeCell* after, NQBinTree* source) {
+  if (refuses(source)) return 0;
+  if (source->length() == 0) return 1;
+  return transferListPartIfNotInList(after, source, source->pFirstCell(),
+                                     source->pLastCell());
+}
+
+int NQBinTree::copyRun(NQBinTreeCell* after, const NQDList* source,
+                       const NQDListCell* from, const NQDListCell* to,
+                       bool onlyNewObjects) {
+  if (refuses(source) || !reaches(from, to)) return 0;
+  for (;; from = from->pNextCell()) {
+    if (!onlyNewObjects || searchObject(from->pObject()) == nullptr) {
+      NQBinTreeCell* const copy = addObject(after, from->pObject());
+      if (copy != nullptr) after = copy;
+    }
+    if (from == to) return 1;
+  }
+}
+
+int NQBinTree::copyTransferListPart(NQBinTreeCell* after, const NQDList* source,
+                                    const NQDListCell* from, const NQDListCell* to) {
+  return copyRun(after, source, from, to, false);
+}
+
+int NQBinTree::copyTransferList(NQBinTreeCell* after, const NQDList* source) {
+  if (refuses(source)) return 0;
+  if (source->length() == 0) return 1;
+  return copyRun(after, source, source->pFirstCell(), source->pLastCell(), false);
+}
+
+int NQBinTree::copyTransferListPartIfNotInList(NQBinTreeCell* after,
+                                               const NQDList* source,
+                                               const NQDListCell* from,
+                                               const NQDListCell* to) {
+  return copyRun(after, source, from, to, true);
+}
+
+int NQBinTree::copyTransferListIfNotInList(NQBinTreeCell* after, const NQDList* source) {
+  if (refuses(source)) return 0;
+  if (source->length() == 0) return 1;
+  return copyRun(after, source, source->pFirstCell(), source->pLastCell(), true);
+}
+
+int NQBinTree::copyAllCells(const NQDList* source) {
+  deleteAllCells();
+  return copyAppendList(source);
+}
+
+int NQBinTree::copyAllCellsAndObjects(const NQDList* source) {
+  deleteAllCells();
+  if (refuses(source)) return 0;
+  for (NQObject* const object : *source) {
+    appendObject(object == nullptr ? nullptr : object->cloneObject());
+  }
+  return 1;
+}
+
+// ---- Reordering
+
+int NQBinTree::reverse() {
+  NQDList cells;
+  cells.appendList(this);
+  while (NQDListCell* const first = cells.pFirstCell()) {
+    prependCell(cell(cells.removeCell(first)));
+  }
+  return 1;
+}
+
+void NQBinTree::swapPosition(NQBinTreeCell* a, NQBinTreeCell* b) {
+  if (a == b || a == nullptr || b == nullptr) return;
+  NQDList::swapPosition(a, b);
+  const bool wasLeft[] = {a->pParent_ != nullptr && a->pParent_->pLeft_ == a,
+                          b->pParent_ != nullptr && b->pParent_->pLeft_ == b};
+  std::swap(a->pParent_, b->pParent_);
+  std::swap(a->pLeft_, b->pLeft_);
+  std::swap(a->pRight_, b->pRight_);
+  NQBinTreeCell* const cells[] = {a, b};
+  for (int i = 0; i < 2; ++i) {
+    NQBinTreeCell* const other = cells[1 - i];
+    // A link of the cell to itself was one between the two.
+    for (auto link :
+         {&NQBinTreeCell::pParent_, &NQBinTreeCell::pLeft_, &NQBinTreeCell::pRight_}) {
+      if (cells[i]->*link == cells[i]) cells[i]->*link = other;
+    }
+  }
+  for (int i = 0; i < 2; ++i) {
+    NQBinTreeCell* const cell = cells[i];
+    if (isReal(cell->pLeft_)) cell->pLeft_->pParent_ = cell;
+    if (isReal(cell->pRight_)) cell->pRight_->pParent_ = cell;
+    if (cell->pParent_ == nullptr) {
+      pRoot_ = cell;
+    } else {
+      (wasLeft[1 - i] ? cell->pParent_->pLeft_ : cell->pParent_->pRight_) = cell;
+    }
+  }
+  exchangeColours(a, b);
+}
+
+int NQBinTree::merge(NQBinTree* a, NQBinTree* b) {
+  NQDList cells;
+  if (refuses(a) || refuses(b)) return 0;
+  cells.merge(a, b);
+  insertAll(pLastCell(), cells);
+  return 1;
+}
+
+// ---- Balancing
+
+void NQBinTree::exchangeColours(NQBinTreeCell* a, NQBinTreeCell* b) {
+  const bool redA = a->isRed();
+  const bool redB = b->isRed();
+  redB ? makeRed(a) : makeBlack(a);
+  redA ? makeRed(b) : makeBlack(b);
+}
+
+NQBinTreeCell* NQBinTree::pRoot(NQBinTreeCell* cell) {
+  return pRoot_ = isReal(cell) ? cell : nullptr;
+}
+
+// Makes `child` a child of `parent`, null for the root, in the place of `old`.
+void NQBinTree::replaceChild(NQBinTreeCell* parent, NQBinTreeCell* old,
+                             NQBinTreeCell* child) {
+  if (parent == nullptr) {
+    pRoot(child);
+  } else {
+    (parent->pLeft_ == old ? parent->pLeft_ : parent->pRight_) = child;
+  }
+}
+
+void NQBinTree::leftRotate(NQBinTreeCell* cell) {
+  NQBinTreeCell* const riser = cell->pRight_;
+  NQBinTreeCell* const inner = riser->pLeft_;
+  cell->pRight_ = inner;
+  if (isReal(inner)) inner->pParent_ = cell;
+  riser->pLeft_ = cell;
+  riser->pParent_ = cell->pParent_;
+  replaceChild(cell->pParent_, cell, riser);
+  cell->pParent_ = riser;
+}
+
+void NQBinTree::rightRotate(NQBinTreeCell* cell) {
+  NQBinTreeCell* const riser = cell->pLeft_;
+  NQBinTreeCell* const inner = riser->pRight_;
+  cell->pLeft_ = inner;
+  if (isReal(inner)) inner->pParent_ = cell;
+  riser->pRight_ = cell;
+  riser->pParent_ = cell->pParent_;
+  replaceChild(cell->pParent_, cell, riser);
+  cell->pParent_ = riser;
+}
+
+// `x` is red; its parent must not be.
+void NQBinTree::insertRedBlackFixup(NQBinTreeCell* x) {
+  makeBlack(pRoot_);
+  while (x != pRoot_) {
+    NQBinTreeCell* const parent = x->pParent_;
+    if (!parent->isRed() || parent == pRoot_) return;
+    NQBinTreeCell* const grand = parent->pParent_;
+    const bool left = parent == grand->pLeft_;
+    NQBinTreeCell* const uncle = left ? grand->pRight_ : grand->pLeft_;
+    if (uncle->isRed()) {
+      makeBlack(parent);
+      makeBlack(uncle);
+      makeRed(grand);
+      x = grand;
+      continue;
+    }
+    const bool inside = left ? x == parent->pRight_ : x == parent->pLeft_;
+    if (inside) left ? leftRotate(parent) : rightRotate(parent);
+    makeBlack(inside ? x : parent);
+    makeRed(grand);
+    left ? rightRotate(grand) : leftRotate(grand);
+    return;
+  }
+}
+
+// Paths through `x`, which may be the sentinel, lack a black cell. The colours may
+// be any: each turn ends the climb, or leaves fewer cells outside of x's subtree.
+void NQBinTree::removeRedBlackFixup(NQBinTreeCell* x) {
+  while (x->isBlack() && x->pParent_ != nullptr) {
+    NQBinTreeCell* const parent = x->pParent_;
+    const bool left = x == parent->pLeft_;
+    const auto towards = [&](NQBinTreeCell* top) {
+      left ? leftRotate(top) : rightRotate(top);
+    };
+    const auto away = [&](NQBinTreeCell* top) {
+      left ? rightRotate(top) : leftRotate(top);
+    };
+    const auto sibling = [&] { return left ? parent->pRight_ : parent->pLeft_; };
+
+    NQBinTreeCell* w = sibling();
+    if (w->isRed()) {
+      makeBlack(w);
+      makeRed(parent);
+      towards(parent);
+      w = sibling();
+    }
+    if (!isReal(w)) {
+      x = parent;
+      continue;
+    }
+    NQBinTreeCell* const near = left ? w->pLeft_ : w->pRight_;
+    NQBinTreeCell* far = left ? w->pRight_ : w->pLeft_;
+    if (near->isBlack() && far->isBlack()) {
+      makeRed(w);
+      x = parent;
+      continue;
+    }
+    if (far->isBlack()) {
+      // `near` is not black, and so not the sentinel.
+      makeBlack(near);
+      makeRed(w);
+      away(w);
+      far = w;
+      w = near;
+    }
+    parent->isRed() ? makeRed(w) : makeBlack(w);
+    makeBlack(parent);
+    makeBlack(far);
+    towards(parent);
+    x = pRoot_;
+  }
+  makeBlack(x);
+}
+
+int NQBinTree::isValidRedBlackTree() const {
+  nqLong blacksOnPaths = -1;
+  nqInt64 steps = nqInt64{200} * length();  // against circles
+  for (const NQBinTreeCell* cell = length() == 0 ? nullptr : pFirstCell();
+       cell != nullptr; cell = cell->pNextCell()) {
+    const NQBinTreeCell* const parent = cell->pParent_;
+    if (parent == nullptr ? cell != pRoot_
+                          : parent->pLeft_ != cell && parent->pRight_ != cell) {
+      return 0;
+    }
+    const NQBinTreeCell* next = isReal(cell->pRight_) ? cell->pRight_ : parent;
+    if (next == cell->pRight_) {
+      while (isReal(next->pLeft_) && steps-- > 0) next = next->pLeft_;
+    } else {
+      for (const NQBinTreeCell* from = cell; next != nullptr && next->pRight_ == from;) {
+        if (steps-- < 0) return 0;
+        from = next;
+        next = next->pParent_;
+      }
+    }
+    if (next != cell->pNextCell()) return 0;
+
+    if (type_ != 1 || exclusiveColors() == 0) continue;
+    if (cell->isRed() == cell->isBlack()) return 0;
+    if (parent != nullptr && cell->isRed() && parent->isRed()) return 0;
+    if (isReal(cell->pLeft_) && isReal(cell->pRight_)) continue;
+    nqLong blacks = 0;
+    for (const NQBinTreeCell* above = cell; above != nullptr; above = above->pParent_) {
+      if (steps-- < 0) return 0;
+      blacks += above->isBlack() ? 1 : 0;
+    }
+    if (blacksOnPaths != -1 && blacksOnPaths != blacks) return 0;
+    blacksOnPaths = blacks;
+  }
+  return sentinel_.isBlack() && !sentinel_.isRed() ? 1 : 0;
+}

@@ -1,0 +1,300 @@
+// bin_tree.h -- a list whose cells also form a binary tree in the same order.
+//
+// NQBinTree is a doubly linked list (dlist.h) for which order is cheap to ask:
+// compare() tells which of two cells comes first by climbing the tree, without
+// walking the list. NQSortedBinTree (sorted_bin_tree.h) adds search by key.
+//
+// The tree owns its cells, never the objects in them; only
+// deleteAllCellsAndObjects() deletes objects. A cell pointer stays valid until
+// that cell is deleted, and neighbours and iteration are those of the list.
+// Cells come from slabs of their own, as list cells do.
+//
+// Every operation here keeps list and tree in step. The operations of NQDList
+// with these names are hidden. Called for a tree through a reference or pointer
+// to NQDList, those that only read and those that empty the list (deleting its
+// cells, or moving all of them to another list) are safe; those that move single
+// cells or change their order are not.
+//
+// Type 1, the default, keeps the tree balanced by colours; of any other type it
+// only attaches cells by their position, so that appending makes a chain.
+//
+// Depth. The established colours of this library accumulate: a cell that becomes
+// red stays black if it was, and the other way round. That keeps every order
+// right, but not the depth. exclusiveColors(1) makes each colour clear the other:
+// the textbook red-black tree, at most 2 log2(n + 1) deep whatever happens. Set it
+// wherever nothing depends on the established shape.
+//
+// How it works
+//   A cell without a left or right child has the sentinel there, a cell that the
+//   tree owns, so that the fix-ups can ask for the colour of a missing child.
+//   Nothing of it changes but its parent, and that only while a removal climbs
+//   from it. The cell that precedes another in the list is its predecessor in
+//   the tree: it ends the left subtree, or is an ancestor. So a free place for a
+//   new cell beside `after` is always `after`'s right or its successor's left.
+//   Balancing is that of T. H. Cormen et al., "Introduction to Algorithms",
+//   chapter "Red-black trees", in terms of colour bits that may both be set.
+
+#ifndef NQ_CONTAINERS_BIN_TREE_H
+#define NQ_CONTAINERS_BIN_TREE_H
+
+#include <cstddef>
+#include <new>
+
+#include "nq/containers/dlist.h"
+
+class NQTestPeer;
+
+class NQ_EXPORT NQBinTreeCell : public NQDListCell {
+  NQ_COPY_PROTOCOL(NQBinTreeCell)
+
+ public:
+  // Colour 1 is red, 2 black; every other value leaves the cell uncoloured.
+  explicit NQBinTreeCell(NQObject* object = nullptr, int colour = 0)
+      : NQDListCell(object),
+        flags_(colour == 1   ? kRed
+               : colour == 2 ? kBlack
+                             : 0) {}
+
+  NQBinTreeCell* pPreviousCell() const {
+    return static_cast<NQBinTreeCell*>(NQDListCell::pPreviousCell());
+  }
+  NQBinTreeCell* pNextCell() const {
+    return static_cast<NQBinTreeCell*>(NQDListCell::pNextCell());
+  }
+
+  using NQDListCell::operator new;
+  static void* operator new(std::size_t size) noexcept;
+  static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
+  static void operator delete(void* place, std::size_t size) noexcept;
+
+ protected:
+  void init();
+
+  // A mark for walks, which NQBinTree::compare() sets and clears.
+  int visited() const { return (flags_ & kVisited) != 0 ? 1 : 0; }
+  int visited(int value) {
+    flags_ = static_cast<unsigned char>(value != 0 ? flags_ | kVisited
+                                                   : flags_ & ~unsigned{kVisited});
+    return value;
+  }
+
+ private:
+  friend class NQBinTree;
+  friend class NQSortedBinTree;
+  friend class NQTestPeer;
+
+  static constexpr unsigned char kVisited = 1;
+  static constexpr unsigned char kRed = 2;
+  static constexpr unsigned char kBlack = 4;
+
+  bool isRed() const { return (flags_ & kRed) != 0; }
+  bool isBlack() const { return (flags_ & kBlack) != 0; }
+  bool isUncolored() const { return (flags_ & (kRed | kBlack)) == 0; }
+  // What is in `kept` of the other flags stays.
+  void makeRed(unsigned char kept = 0xff) { flags_ = (flags_ & kept) | kRed; }
+  void makeBlack(unsigned char kept = 0xff) { flags_ = (flags_ & kept) | kBlack; }
+
+  // Null in a free cell; null in the root alone.
+  NQBinTreeCell* pLeft_ = nullptr;
+  NQBinTreeCell* pRight_ = nullptr;
+  NQBinTreeCell* pParent_ = nullptr;
+  unsigned char flags_ = 0;
+};
+
+class NQ_EXPORT NQBinTree : public NQDList {
+  NQ_COPY_PROTOCOL(NQBinTree)
+
+ public:
+  NQBinTree() : NQBinTree(1) {}
+  explicit NQBinTree(int type) : type_(type) {}
+
+  int binTreeType() const { return type_; }
+  // Whether each colour clears the other: 0 at first. Can be set in an empty tree
+  // only; answers what holds then.
+  int exclusiveColors() const { return keptFlags_ == kAllFlags ? 0 : 1; }
+  int exclusiveColors(int value);
+
+  NQBinTreeCell* pFirstCell() const { return cell(NQDList::pFirstCell()); }
+  NQBinTreeCell* pLastCell() const { return cell(NQDList::pLastCell()); }
+  NQBinTreeCell* pCellInPosition(nqLong position) const {
+    return cell(NQDList::pCellInPosition(position));
+  }
+  NQBinTreeCell* searchCell(const NQBinTreeCell* wanted) const {
+    return cell(NQDList::searchCell(wanted));
+  }
+  NQBinTreeCell* searchObject(const NQObject* object) const {
+    return cell(NQDList::searchObject(object));
+  }
+
+  // The order of two cells of this tree: -1 when `a` comes before `b`, 1 when
+  // after, 0 for the same cell (and where there is no order: null, or cells of
+  // different trees). Costs what climbing to their nearest common ancestor does;
+  // uses the cells' visited flags, so that not even two threads that only read
+  // may compare at the same time.
+  int compare(const NQBinTreeCell* a, const NQBinTreeCell* b) const;
+  using NQDList::compare;
+
+  // The tree's accounting figure, not its size in memory: 120 for the tree and
+  // 64 for each cell, with 32 bits.
+  nqLong sizeOf() const override;
+
+  // ---- Insertion. The tree keeps the cell; the answer is the cell that is now in
+  // the tree. A null cell is refused with null.
+
+  // Null stands for the front.
+  NQBinTreeCell* insertCell(NQBinTreeCell* after, NQBinTreeCell* cell);
+  // Null stands for the end.
+  NQBinTreeCell* insertAfter(NQBinTreeCell* after, NQBinTreeCell* cell) {
+    return insertCell(after == nullptr ? pLastCell() : after, cell);
+  }
+  // Null stands for the front.
+  NQBinTreeCell* insertBefore(NQBinTreeCell* before, NQBinTreeCell* cell) {
+    return insertCell(before == nullptr ? nullptr : before->pPreviousCell(), cell);
+  }
+  NQBinTreeCell* appendCell(NQBinTreeCell* cell) { return insertCell(pLastCell(), cell); }
+  NQBinTreeCell* prependCell(NQBinTreeCell* cell) { return insertCell(nullptr, cell); }
+
+  // In a new cell; null when memory is exhausted. `after` and `before` as above.
+  NQBinTreeCell* addObject(NQBinTreeCell* after, NQObject* object);
+  NQBinTreeCell* addAfter(NQBinTreeCell* after, NQObject* object);
+  NQBinTreeCell* addBefore(NQBinTreeCell* before, NQObject* object);
+  NQBinTreeCell* appendObject(NQObject* object);
+  NQBinTreeCell* prependObject(NQObject* object);
+
+  // When the object is in the tree already, the answer is the first cell that
+  // holds it, and nothing is inserted; the caller then keeps `cell`.
+  NQBinTreeCell* insertCellIfNotInList(NQBinTreeCell* after, NQBinTreeCell* cell);
+  NQBinTreeCell* appendCellIfNotInList(NQBinTreeCell* cell) {
+    return insertCellIfNotInList(pLastCell(), cell);
+  }
+  NQBinTreeCell* prependCellIfNotInList(NQBinTreeCell* cell) {
+    return insertCellIfNotInList(nullptr, cell);
+  }
+  NQBinTreeCell* addObjectIfNotInList(NQBinTreeCell* after, NQObject* object);
+  NQBinTreeCell* appendObjectIfNotInList(NQObject* object) {
+    return addObjectIfNotInList(pLastCell(), object);
+  }
+  NQBinTreeCell* prependObjectIfNotInList(NQObject* object) {
+    return addObjectIfNotInList(nullptr, object);
+  }
+
+  // ---- Removal
+
+  // Hands the cell over; null when there is none. It keeps its neighbours in the
+  // list, so that a walk can go on from it. The searches walk, O(n).
+  NQBinTreeCell* removeCell(NQBinTreeCell* cell);
+  NQBinTreeCell* searchAndRemoveCell(const NQBinTreeCell* cell);
+  NQBinTreeCell* searchAndRemoveObject(const NQObject* object);
+  // Removes the cell and deletes it.
+  void discardCell(NQBinTreeCell* cell);
+  // Another name for deleteAllCells().
+  void deleteAllFromBinTree() { deleteAllCells(); }
+
+  // ---- Moving cells from another tree, in order. 0 for a null tree, for this one,
+  // and when `to` is not reached from `from`, else 1.
+
+  int transferListPart(NQBinTreeCell* after, NQBinTree* source, NQBinTreeCell* from,
+                       NQBinTreeCell* to);
+  int transferList(NQBinTreeCell* after, NQBinTree* source);
+  int appendList(NQBinTree* source) { return transferList(pLastCell(), source); }
+  int prependList(NQBinTree* source) { return transferList(nullptr, source); }
+
+  // Only cells whose objects this tree does not hold yet; the others stay in
+  // `source`. Once `to` itself has moved, the walk runs on to the end of `source`,
+  // as it does for lists.
+  int transferListPartIfNotInList(NQBinTreeCell* after, NQBinTree* source,
+                                  NQBinTreeCell* from, NQBinTreeCell* to);
+  int transferListIfNotInList(NQBinTreeCell* after, NQBinTree* source);
+  int appendListIfNotInList(NQBinTree* source) {
+    return transferListIfNotInList(pLastCell(), source);
+  }
+  int prependListIfNotInList(NQBinTree* source) {
+    return transferListIfNotInList(nullptr, source);
+  }
+
+  // ---- Copying cells: new cells with the same objects. `source` is any list but
+  // this, and stays as it is. Answers as above.
+
+  int copyTransferListPart(NQBinTreeCell* after, const NQDList* source,
+                           const NQDListCell* from, const NQDListCell* to);
+  int copyTransferList(NQBinTreeCell* after, const NQDList* source);
+  int copyAppendList(const NQDList* source) {
+    return copyTransferList(pLastCell(), source);
+  }
+  int copyPrependList(const NQDList* source) { return copyTransferList(nullptr, source); }
+
+  int copyTransferListPartIfNotInList(NQBinTreeCell* after, const NQDList* source,
+                                      const NQDListCell* from, const NQDListCell* to);
+  int copyTransferListIfNotInList(NQBinTreeCell* after, const NQDList* source);
+  int copyAppendListIfNotInList(const NQDList* source) {
+    return copyTransferListIfNotInList(pLastCell(), source);
+  }
+  int copyPrependListIfNotInList(const NQDList* source) {
+    return copyTransferListIfNotInList(nullptr, source);
+  }
+
+  // Empty this tree, whatever the source; its objects are left alone by both. The
+  // second form fills it with clones (null for null). 0 for a null source and for
+  // the tree itself, which is empty then. A deep copy of a tree is made by the
+  // second form, and takes over type and exclusiveColors(); an attribute copy is
+  // empty.
+  int copyAllCells(const NQDList* source);
+  int copyAllCellsAndObjects(const NQDList* source);
+
+  // ---- Reordering
+
+  int reverse();
+  // The cells change places, in the list and in the tree; null changes nothing.
+  void swapPosition(NQBinTreeCell* a, NQBinTreeCell* b);
+  // Moves the cells of `a` and `b` to the end of this tree in turn, beginning with
+  // `a`; what is left of the longer one comes last. Nothing is compared.
+  int merge(NQBinTree* a, NQBinTree* b);
+
+ protected:
+  void init();
+
+ private:
+  friend class NQSortedBinTree;
+  friend class NQTestPeer;
+
+  static constexpr unsigned char kAllFlags = 0xff;
+
+  static NQBinTreeCell* cell(NQDListCell* listCell) {
+    return static_cast<NQBinTreeCell*>(listCell);
+  }
+  bool isReal(const NQBinTreeCell* child) const { return child != &sentinel_; }
+  bool refuses(const NQDList* source) const {
+    return source == nullptr || source == this;
+  }
+
+  // Sets the root; null stands for the sentinel then.
+  NQBinTreeCell* pRoot(NQBinTreeCell* cell);
+  void replaceChild(NQBinTreeCell* parent, NQBinTreeCell* old, NQBinTreeCell* child);
+  void leftRotate(NQBinTreeCell* cell);
+  void rightRotate(NQBinTreeCell* cell);
+
+  void makeRed(NQBinTreeCell* cell) { cell->makeRed(keptFlags_); }
+  void makeBlack(NQBinTreeCell* cell) { cell->makeBlack(keptFlags_); }
+  void exchangeColours(NQBinTreeCell* a, NQBinTreeCell* b);
+  void insertRedBlackFixup(NQBinTreeCell* x);
+  void removeRedBlackFixup(NQBinTreeCell* x);
+  // Whether links and order agree and, with exclusive colours, no red cell has a
+  // red child and every path to a missing child passes as many black cells.
+  int isValidRedBlackTree() const;
+
+  void attach(NQBinTreeCell* parent, NQBinTreeCell*& place, NQBinTreeCell* after,
+              NQBinTreeCell* cell);
+  static bool reaches(const NQDListCell* from, const NQDListCell* to);
+  bool takeOut(NQBinTreeCell* from, NQBinTreeCell* to, NQDList& cells);
+  void insertAll(NQBinTreeCell* after, NQDList& cells);
+  int copyRun(NQBinTreeCell* after, const NQDList* source, const NQDListCell* from,
+              const NQDListCell* to, bool onlyNewObjects);
+
+  // Means nothing while the list is empty, whoever emptied it.
+  NQBinTreeCell* pRoot_ = nullptr;
+  NQBinTreeCell sentinel_{nullptr, 2};
+  int type_;
+  unsigned char keptFlags_ = kAllFlags;  // when a cell gets a colour
+};
+
+#endif  // NQ_CONTAINERS_BIN_TREE_H

@@ -1,0 +1,170 @@
+#include "nq/containers/sorted_bin_tree.h"
+
+#if defined(__GNUC__)
+#define NQ_PREFETCH(address) __builtin_prefetch(address)
+#else
+#define NQ_PREFETCH(address) static_cast<void>(address)
+#endif
+
+// ---- Copy protocol; by hand, since there is nothing to make a clone of
+
+NQSortedBinTree::NQSortedBinTree(const NQSortedBinTree& source, NQDeepFlagEnum flag) {
+  NQCopyAccess::construct<NQSortedBinTree>(*this, source, flag);
+}
+
+NQSortedBinTree::NQSortedBinTree(const NQSortedBinTree& source)
+    : NQSortedBinTree(source, NQ_DEEP_COPY) {}
+
+const NQSortedBinTree& NQSortedBinTree::operator=(const NQSortedBinTree& source) {
+  NQCopyAccess::copyObject<NQSortedBinTree>(*this, &source);
+  return *this;
+}
+
+void NQSortedBinTree::copyObject(const NQObject* source) {
+  NQCopyAccess::copyObject<NQSortedBinTree>(*this, source);
+}
+
+void NQSortedBinTree::copyAttributes(const NQObject* source) {
+  NQCopyAccess::copyAttributes<NQSortedBinTree>(*this, source);
+}
+
+NQSortedBinTree* NQSortedBinTree::castDown(const NQObject* object) {
+  return NQCopyAccess::castDown<NQSortedBinTree>(object);
+}
+
+NQObject* NQSortedBinTree::vCloneObject() const {
+  return nullptr;
+}
+
+NQObject* NQSortedBinTree::vCloneAttributes() const {
+  return nullptr;
+}
+
+void NQSortedBinTree::NQSortedBinTreedeepCopy(const NQSortedBinTree& source) {
+  NQCopyAccess::deep<NQBinTree>(*this, source);
+}
+
+void NQSortedBinTree::NQSortedBinTreeattributeCopy(const NQSortedBinTree& source) {
+  NQCopyAccess::attributes<NQBinTree>(*this, source);
+}
+
+// ---- Search
+
+int NQSortedBinTree::virtualCellCompare(const NQDListCell* a,
+                                        const NQDListCell* b) const {
+  return virtualObjectCompare(a->pObject(), b->pObject());
+}
+
+// The cell that `matches`, found by compare(cell): negative when the cell sorts
+// before what is sought, 0 when it is equal, positive when after.
+template <class Compare, class Matches>
+NQBinTreeCell* NQSortedBinTree::find(Compare compare, Matches matches) const {
+  NQBinTreeCell* equal = length() == 0 ? nullptr : pRoot_;
+  for (;;) {
+    if (equal == nullptr || !isReal(equal)) return nullptr;
+    if (matches(equal)) return equal;
+    // Both children are on their way while the comparison looks at the objects.
+    NQ_PREFETCH(equal->pLeft_);
+    NQ_PREFETCH(equal->pRight_);
+    const int order = compare(equal);
+    if (order == 0) break;
+    equal = order < 0 ? equal->pRight_ : equal->pLeft_;
+  }
+  NQBinTreeCell* cell = equal->pNextCell();
+  while (cell != nullptr && compare(cell) == 0) {
+    if (matches(cell)) return cell;
+    cell = cell->pNextCell();
+  }
+  cell = equal->pPreviousCell();
+  while (cell != nullptr && compare(cell) == 0) {
+    if (matches(cell)) return cell;
+    cell = cell->pPreviousCell();
+  }
+  return nullptr;
+}
+
+NQBinTreeCell* NQSortedBinTree::searchCell(const NQBinTreeCell* cell) const {
+  if (cell == nullptr) return nullptr;
+  return find([&](const NQBinTreeCell* other) { return virtualCellCompare(other, cell); },
+              [&](const NQBinTreeCell* other) { return other == cell; });
+}
+
+NQBinTreeCell* NQSortedBinTree::searchObject(const NQObject* object) const {
+  if (object == nullptr) return NQBinTree::searchObject(nullptr);
+  return find(
+      [&](const NQBinTreeCell* cell) {
+        return virtualObjectCompare(cell->pObject(), object);
+      },
+      [&](const NQBinTreeCell* cell) { return cell->pObject() == object; });
+}
+
+// ---- Insertion
+
+NQBinTreeCell* NQSortedBinTree::insertCell(NQBinTreeCell* cell) {
+  if (cell == nullptr || length() == 0) return NQBinTree::insertCell(nullptr, cell);
+  NQBinTreeCell* last = pRoot_;
+  for (;;) {
+    NQ_PREFETCH(last->pLeft_);
+    NQ_PREFETCH(last->pRight_);
+    const bool right = virtualCellCompare(last, cell) < 0;
+    NQBinTreeCell*& next = right ? last->pRight_ : last->pLeft_;
+    if (!isReal(next)) {
+      attach(last, next, right ? last : last->pPreviousCell(), cell);
+      return cell;
+    }
+    last = next;
+  }
+}
+
+NQBinTreeCell* NQSortedBinTree::addObject(NQObject* object) {
+  return insertCell(new NQBinTreeCell(object));
+}
+
+// ---- Removal
+
+NQBinTreeCell* NQSortedBinTree::searchAndRemoveCell(const NQBinTreeCell* cell) {
+  return removeCell(searchCell(cell));
+}
+
+NQBinTreeCell* NQSortedBinTree::searchAndRemoveObject(const NQObject* object) {
+  return removeCell(searchObject(object));
+}
+
+// ---- Moving and copying cells
+
+void NQSortedBinTree::insertAll(NQDList& cells) {
+  while (NQDListCell* const first = cells.pFirstCell()) {
+    insertCell(cell(cells.removeCell(first)));
+  }
+}
+
+int NQSortedBinTree::transferListPart(NQBinTree* source, NQBinTreeCell* from,
+                                      NQBinTreeCell* to) {
+  NQDList cells;
+  if (refuses(source) || !source->takeOut(from, to, cells)) return 0;
+  insertAll(cells);
+  return 1;
+}
+
+int NQSortedBinTree::transferList(NQBinTree* source) {
+  NQDList cells;
+  if (refuses(source)) return 0;
+  cells.appendList(source);
+  insertAll(cells);
+  return 1;
+}
+
+int NQSortedBinTree::copyTransferListPart(const NQDList* source, const NQDListCell* from,
+                                          const NQDListCell* to) {
+  if (refuses(source) || !reaches(from, to)) return 0;
+  for (;; from = from->pNextCell()) {
+    addObject(from->pObject());
+    if (from == to) return 1;
+  }
+}
+
+int NQSortedBinTree::copyTransferList(const NQDList* source) {
+  if (refuses(source)) return 0;
+  for (NQObject* const object : *source) addObject(object);
+  return 1;
+}

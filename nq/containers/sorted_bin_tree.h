@@ -1,0 +1,106 @@
+// sorted_bin_tree.h -- a tree kept in the order of a comparison of its objects.
+//
+// An ordered set with duplicates: a derived class supplies the comparison,
+// cells find their places by it, and objects are found by it. Among objects that
+// compare equal the newest comes first (the sorted lists keep them the other way
+// round). The order of two objects must not change while both are in the tree.
+//
+// Insertion and search cost one comparison for each level of the tree; searches
+// also walk over the objects that compare equal to the one sought. See bin_tree.h
+// for the depth, and for what exclusiveColors(1) does to it. A comparison that
+// contradicts itself makes searches miss and orders wrong, nothing worse.
+//
+// What would give cells a position of the caller's choice is not offered here.
+// The class is abstract; clones and copies work where the derived class states
+// the copy protocol, and compare nothing, as the copies keep the order.
+
+#ifndef NQ_CONTAINERS_SORTED_BIN_TREE_H
+#define NQ_CONTAINERS_SORTED_BIN_TREE_H
+
+#include "nq/containers/bin_tree.h"
+
+class NQ_EXPORT NQSortedBinTree : public NQBinTree {
+  NQ_COPY_ROUTINES(NQSortedBinTree)
+
+ public:
+  NQSortedBinTree() = default;
+  NQSortedBinTree(const NQSortedBinTree& source, NQDeepFlagEnum flag);
+  NQSortedBinTree(const NQSortedBinTree& source);
+  const NQSortedBinTree& operator=(const NQSortedBinTree& source);
+  void copyObject(const NQObject* source) override;
+  void copyAttributes(const NQObject* source) override;
+  static NQSortedBinTree* castDown(const NQObject* object);
+
+  // Find by the comparison, then by identity: an equal cell or object is not the
+  // one sought. Null when absent. A null object is looked for along the list, so
+  // that the comparison sees null only when null objects are in the tree.
+  NQBinTreeCell* searchCell(const NQBinTreeCell* cell) const;
+  NQBinTreeCell* searchObject(const NQObject* object) const;
+
+  // Places the cell, before those that compare equal, and keeps it; a null cell
+  // is refused with null.
+  NQBinTreeCell* insertCell(NQBinTreeCell* cell);
+  // In a new cell; null when memory is exhausted.
+  NQBinTreeCell* addObject(NQObject* object);
+
+  // The cell is handed over; null when there is none.
+  NQBinTreeCell* searchAndRemoveCell(const NQBinTreeCell* cell);
+  NQBinTreeCell* searchAndRemoveObject(const NQObject* object);
+
+  // Move or copy cells as the operations of NQBinTree do, each to its place.
+  int transferListPart(NQBinTree* source, NQBinTreeCell* from, NQBinTreeCell* to);
+  int transferList(NQBinTree* source);
+  int copyTransferListPart(const NQDList* source, const NQDListCell* from,
+                           const NQDListCell* to);
+  int copyTransferList(const NQDList* source);
+
+ protected:
+  void init() {}
+
+  // Called for each level by insertCell() and searchCell(): the comparison of the
+  // two cells' objects, if not overridden.
+  virtual int virtualCellCompare(const NQDListCell* a, const NQDListCell* b) const;
+  // Negative when `a` sorts before `b`, 0 when they are equal, positive when after.
+  virtual int virtualObjectCompare(const NQObject* a, const NQObject* b) const = 0;
+
+  // Null: a derived class says how it is cloned.
+  NQObject* vCloneObject() const override;
+  NQObject* vCloneAttributes() const override;
+
+ private:
+  using NQBinTree::addAfter;
+  using NQBinTree::addBefore;
+  using NQBinTree::addObjectIfNotInList;
+  using NQBinTree::appendCell;
+  using NQBinTree::appendCellIfNotInList;
+  using NQBinTree::appendList;
+  using NQBinTree::appendListIfNotInList;
+  using NQBinTree::appendObject;
+  using NQBinTree::appendObjectIfNotInList;
+  using NQBinTree::copyAppendList;
+  using NQBinTree::copyAppendListIfNotInList;
+  using NQBinTree::copyPrependList;
+  using NQBinTree::copyPrependListIfNotInList;
+  using NQBinTree::copyTransferListIfNotInList;
+  using NQBinTree::copyTransferListPartIfNotInList;
+  using NQBinTree::insertAfter;
+  using NQBinTree::insertBefore;
+  using NQBinTree::insertCellIfNotInList;
+  using NQBinTree::merge;
+  using NQBinTree::prependCell;
+  using NQBinTree::prependCellIfNotInList;
+  using NQBinTree::prependList;
+  using NQBinTree::prependListIfNotInList;
+  using NQBinTree::prependObject;
+  using NQBinTree::prependObjectIfNotInList;
+  using NQBinTree::reverse;
+  using NQBinTree::swapPosition;
+  using NQBinTree::transferListIfNotInList;
+  using NQBinTree::transferListPartIfNotInList;
+
+  template <class Compare, class Matches>
+  NQBinTreeCell* find(Compare compare, Matches matches) const;
+  void insertAll(NQDList& cells);
+};
+
+#endif  // NQ_CONTAINERS_SORTED_BIN_TREE_H
