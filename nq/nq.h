@@ -3,6 +3,7 @@
 #ifndef NQ_NQ_H
 #define NQ_NQ_H
 
+#include "nq/containers/bin_heap.h"
 #include "nq/containers/bin_tree.h"
 #include "nq/containers/dlist.h"
 #include "nq/containers/index_hash_table.h"

@@ -32,11 +32,6 @@ void NQBinTreeCell::NQBinTreeCellattributeCopy(const NQBinTreeCell& source) {
   NQCopyAccess::attributes<NQDListCell>(*this, source);
 }
 
-void NQBinTreeCell::init() {
-  pLeft_ = pRight_ = pParent_ = nullptr;
-  flags_ = 0;
-}
-
 void* NQBinTreeCell::operator new(std::size_t size) noexcept {
   return nqdetail::allocateCell<NQBinTreeCell>(size);
 }

@@ -68,8 +68,6 @@ class NQ_EXPORT NQBinTreeCell : public NQDListCell {
   static void operator delete(void* place, std::size_t size) noexcept;
 
  protected:
-  void init();
-
   // A mark for walks, which NQBinTree::compare() sets and clears.
   int visited() const { return (flags_ & kVisited) != 0 ? 1 : 0; }
   int visited(int value) {

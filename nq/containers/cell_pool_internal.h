@@ -248,6 +248,13 @@ inline constexpr bool kPoolCells = true;
 void* allocateUnpooled(std::size_t size) noexcept;
 void releaseUnpooled(void* memory) noexcept;
 
+// Fetches the cell into the cache; null is harmless.
+inline void prefetchCell([[maybe_unused]] const void* cell) {
+#if defined(__GNUC__)
+  __builtin_prefetch(cell);
+#endif
+}
+
 template <class Cell>
 void* allocateCell(std::size_t size) noexcept {
   if (kPoolCells && size == sizeof(Cell)) return CellPool<sizeof(Cell)>::allocate();

@@ -26,6 +26,8 @@ template <class List, class Cell>
 struct ListLinks {
   static Cell* next(Cell* cell) { return cell->pNext_; }
   static void setNext(Cell* cell, Cell* next) { cell->pNext_ = next; }
+  // Makes two cells neighbours; null stands for either end of the list.
+  static void connect(List& list, Cell* left, Cell* right) { list.connect(left, right); }
 
   // Makes the list hold the cells it held before in the order of the chain.
   static void relink(List& list, Cell* first) {

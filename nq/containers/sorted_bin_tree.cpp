@@ -1,10 +1,6 @@
 #include "nq/containers/sorted_bin_tree.h"
 
-#if defined(__GNUC__)
-#define NQ_PREFETCH(address) __builtin_prefetch(address)
-#else
-#define NQ_PREFETCH(address) static_cast<void>(address)
-#endif
+#include "nq/containers/cell_pool_internal.h"
 
 // ---- Copy protocol; by hand, since there is nothing to make a clone of
 
@@ -64,8 +60,8 @@ NQBinTreeCell* NQSortedBinTree::find(Compare compare, Matches matches) const {
     if (equal == nullptr || !isReal(equal)) return nullptr;
     if (matches(equal)) return equal;
     // Both children are on their way while the comparison looks at the objects.
-    NQ_PREFETCH(equal->pLeft_);
-    NQ_PREFETCH(equal->pRight_);
+    nqdetail::prefetchCell(equal->pLeft_);
+    nqdetail::prefetchCell(equal->pRight_);
     const int order = compare(equal);
     if (order == 0) break;
     equal = order < 0 ? equal->pRight_ : equal->pLeft_;
@@ -104,8 +100,8 @@ NQBinTreeCell* NQSortedBinTree::insertCell(NQBinTreeCell* cell) {
   if (cell == nullptr || length() == 0) return NQBinTree::insertCell(nullptr, cell);
   NQBinTreeCell* last = pRoot_;
   for (;;) {
-    NQ_PREFETCH(last->pLeft_);
-    NQ_PREFETCH(last->pRight_);
+    nqdetail::prefetchCell(last->pLeft_);
+    nqdetail::prefetchCell(last->pRight_);
     const bool right = virtualCellCompare(last, cell) < 0;
     NQBinTreeCell*& next = right ? last->pRight_ : last->pLeft_;
     if (!isReal(next)) {

@@ -3,6 +3,7 @@
 #ifndef NQ_TESTS_CONTAINERS_TEST_PEER_H
 #define NQ_TESTS_CONTAINERS_TEST_PEER_H
 
+#include "nq/containers/bin_heap.h"
 #include "nq/containers/bin_tree.h"
 #include "nq/containers/cell_pool_internal.h"
 #include "nq/containers/index_hash_table.h"
@@ -39,6 +40,9 @@ class NQTestPeer {
   static const NQBinTreeCell* sentinel(const NQBinTree& tree) { return &tree.sentinel_; }
   static int isValidRedBlackTree(const NQBinTree& tree) {
     return tree.isValidRedBlackTree();
+  }
+  static const NQBinHeapCell* insertionParent(const NQBinHeap& heap) {
+    return heap.pInsertionParent();
   }
   template <class Cell>
   static const Cell* left(const Cell* cell) {

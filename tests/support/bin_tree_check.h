@@ -80,4 +80,31 @@ inline BinTreeCheck checkBinTree(const NQBinTree& tree) {
   return result;
 }
 
+// What is wrong with the heap; "" if nothing. greater(a, b) tells whether `a` may
+// not be the parent of `b`.
+template <class Greater>
+std::string findHeapFault(const NQBinHeap& heap, Greater greater) {
+  using Peer = NQTestPeer;
+  const std::string fault = findListFault(heap);
+  if (!fault.empty()) return fault;
+  std::vector<const NQBinHeapCell*> cells;
+  for (auto* cell = heap.pFirstCell(); cell != nullptr; cell = cell->pNextCell()) {
+    cells.push_back(cell);
+  }
+  const auto at = [&](std::size_t index) {
+    return index < cells.size() ? cells[index] : nullptr;
+  };
+  for (std::size_t i = 0; i < cells.size(); ++i) {
+    const std::string which = " of cell " + std::to_string(i + 1);
+    if (Peer::left(cells[i]) != at(2 * i + 1)) return "left child" + which;
+    if (Peer::right(cells[i]) != at(2 * i + 2)) return "right child" + which;
+    const NQBinHeapCell* const parent = i == 0 ? nullptr : cells[(i - 1) / 2];
+    if (cells[i]->pParent() != parent) return "parent" + which;
+    if (parent != nullptr && greater(parent, cells[i])) return "order" + which;
+  }
+  const NQBinHeapCell* const insertionParent =
+      cells.empty() ? nullptr : cells[(cells.size() - 1) / 2];
+  return Peer::insertionParent(heap) == insertionParent ? "" : "insertion parent";
+}
+
 #endif  // NQ_TESTS_SUPPORT_BIN_TREE_CHECK_H

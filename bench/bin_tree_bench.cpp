@@ -1,0 +1,181 @@
+// The sorted tree beside std::multiset, both through the same virtual comparison.
+// "established" keeps the colours that accumulate, "exclusive" has a bounded depth.
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+#include <memory>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "nq/nq.h"
+
+namespace {
+
+int compareValues(const NQObject* a, const NQObject* b) {
+  const int first = NQInt::castDown(a)->value();
+  const int second = NQInt::castDown(b)->value();
+  return first < second ? -1 : first > second ? 1 : 0;
+}
+
+class Comparison {
+ public:
+  virtual ~Comparison() = default;
+  virtual int compare(const NQObject* a, const NQObject* b) const {
+    return compareValues(a, b);
+  }
+};
+
+struct Less {
+  const Comparison* comparison;
+  bool operator()(const NQObject* a, const NQObject* b) const {
+    return comparison->compare(a, b) < 0;
+  }
+};
+
+template <int kExclusive>
+class NqTree : public NQSortedBinTree {
+ public:
+  explicit NqTree(const Comparison*) { exclusiveColors(kExclusive); }
+
+  void insert(NQObject* object) { addObject(object); }
+  bool contains(NQObject* object) const { return searchObject(object) != nullptr; }
+  void remove(NQObject* object) { delete searchAndRemoveObject(object); }
+
+ protected:
+  int virtualObjectCompare(const NQObject* a, const NQObject* b) const override {
+    return compareValues(a, b);
+  }
+};
+
+class StdTree {
+ public:
+  explicit StdTree(const Comparison* comparison) : set_(Less{comparison}) {}
+
+  void insert(NQObject* object) { set_.insert(object); }
+  bool contains(NQObject* object) const { return find(object) != set_.end(); }
+  void remove(NQObject* object) { set_.erase(find(object)); }
+  auto begin() const { return set_.begin(); }
+  auto end() const { return set_.end(); }
+
+ private:
+  using Set = std::multiset<NQObject*, Less>;
+  Set::const_iterator find(NQObject* object) const {
+    const auto [first, last] = set_.equal_range(object);
+    const auto found = std::find(first, last, object);
+    return found == last ? set_.end() : found;
+  }
+
+  Set set_;
+};
+
+enum class Keys { kRandom, kAscending };
+
+// The objects in the order of insertion, and shuffled.
+struct Objects {
+  std::vector<std::unique_ptr<NQInt>> owned;
+  std::vector<NQObject*> inserted;
+  std::vector<NQObject*> shuffled;
+
+  Objects(Keys keys, std::size_t count) {
+    std::mt19937 random(1);
+    for (std::size_t i = 0; i < count; ++i) {
+      owned.push_back(std::make_unique<NQInt>(
+          keys == Keys::kRandom ? static_cast<int>(random() >> 1) : static_cast<int>(i)));
+      inserted.push_back(owned.back().get());
+    }
+    shuffled = inserted;
+    std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(2));
+  }
+};
+
+const Comparison* comparison() {
+  static const std::unique_ptr<Comparison> only = std::make_unique<Comparison>();
+  const Comparison* pointer = only.get();
+  benchmark::DoNotOptimize(pointer);
+  return pointer;
+}
+
+template <class Tree>
+std::unique_ptr<Tree> treeOf(const Objects& objects) {
+  auto tree = std::make_unique<Tree>(comparison());
+  for (NQObject* const object : objects.inserted) tree->insert(object);
+  return tree;
+}
+
+template <class Tree>
+void insert(benchmark::State& state, Keys keys) {
+  const Objects objects(keys, static_cast<std::size_t>(state.range(0)));
+  for (auto _ : state) {
+    auto tree = treeOf<Tree>(objects);
+    state.PauseTiming();
+    tree.reset();
+    state.ResumeTiming();
+  }
+}
+
+template <class Tree>
+void search(benchmark::State& state, Keys keys) {
+  const Objects objects(keys, static_cast<std::size_t>(state.range(0)));
+  const auto tree = treeOf<Tree>(objects);
+  for (auto _ : state) {
+    for (NQObject* const object : objects.shuffled) {
+      benchmark::DoNotOptimize(tree->contains(object));
+    }
+  }
+}
+
+template <class Tree>
+void searchAndRemove(benchmark::State& state, Keys keys) {
+  const Objects objects(keys, static_cast<std::size_t>(state.range(0)));
+  for (auto _ : state) {
+    state.PauseTiming();
+    auto tree = treeOf<Tree>(objects);
+    state.ResumeTiming();
+    for (NQObject* const object : objects.shuffled) tree->remove(object);
+  }
+}
+
+template <class Tree>
+void iterate(benchmark::State& state, Keys keys) {
+  const Objects objects(keys, static_cast<std::size_t>(state.range(0)));
+  const auto tree = treeOf<Tree>(objects);
+  for (auto _ : state) {
+    for (NQObject* const object : *tree) benchmark::DoNotOptimize(object);
+  }
+}
+
+template <class Tree>
+void registerAll(const std::string& name, Keys keys, bool removing = true) {
+  using Bench = void (*)(benchmark::State&, Keys);
+  const struct {
+    const char* operation;
+    Bench bench;
+  } kAll[] = {{"insert", insert<Tree>},
+              {"search", search<Tree>},
+              {"iterate", iterate<Tree>},
+              {"search_and_remove", searchAndRemove<Tree>}};
+  for (const auto& [operation, bench] : kAll) {
+    const std::string keyName = keys == Keys::kRandom ? "_random/" : "_ascending/";
+    for (const int size : {1000, 100000, 1000000}) {
+      if (bench == searchAndRemove<Tree> && !removing && size > 1000) continue;
+      benchmark::RegisterBenchmark((operation + keyName + name).c_str(), bench, keys)
+          ->Arg(size)
+          ->Unit(benchmark::kMicrosecond);
+    }
+  }
+}
+
+const bool registered = [] {
+  // Removals bring a tree of established colours to a depth of its length.
+  registerAll<NqTree<0>>("nq_established", Keys::kRandom, false);
+  registerAll<NqTree<1>>("nq_exclusive", Keys::kRandom);
+  registerAll<StdTree>("std", Keys::kRandom);
+  registerAll<NqTree<1>>("nq_exclusive", Keys::kAscending);
+  registerAll<StdTree>("std", Keys::kAscending);
+  return true;
+}();
+
+}  // namespace

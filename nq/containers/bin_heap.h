@@ -1,0 +1,166 @@
+// bin_heap.h -- a priority queue of objects with values that may change.
+//
+// NQBinHeap hands out the object of the smallest value first. A cell stands for
+// its object in the heap from addObject() until it is removed: through it the
+// value is changed (changeValue()) and the object taken out wherever it is. Cells
+// of equal value come out in no promised order.
+//
+// The heap owns its cells, never the objects in them; only the operations that say
+// "AndObjects", and the deep copies, delete objects. Insertion, removal and change
+// of a value are O(log n), the minimum is at hand. Cells come from slabs of their
+// own, as list cells do.
+//
+// A heap is a list in level order: the root, then each level from left to right.
+// It can be walked and searched as any NQDList; the operations of the list that
+// would change that order are not offered. Called for a heap through a reference
+// or pointer to NQDList, those that empty it (deleting its cells, or moving all of
+// them to another list) are safe, and those that move single cells are not.
+//
+// A derived class may order the cells otherwise, by overriding virtualCompare().
+//
+// How it works
+//   The cells form a complete binary tree by pointers, in which no cell is smaller
+//   than its parent. The order of the list tells where the next cell goes: beside
+//   the last one, or below the next parent. A cell that moves up or down is given
+//   its new place at once, and the cells that it passes move by one place each:
+//   cells move, values and objects stay in them. What takes the place of a removed
+//   cell comes from the end and most often goes back there; so the way of the
+//   smaller children is followed down to a leaf first, with one comparison on each
+//   level, and the place found from there upward. (I. Wegener, "Bottom-up heapsort",
+//   1993.)
+
+#ifndef NQ_CONTAINERS_BIN_HEAP_H
+#define NQ_CONTAINERS_BIN_HEAP_H
+
+#include <cstddef>
+#include <new>
+
+#include "nq/containers/dlist.h"
+
+class NQTestPeer;
+
+class NQ_EXPORT NQBinHeapCell : public NQDListCell {
+  NQ_COPY_PROTOCOL(NQBinHeapCell)
+
+ public:
+  NQBinHeapCell(NQObject* object, nqLong value) : NQDListCell(object), value_(value) {}
+
+  NQBinHeapCell* pPreviousCell() const {
+    return static_cast<NQBinHeapCell*>(NQDListCell::pPreviousCell());
+  }
+  NQBinHeapCell* pNextCell() const {
+    return static_cast<NQBinHeapCell*>(NQDListCell::pNextCell());
+  }
+
+  nqLong value() const { return value_; }
+  // Leaves the cell where it is: NQBinHeap::changeValue() is for cells in a heap.
+  nqLong value(nqLong value) { return value_ = value; }
+
+  // Null for the root and a free cell. The setter is not for cells in a heap.
+  NQBinHeapCell* pParent() const { return pParent_; }
+  NQBinHeapCell* pParent(NQBinHeapCell* cell) { return pParent_ = cell; }
+
+  using NQDListCell::operator new;
+  static void* operator new(std::size_t size) noexcept;
+  static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
+  static void operator delete(void* place, std::size_t size) noexcept;
+
+ private:
+  friend class NQBinHeap;
+  friend class NQTestPeer;
+
+  NQBinHeapCell* pLeft_ = nullptr;
+  NQBinHeapCell* pRight_ = nullptr;  // null if pLeft_ is
+  NQBinHeapCell* pParent_ = nullptr;
+  nqLong value_ = 0;
+};
+
+class NQ_EXPORT NQBinHeap : public NQDList {
+  NQ_COPY_PROTOCOL(NQBinHeap)
+
+ public:
+  NQBinHeap() = default;
+
+  // The cell of the smallest value is the first one.
+  NQBinHeapCell* pFirstCell() const { return cell(NQDList::pFirstCell()); }
+  NQBinHeapCell* pLastCell() const { return cell(NQDList::pLastCell()); }
+  // Its object; null in an empty heap.
+  NQObject* pMinObject() const;
+
+  // The heap keeps the cell and answers it; a null cell is refused with null.
+  NQBinHeapCell* insertCell(NQBinHeapCell* cell);
+  // In a new cell; null when memory is exhausted.
+  NQBinHeapCell* addObject(NQObject* object, nqLong value);
+
+  // Hand the cell over; null when there is none. The cell of a removal must be in
+  // this heap. The searches walk, O(n).
+  NQBinHeapCell* pExtractMinCell();
+  NQBinHeapCell* removeCell(NQBinHeapCell* cell);
+  NQBinHeapCell* searchAndRemoveCell(const NQBinHeapCell* cell);
+  NQBinHeapCell* searchAndRemoveObject(const NQObject* object);
+  // Removes the cell and deletes it.
+  void discardCell(NQBinHeapCell* cell);
+
+  // Changes the value and the place of a cell of this heap; nothing for null.
+  void changeValue(NQBinHeapCell* cell, nqLong value);
+
+  // Empty this heap, whatever the source, and fill it with new cells of the same
+  // values. The second form deletes the objects and holds clones of the source's
+  // (null for null), which are made before, so that the heaps may share objects. 0
+  // for a null source and for the heap itself, which is empty then.
+  int copyAllCells(const NQBinHeap* source);
+  int copyAllCellsAndObjects(const NQBinHeap* source);
+
+ protected:
+  void init() {}
+
+  // Negative when `a` is smaller, 0 when they are equal, positive when `b` is:
+  // here, their values are compared. Contradictions disturb the order, nothing else.
+  virtual int virtualCompare(NQBinHeapCell* a, NQBinHeapCell* b);
+
+ private:
+  friend class NQTestPeer;
+
+  using NQDList::addObjectIfNotInList;
+  using NQDList::appendCell;
+  using NQDList::appendCellIfNotInList;
+  using NQDList::appendList;
+  using NQDList::appendListIfNotInList;
+  using NQDList::appendObject;
+  using NQDList::appendObjectIfNotInList;
+  using NQDList::copyAppendList;
+  using NQDList::copyAppendListIfNotInList;
+  using NQDList::copyPrependList;
+  using NQDList::copyPrependListIfNotInList;
+  using NQDList::copyTransferList;
+  using NQDList::copyTransferListIfNotInList;
+  using NQDList::copyTransferListPart;
+  using NQDList::copyTransferListPartIfNotInList;
+  using NQDList::insertCellIfNotInList;
+  using NQDList::merge;
+  using NQDList::prependCell;
+  using NQDList::prependCellIfNotInList;
+  using NQDList::prependList;
+  using NQDList::prependListIfNotInList;
+  using NQDList::prependObject;
+  using NQDList::prependObjectIfNotInList;
+  using NQDList::reverse;
+  using NQDList::swapPosition;
+  using NQDList::transferList;
+  using NQDList::transferListIfNotInList;
+  using NQDList::transferListPart;
+  using NQDList::transferListPartIfNotInList;
+
+  static NQBinHeapCell* cell(NQDListCell* listCell) {
+    return static_cast<NQBinHeapCell*>(listCell);
+  }
+
+  NQBinHeapCell* pInsertionParent() const;
+  NQBinHeapCell* removeLastBinHeapCell();
+  bool bubbleUp(NQBinHeapCell* place, NQBinHeapCell* cell);
+  void heapify(NQBinHeapCell* cell);
+  void fillPlace(NQBinHeapCell* place, NQBinHeapCell* cell);
+  void movePlaces(NQBinHeapCell* const* places, NQBinHeapCell* const* cells, int count);
+};
+
+#endif  // NQ_CONTAINERS_BIN_HEAP_H
