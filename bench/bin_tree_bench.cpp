@@ -63,9 +63,12 @@ class StdTree {
  private:
   using Set = std::multiset<NQObject*, Less>;
   Set::const_iterator find(NQObject* object) const {
-    const auto [first, last] = set_.equal_range(object);
-    const auto found = std::find(first, last, object);
-    return found == last ? set_.end() : found;
+    auto found = set_.lower_bound(object);
+    while (found != set_.end() && *found != object) {
+      if (compareValues(object, *found) != 0) return set_.end();
+      ++found;
+    }
+    return found;
   }
 
   Set set_;

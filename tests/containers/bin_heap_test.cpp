@@ -133,12 +133,12 @@ void runBesideModel(unsigned seed, int values, std::size_t size, int steps,
     ASSERT_EQ(cellsOf(heap), model.cells()) << "step " << step;
   }
   ASSERT_EQ(cellsOf(heap), model.cells());
-  std::vector<nqLong> values;
+  std::vector<nqLong> drained;
   while (heap.length() > 0) {
-    values.push_back(heap.pFirstCell()->value());
+    drained.push_back(heap.pFirstCell()->value());
     heap.discardCell(heap.pFirstCell());
   }
-  ASSERT_TRUE(std::ranges::is_sorted(values));
+  ASSERT_TRUE(std::ranges::is_sorted(drained));
 }
 
 TEST(NQBinHeap, IsTheArrayHeapWhateverIsDone) {
