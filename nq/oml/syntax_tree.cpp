@@ -292,9 +292,15 @@ void NQOMLSyntaxObject::takeDefaults(NQOMLSyntaxObject& other) {
 bool NQOMLSyntaxObject::linkDefaults(NQOMLSyntaxDefaultList* node) {
   constexpr int kLongChain = 32;
   if (defaultsIndex_ != nullptr) {
-    if (!defaultsIndex_->lists.insert(node->fields_).second) return false;
-    defaultsIndex_->pLast->next_ = node;
-    defaultsIndex_->pLast = node;
+    nqdetail::DefaultsIndex& index = *defaultsIndex_;
+    // Somebody may have lengthened the chain itself.
+    while (index.pLast->next_ != nullptr) {
+      index.pLast = index.pLast->next_;
+      index.lists.insert(index.pLast->fields_);
+    }
+    if (!index.lists.insert(node->fields_).second) return false;
+    index.pLast->next_ = node;
+    index.pLast = node;
     return true;
   }
   int length = 1;
@@ -475,8 +481,8 @@ NQOMLSyntaxDefaultList::~NQOMLSyntaxDefaultList() {
 
 void NQOMLSyntaxDefaultList::append(NQOMLSyntaxDefaultList* chain) {
   NQOMLSyntaxDefaultList* last = this;
-  while (last->next_ != nullptr) last = last->next_;
-  if (chain != this) last->next_ = chain;
+  while (last != chain && last->next_ != nullptr) last = last->next_;
+  if (last != chain) last->next_ = chain;
 }
 
 void NQOMLSyntaxDefaultList::destroyChain(NQOMLSyntaxDefaultList* first) {

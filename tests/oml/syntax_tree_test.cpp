@@ -444,6 +444,33 @@ TEST_F(SyntaxTree, JoinsManyBlocksWithoutWalkingTheChain) {
   }
 }
 
+// A chain that has an index may be lengthened behind its back.
+TEST_F(SyntaxTree, FindsTheEndOfAChainThatOthersLengthened) {
+  std::vector<std::unique_ptr<NQOMLSyntaxObject>> blocks;
+  const auto block = [&, this](nqLong number) {
+    blocks.push_back(makeObject());
+    blocks.back()->addField(plain(number));
+    return blocks.back()->pFieldList();
+  };
+  const auto join = [&, this](NQOMLSyntaxFieldList* fields) {
+    const auto other = makeObject();
+    other->addDefaultList(fields);
+    object_->append(other.get());
+  };
+  std::string expected;
+  for (nqLong number = 0; number < 50; ++number) {
+    join(block(number));
+    expected += std::to_string(number) + ' ';
+  }
+  NQOMLSyntaxFieldList* const added = block(50);
+  auto* const node = new NQOMLSyntaxDefaultList(added);
+  object_->pDefaultList()->append(node);
+  object_->pDefaultList()->append(node);  // it is there already
+  join(block(51));
+  join(added);
+  EXPECT_EQ(names(*object_), expected + "50 51 ");
+}
+
 TEST_F(SyntaxTree, DeletesSingleChildren) {
   for (const nqLong id : {1, 2, 3, 4}) object_->addObject(makeObject(id).release());
   object_->addObject(nullptr);
