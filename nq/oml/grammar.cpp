@@ -8,15 +8,14 @@
 #include "nq/core/string_pool.h"
 #include "nq/file/text_file.h"
 #include "nq/oml/definition_language_internal.h"
+#include "nq/oml/pool_size_internal.h"
 
 namespace {
 
-// A pool grows by itself, so a size from outside only sets where it starts.
 std::unique_ptr<NQStringPool> makePool(nqLong hashSize, nqLong poolSize,
                                        bool withPointers) {
-  constexpr nqLong kLargestStart = 65536;
-  return std::make_unique<NQStringPool>(
-      hashSize, std::clamp(poolSize, nqLong{1}, kLargestStart), 0, withPointers ? 1 : 0);
+  return std::make_unique<NQStringPool>(hashSize, nqdetail::poolStart(poolSize), 0,
+                                        withPointers ? 1 : 0);
 }
 
 nqLong enter(NQStringPool& pool, const char* name) {

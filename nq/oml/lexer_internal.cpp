@@ -4,6 +4,7 @@
 #include "nq/oml/encoding_internal.h"
 #include "nq/oml/escapes_internal.h"
 #include "nq/oml/message_codes_internal.h"
+#include "nq/oml/pool_size_internal.h"
 #include "nq/oml/text_lexer_internal.h"
 
 namespace nqdetail {
@@ -11,10 +12,13 @@ namespace nqdetail {
 NameTables::NameTables(const NQOMLStatic& readGrammar)
     : grammar(readGrammar),
       meanings(grammar),
-      strings(grammar.stringHashSize(), grammar.stringPoolSize(), 1, 0),
-      declaredSections(grammar.sectionIDHashSize(), grammar.sectionIDPoolSize(), 0, 0),
-      declaredFields(grammar.fieldIDHashSize(), grammar.fieldIDHashSize(), 0, 0),
-      ignoredFields(grammar.fieldIDHashSize(), grammar.fieldIDHashSize(), 0, 0) {}
+      strings(grammar.stringHashSize(), poolStart(grammar.stringPoolSize()), 1, 0),
+      declaredSections(grammar.sectionIDHashSize(),
+                       poolStart(grammar.sectionIDPoolSize()), 0, 0),
+      declaredFields(grammar.fieldIDHashSize(), poolStart(grammar.fieldIDHashSize()), 0,
+                     0),
+      ignoredFields(grammar.fieldIDHashSize(), poolStart(grammar.fieldIDHashSize()), 0,
+                    0) {}
 
 void NameTables::declareSection(const char* name) {
   const nqLong index = declaredSections.update(name);

@@ -277,7 +277,6 @@ void NQOMLFile::parse(const char* fileName, bool binary) {
   nqdetail::Parser parser(this, *state.sources, *lexer, *state.names, state.diagnostics,
                           state.tree, std::min(state.maxNestingDepth, kDeepestNesting));
   state.root = parser.parse(fileName);
-  state.numberOfNodes = parser.numberOfNodes();
   // The files are free again before the application is called.
   state.sources.reset();
   if (state.root == nullptr) state.tree.clear();
@@ -287,7 +286,7 @@ void NQOMLFile::checkSemantics() {
   nqdetail::FileState& state = *state_;
   if (state.root == nullptr) return;
   nqdetail::SemanticPass pass(state, *state.grammar, state.names->ids, state.diagnostics,
-                              state.numberOfNodes);
+                              state.bytesRead);
   pass.checkSemantics(*state.root);
 }
 

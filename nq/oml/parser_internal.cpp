@@ -173,7 +173,6 @@ void Parser::parseObject(const SourceToken& type, nqLong objectIDIndex,
     diagnostics_.fatalError(type.place(), kMemoryExhausted);
     return;
   }
-  ++numberOfNodes_;
   if (bracket != nullptr) {
     parseBlock(*bracket, nullptr, {*object, -1, 0});
     if (object->objectIDIndex() == IDTable::kDefaults) {
@@ -218,7 +217,6 @@ void Parser::parseField(const SourceToken* name, const Context& context,
         file_, name->line, name->column, name->fileIndex, name->integer(),
         context.sectionIDIndex, context.sectionPath, value, definition, unchecked);
     if (field != nullptr) {
-      ++numberOfNodes_;
       context.object.addField(field);
       return;
     }

@@ -13,8 +13,6 @@
 #ifndef NQ_OML_PARSER_INTERNAL_H
 #define NQ_OML_PARSER_INTERNAL_H
 
-#include <cstdint>
-
 #include "nq/oml/lexer_internal.h"
 #include "nq/oml/syntax_arena_internal.h"
 
@@ -35,9 +33,6 @@ class Parser {
 
   // Reads a file with all that it includes. Null when anything was reported.
   NQOMLSyntaxObject* parse(const char* fileName);
-
-  // Objects and fields made.
-  std::int64_t numberOfNodes() const { return numberOfNodes_; }
 
  private:
   // Where an attribute stands: in which object, and under which section there.
@@ -111,7 +106,6 @@ class Parser {
   int maxNestingDepth_;
   NQOMLSyntaxObject* root_ = nullptr;
   int depth_ = 0;  // open blocks
-  std::int64_t numberOfNodes_ = 0;
 };
 
 }  // namespace nqdetail

@@ -21,23 +21,24 @@ namespace nqdetail {
 
 class SemanticPass {
  public:
-  // `numberOfNodes`, how many objects and fields the tree has, sets the bound for
-  // what defaults may hand on.
+  // `bytesRead`, how long the files were, sets the bound for what defaults may hand
+  // on.
   SemanticPass(ReadHooks& hooks, const NQOMLStatic& grammar, IDTable& ids,
-               Diagnostics& diagnostics, std::int64_t numberOfNodes)
+               Diagnostics& diagnostics, std::int64_t bytesRead)
       : hooks_(hooks),
         grammar_(grammar),
         ids_(ids),
         diagnostics_(diagnostics),
-        inheritable_(kInheritable + kInheritablePerNode * numberOfNodes) {}
+        inheritable_(kInheritable + kInheritablePerByte * bytesRead) {}
 
   void checkSemantics(NQOMLSyntaxObject& root);
 
  private:
   // Fields handed on from defaults to objects, in all: a small file can demand
-  // a number of them that grows with the square of its size.
+  // a number of them that grows with the square of its size. The shortest object
+  // takes some eight bytes, and so may always inherit five hundred.
   static constexpr std::int64_t kInheritable = 50'000'000;
-  static constexpr std::int64_t kInheritablePerNode = 64;
+  static constexpr std::int64_t kInheritablePerByte = 64;
 
   bool failed() const { return diagnostics_.failed() || diagnostics_.ended(); }
 

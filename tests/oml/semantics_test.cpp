@@ -3,8 +3,10 @@
 #include <string>
 
 #include "nq/oml/id_table_internal.h"
+#include "nq/oml/lexer_internal.h"
 #include "tests/support/fake_system.h"
 #include "tests/support/oml_reading.h"
+#include "tests/support/test_peer.h"
 
 namespace {
 
@@ -77,6 +79,32 @@ TEST(Semantics, GivesIDsJoinsBlocksAndResolvesReferences) {
     EXPECT_EQ(reader.read("f", grammar),
               row.tree != nullptr ? NQ_FILE_OK : NQ_FILE_READ_ERROR);
     EXPECT_EQ(reader.tree, row.tree != nullptr ? row.tree : "") << reader.errors();
+  }
+}
+
+// Many objects may inherit much from their defaults, and end with error 34 here
+// rather than for lack of memory.
+TEST(Semantics, LetsLongFilesInheritMuch) {
+  FakeSystem system;
+  std::string text = "graph 1 { node defaults { ";
+  for (int field = 0; field < 1000; ++field) text += "x 1 ";
+  for (int object = 0; object < 55'000; ++object) text += "node{} ";
+  system.files["f"] = text + "} }";
+  EverythingGrammar grammar;
+  TestReader reader;
+  reader.refuse = true;
+  EXPECT_EQ(reader.read("f", grammar), NQ_FILE_READ_ERROR);
+  EXPECT_EQ(reader.errors(), "Error #034 several semantic errors detected !\n");
+}
+
+TEST(NameTables, PrepareForNoMoreThanIsSensible) {
+  constexpr nqLong kWild = 10'000'000;
+  const NQOMLStatic grammar(static_cast<const char* const*>(nullptr), nullptr, nullptr,
+                            nullptr, kWild, kWild, kWild, kWild, kWild, kWild);
+  const nqdetail::NameTables names(grammar);
+  for (const NQStringPool* const pool : {&names.strings, &names.declaredSections,
+                                         &names.declaredFields, &names.ignoredFields}) {
+    EXPECT_LE(NQTestPeer::places(*pool), 100'000);
   }
 }
 

@@ -1,4 +1,4 @@
-// test_peer.h -- the friend through which tests look into an NQOMLFile.
+// test_peer.h -- the friend through which tests look into an NQOMLFile and its tables.
 
 #ifndef NQ_TESTS_SUPPORT_TEST_PEER_H
 #define NQ_TESTS_SUPPORT_TEST_PEER_H
@@ -9,6 +9,7 @@ class NQTestPeer {
  public:
   static nqdetail::FileState& state(const NQOMLFile& file) { return *file.state_; }
   static const NQOMLSyntaxObject* root(const NQOMLFile& file) { return state(file).root; }
+  static nqLong places(const NQStringPool& pool) { return pool.decodeTableSize(); }
   static const char* idText(const NQOMLFile& file, nqLong index) {
     return state(file).names->ids.text(index);
   }
