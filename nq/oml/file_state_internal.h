@@ -60,13 +60,14 @@ struct FileState final : MessageSink, SourceOwner, ReadHooks, OutputSink {
   NQOMLExtension* extension = nullptr;  // borrowed
 
   NQOMLStatic* grammar = nullptr;  // borrowed
-  bool busy = false;               // a read or write is somewhere up the stack
+  // A read or write is somewhere up the stack; none may begin.
+  bool busy = false;
+  bool running = false;  // and its rooms are at work: cleanup() only breaks it off
   std::int64_t bytesRead = 0;
   TopObject top;
 
   SyntaxArena tree;
   NQOMLSyntaxObject* root = nullptr;  // null when the tree is of no use
-  std::int64_t numberOfNodes = 0;
 
   std::optional<NameTables> names;
   std::optional<Sources> sources;

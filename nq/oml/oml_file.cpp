@@ -24,6 +24,7 @@ class BusyMark {
   BusyMark& operator=(const BusyMark&) = delete;
   ~BusyMark() {
     state_.busy = false;
+    state_.running = false;
     state_.release();
   }
 
@@ -63,10 +64,11 @@ nqLong FileState::fileNameIndex(const char* name) {
 }
 
 bool FileState::mayInclude(const char* name) {
-  return file.vIncludeFile(name) != 0;
+  return !diagnostics.ended() && file.vIncludeFile(name) != 0 && !diagnostics.ended();
 }
 
 bool FileState::bytesArrived(std::size_t count) {
+  if (diagnostics.ended()) return false;
   bytesRead += static_cast<std::int64_t>(count);
   if (file.vReadProgress(bytesRead) == 0) diagnostics.end();
   return !diagnostics.ended();
@@ -176,10 +178,13 @@ NQFileCodeEnum NQOMLFile::readOMLFile(const char* fileName, NQOMLStatic* grammar
   if (state_->busy) return NQ_FILE_READ_ERROR;
   initParser(grammar, top, topTypeIndex, useIndexHashTable);
   const nqdetail::BusyMark mark(*state_);
+  state_->running = true;
   error(0);
   parse(fileName, binary != 0);
   checkSemantics();
   execute();
+  state_->running = false;
+  cleanup();
   const nqdetail::Diagnostics& diagnostics = state_->diagnostics;
   if (!diagnostics.failed() && !diagnostics.ended() && error() == 0) return NQ_FILE_OK;
   error(1);
@@ -194,6 +199,7 @@ NQFileCodeEnum NQOMLFile::writeOMLFile(const char* fileName, NQOMLStatic* gramma
   if (state.busy) return NQ_FILE_WRITE_ERROR;
   initParser(grammar, top, state.top.givenType, useIndexHashTable);
   const nqdetail::BusyMark mark(state);
+  state.running = true;
   const NQFileModeEnum newMode = binary != 0 ? NQ_WRITE_BINARY : NQ_WRITE;
   if (open(fileName, newMode) != NQ_FILE_OK) return NQ_FILE_OPEN_ERROR;
   state.top.object = top;
@@ -234,10 +240,12 @@ void NQOMLFile::initParser(NQOMLStatic* grammar, NQObject* top, nqLong topTypeIn
   if (state.busy) return;
   pPathName("");
   state.diagnostics.reset();
-  cleanup();
+  {
+    const nqdetail::BusyMark mark(state);  // an override may begin no read
+    cleanup();
+  }
   state.tree.clear();
   state.root = nullptr;
-  state.numberOfNodes = 0;
   state.bytesRead = 0;
   state.grammar = grammar;
   state.top = {top, topTypeIndex, nullptr, -1};
@@ -258,7 +266,7 @@ void NQOMLFile::initParser(NQOMLStatic* grammar, NQObject* top, nqLong topTypeIn
 }
 
 void NQOMLFile::cleanup() {
-  if (state_->busy) {
+  if (state_->running) {
     state_->diagnostics.end();
   } else {
     state_->release();
@@ -267,6 +275,8 @@ void NQOMLFile::cleanup() {
 
 void NQOMLFile::parse(const char* fileName, bool binary) {
   nqdetail::FileState& state = *state_;
+  state.root = nullptr;
+  state.tree.clear();
   if (!state.names) {
     state.diagnostics.end();
     return;

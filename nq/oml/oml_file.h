@@ -107,8 +107,11 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
                                       int unused);
 
   // The steps before and after a read, called by readOMLFile(). initParser()
-  // forgets the last read and makes the tables of the next, cleanup() frees them.
-  // During a read or write cleanup() breaks it off, and initParser() does nothing.
+  // forgets the last read, with a call of cleanup(), and makes the tables of the
+  // next; cleanup() frees them, and an error that an override reports counts in the
+  // result. In a hook, and after a fatal error, cleanup() only breaks the read or
+  // write off, and is called once more at the end of a read; initParser() does
+  // nothing there.
   virtual void initParser(NQOMLStatic* grammar, NQObject* top, nqLong topTypeIndex,
                           int useIndexHashTable);
   virtual void cleanup();

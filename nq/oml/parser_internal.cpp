@@ -262,7 +262,7 @@ void Parser::parseBuiltIn(nqLong fieldIndex, const Context& context, SourceToken
 void Parser::include(const SourceToken& name) {
   lexer_.takeSemicolon();
   const char* const text = names_.strings.decode(name.integer());
-  if (diagnostics_.ended() || sources_.push(text)) return;
+  if (diagnostics_.ended() || sources_.push(text) || diagnostics_.ended()) return;
   diagnostics_.fatalError(name.place(), kCannotOpen, text);
   diagnostics_.errorCode = NQ_FILE_OPEN_ERROR;
 }

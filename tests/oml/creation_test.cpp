@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -110,6 +111,74 @@ TEST_F(Creation, EndsWhereAFatalErrorArises) {
       reader.atHook = nullptr;
       ASSERT_EQ(read(good), NQ_FILE_OK) << last;
     }
+  }
+}
+
+// An included file is asked for twice, as written and beside the including one, but
+// not after a fatal error; nor is the file opened then, nor progress told.
+TEST_F(Creation, AsksForNoIncludeAfterAFatalError) {
+  system.files = {{"d/f", "include \"g\""}, {"d/g", "graph 1"}};
+  std::string asked;
+  reader.atHook = [&](const char* hook) { asked += *hook; };
+  EXPECT_EQ(reader.read("d/f", grammar), NQ_FILE_OK);
+  EXPECT_EQ(asked.substr(0, 3), "iic");
+  for (const bool fatal : {true, false}) {
+    asked.clear();
+    const int reads = system.reads;
+    reader.atHook = [&, this](const char* hook) {
+      asked += *hook;
+      if (fatal) reader.errorMessage(nullptr, 1, "no more", 1);
+      if (!fatal) reader.cleanup();
+    };
+    EXPECT_EQ(reader.read("d/f", grammar), NQ_FILE_READ_ERROR);
+    EXPECT_EQ(asked, "i");
+    EXPECT_EQ(system.reads - reads, 2);  // "d/f" and its end
+  }
+}
+
+class CleaningReader : public TestReader {
+ public:
+  void cleanup() override {
+    if (atCleanup) atCleanup();
+    NQOMLFile::cleanup();
+  }
+  std::function<void()> atCleanup;
+};
+
+// Called before and after each read, when its results and texts are still there.
+TEST_F(Creation, CleansUpWhenAllIsDone) {
+  CleaningReader cleaning;
+  std::string seen;
+  int code = 0;
+  cleaning.atCleanup = [&, this] {
+    const NQOMLSyntaxObject* const root = NQTestPeer::root(cleaning);
+    seen += root == nullptr || root->pObjectList() == nullptr
+                ? "-"
+                : root->pObjectList()->pObject()->nameString();
+    seen += std::to_string(cleaning.objects().size()) + ' ';
+    EXPECT_EQ(cleaning.readOMLFile("f", &grammar, nullptr, -1, 0, 0, 0),
+              NQ_FILE_READ_ERROR);
+    cleaning.initParser(nullptr, nullptr, -1, 0);
+    if (code > 0 && !cleaning.objects().empty()) {
+      cleaning.errorMessage(nullptr, code, "late", code == 9);
+    }
+  };
+  system.files["f"] = "graph 1 { node 2 }";
+  EXPECT_EQ(cleaning.read("f", grammar, false, nullptr, -1, 1), NQ_FILE_OK);
+  EXPECT_EQ(seen, "-0 $,12 ");
+  ASSERT_NE(cleaning.pIndexHashTable(), nullptr);
+  EXPECT_EQ(cleaning.pIndexHashTable()->maxValueIndex(), 2);
+  EXPECT_EQ(cleaning.errors(), "");
+  // What it reports after a good read counts.
+  for (const int last : {8, 9}) {
+    code = 0;
+    seen.clear();
+    const std::size_t before = cleaning.objects().size();
+    cleaning.atHook = [&](const char*) { code = last; };
+    EXPECT_EQ(cleaning.read("f", grammar), NQ_FILE_READ_ERROR);
+    EXPECT_EQ(cleaning.numberOfErrors(), 1);
+    EXPECT_EQ(cleaning.objects().size(), before + 2);
+    EXPECT_NE(cleaning.errors().find("late"), std::string::npos);
   }
 }
 

@@ -207,6 +207,11 @@ int TestReader::vReadField(NQOMLSyntaxField* field, NQOMLSyntaxObject* syntax,
   return leaveFields ? 0 : 1;
 }
 
+int TestReader::vIncludeFile(const char* name) {
+  if (atHook) atHook("include");
+  return name != forbidden;
+}
+
 void TestReader::vPreReadFields(NQOMLSyntaxObject* syntax, NQObject* object) {
   note("pre", syntax, object);
 }
