@@ -100,8 +100,7 @@ void TextLexer::skipComment(const Place& place) {
 }
 
 void TextLexer::skipRestOfLine() {
-  // A value may have taken its line's end.
-  if (sources_.empty() || source().line() != lineOfTokenEnd_) return;
+  if (sources_.empty() || tookLineEnd_) return;
   skipToLineEnd();
   if (source().hasByte()) source().takeLineEnd();
 }
@@ -137,6 +136,7 @@ bool TextLexer::read(NQOMLToken& token) {
     if (!skipTextWhiteSpace()) return false;
     const char c = *source().at;
     token = NQOMLToken();
+    tookLineEnd_ = false;
     begin(token, source().at);
     if (isOf(c, kNameStart)) {
       readIdentifier(token);
@@ -161,7 +161,6 @@ bool TextLexer::read(NQOMLToken& token) {
         if (!closeBracket(c, placeOf(token))) continue;
       }
     }
-    lineOfTokenEnd_ = source().line();
     return true;
   }
 }
@@ -237,7 +236,8 @@ void TextLexer::readBinValue(NQOMLToken& token) {
     if (file.hasByte()) {
       // Whatever stands in its place is taken for the low half.
       low = std::max(hexValue(*file.at), 0);
-      if (isOf(*file.at, kLineEnd)) {
+      tookLineEnd_ = isOf(*file.at, kLineEnd);
+      if (tookLineEnd_) {
         file.takeLineEnd();
       } else {
         ++file.at;

@@ -43,8 +43,8 @@ class TextLexer final : public Lexer {
   // One component behind `scope`; kNone when none comes next.
   nqLong readComponent(nqLong scope);
 
-  std::string scratch_;  // a string that cannot be taken as it stands
-  nqLong lineOfTokenEnd_ = 0;
+  std::string scratch_;       // a string that cannot be taken as it stands
+  bool tookLineEnd_ = false;  // the last token ended with the end of its line
 };
 
 }  // namespace nqdetail

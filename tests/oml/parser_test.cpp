@@ -61,6 +61,9 @@ const Row kGood[] = {
     {"section \"Mine\" graph 1 { mine { % } count 1 }", "graph#$,1{count=1}"},
     {"field \"Mine\" graph 1 { mine: 3 % { }\n count 1 MINE 0x01 }\n count 2 mine }",
      "graph#$,1{count=1 count=2}"},
+    // A binary value takes the end of its line for a digit, and may go on behind it.
+    {"field \"old\" graph 1 { old 0x123\n count 1 old 0x1\n2 { %\r\n count 2 }",
+     "graph#$,1{count=1 count=2}"},
     {"field { \"a\" \"b\" } graph 1 { a 1\n b 2\n count 1 }", "graph#$,1{count=1}"},
     {"field \"small\" graph 1 { small 5\n count 1 }", "graph#$,1{count=1}"},
     // Unchecked to the end of the first list that ends after the word.
