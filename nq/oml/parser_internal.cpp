@@ -211,6 +211,8 @@ void Parser::parseField(const SourceToken* name, const Context& context,
     if (hasWildcard(context.sectionPath)) definition = nullptr;
   } else if (value.tag == NQ_OML_UNRECOGNISED) {
     error(value, kUnexpectedToken);
+  } else if (value.tag <= NQ_OML_SEMICOLON) {
+    error(value, kUnexpectedValue);  // a sign that stands where the value should
   }
   if (!diagnostics_.failed()) {
     NQOMLSyntaxField* const field = tree_.makeField(

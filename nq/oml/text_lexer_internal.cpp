@@ -175,12 +175,7 @@ void TextLexer::readIdentifier(NQOMLToken& token) {
     return;
   }
   if (names_.unchecked) {
-    const nqLong known = names_.grammar.pFieldPool()->lookup(name);
-    const nqLong declared = known >= 0 ? known : names_.declaredFields.update(name);
-    if (declared < 0) return;
-    token.tag = NQ_OML_FIELD_NAME;
-    token.integer(known >= 0 ? known
-                             : names_.grammar.pFieldPool()->decodeTableMax() + declared);
+    readFieldName(token, name);
     return;
   }
   if (const NameMeaning* const meaning = names_.meanings.lookup(name)) {
@@ -190,6 +185,20 @@ void TextLexer::readIdentifier(NQOMLToken& token) {
     return;
   }
   makeID(token, names_.ids.withName(name));
+}
+
+void TextLexer::readFieldName(NQOMLToken& token, std::string_view name) {
+  const NQStringPool& known = *names_.grammar.pFieldPool();
+  nqLong index = known.lookup(name);
+  if (index < 0) {
+    nqLong declared = names_.ignoredFields.lookup(name);
+    token.declared = declared >= 0 ? 1 : 0;
+    if (declared < 0) declared = names_.declaredFields.update(name);
+    if (declared < 0) return;
+    index = known.decodeTableMax() + declared;
+  }
+  token.tag = NQ_OML_FIELD_NAME;
+  token.integer(index);
 }
 
 void TextLexer::readIntRealScopeOrIP(NQOMLToken& token) {

@@ -33,6 +33,8 @@ class TextLexer final : public Lexer {
   void takeNumber(const char*& start);
 
   void readIdentifier(NQOMLToken& token);
+  // A name in unchecked mode, which is that of a field whatever else it means.
+  void readFieldName(NQOMLToken& token, std::string_view name);
   void readIntRealScopeOrIP(NQOMLToken& token);
   void readBinValue(NQOMLToken& token);
   void readString(NQOMLToken& token);

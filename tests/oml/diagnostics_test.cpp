@@ -73,6 +73,12 @@ const Row kRows[] = {
     {"graph 1 { layout _ 5 }", "Error #023 (f:1:20) unexpected attribute value"},
     {"graph 1 { comment \"unchecked\" 5 }",
      "Error #023 (f:1:31) unexpected attribute value"},
+    {"graph 1 { comment \"unchecked\" a ; b = = c 1 }",
+     "Error #023 (f:1:33) unexpected attribute value|"
+     "Error #023 (f:1:39) unexpected attribute value"},
+    {"graph 1 { comment \"unchecked\" a } version \"x\"",
+     "Error #023 (f:1:33) unexpected attribute value|"
+     "Error #024 (f:1:43) integer number expected"},
     {"graph", "Error #026 (f:1:1) object id expected"},
     {"version", "Error #024 (f:1:1) integer number expected"},
     {"version :", "Error #024 (f:1:1) integer number expected"},

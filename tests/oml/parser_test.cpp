@@ -75,6 +75,10 @@ const Row kGood[] = {
     {"graph 1 { node 2 { comment \"unchecked\" what 3 id 5 id 5 } }", nullptr},
     {"graph 1 { node { comment \"unchecked\" what 3 id 5 } comment \"checked\" count 1 }",
      "graph#$,1{count=1 node#$,1,5{?what=3}}"},
+    // What the file ignores it ignores there too, unless the grammar knows it.
+    {"field \"mine\" field \"x\" graph 1 { node 2 { comment \"unchecked\" mine 5 { %\n"
+     " other 3 x 4 field \"more\" more {\n } mine 6 %\n } }",
+     "graph#$,1{node#$,1,2{?other=3 ?x=4}}"},
     // The input ends wherever a value may.
     {"graph a version 1", "version=1 graph#$,a"},
     {"# only a comment", ""},
