@@ -57,6 +57,7 @@ void BinaryLexer::readRecord(NQOMLToken& token, char letter) {
   switch (letter) {
     case kQuote:
       readText(token);
+      if (source().failed()) return;
       makeEscapedString(token, scratch_);
       return;
     case kObjectIDText:
@@ -155,7 +156,7 @@ void BinaryLexer::readBinValue(NQOMLToken& token) {
   Source& file = source();
   for (auto missing = static_cast<std::size_t>(length); missing > 0;) {
     if (!file.hasByte()) {
-      diagnostics_.error(placeOf(token), kUnterminatedBinaryValue);
+      unterminated(placeOf(token), kUnterminatedBinaryValue);
       return;
     }
     const std::size_t count =
@@ -185,7 +186,7 @@ void BinaryLexer::readText(const NQOMLToken& token) {
     }
     scratch_.append(start, file.at);
   }
-  diagnostics_.error(placeOf(token), kUnterminatedString);
+  unterminated(placeOf(token), kUnterminatedString);
 }
 
 void BinaryLexer::readID(NQOMLToken& token, nqLong scope) {

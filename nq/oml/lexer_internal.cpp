@@ -78,7 +78,8 @@ void Lexer::skipBlock() {
 
 bool Lexer::readAcrossFiles(SourceToken& token) {
   while (!diagnostics_.ended() && !sources_.empty()) {
-    if (read(token)) {
+    // A token that a failing read has cut is none.
+    if (read(token) && !source().failed()) {
       token.fileIndex = source().fileIndex();
       return !diagnostics_.ended();
     }

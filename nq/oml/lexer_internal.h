@@ -100,6 +100,11 @@ class Lexer {
   void openBracket(char bracket, const Place& place);
   // False when there is none to close; that is reported and forgotten.
   bool closeBracket(char bracket, const Place& place);
+  // Reports that the file ends before what began at `place`, unless reading failed:
+  // then nobody knows where it ends.
+  void unterminated(const Place& place, int code) {
+    if (!source().failed()) diagnostics_.error(place, code);
+  }
   // The string value that stands for `text`; reports what it cannot hold.
   void makeString(NQOMLToken& token, std::string_view text);
   // The same for a text with escape sequences.

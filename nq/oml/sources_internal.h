@@ -88,8 +88,8 @@ class Source {
 
   // The text went on behind a zero byte, which stood at the end of the window.
   bool cutByZero() const { return cutByZero_; }
-  // A read failed: the end of the window is not that of the data.
-  bool failed() const { return failed_; }
+  // All bytes are taken, and a read failed: that is not the end of the data.
+  bool failed() const { return failed_ && at == end; }
   // Closes the file; false when that fails.
   bool close();
 

@@ -96,7 +96,7 @@ void TextLexer::skipComment(const Place& place) {
     }
     star = c == '*';
   }
-  diagnostics_.error(place, kUnterminatedComment);
+  unterminated(place, kUnterminatedComment);
 }
 
 void TextLexer::skipRestOfLine() {
@@ -292,7 +292,8 @@ void TextLexer::readString(NQOMLToken& token) {
   if (file.at != file.end) {
     ++file.at;
   } else {
-    diagnostics_.error(placeOf(token), kUnterminatedString);
+    unterminated(placeOf(token), kUnterminatedString);
+    if (file.failed()) return;
   }
   if (!escaped && scratch_.empty()) {
     makeString(token, rest);
