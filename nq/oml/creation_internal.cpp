@@ -18,7 +18,7 @@ void updateObject(IDTable& ids, NQIndexHashTable* numbers, nqLong objectIDIndex,
 
 void ObjectCreation::execute(NQOMLSyntaxObject& root) {
   createAllObjects(root);
-  if (!failed() && !setOwnedFields(root, root, nullptr)) {
+  if (!failed() && !setOwnedFields(root, root)) {
     diagnostics_.warning({}, kUnableToSetFields);
   }
 }
@@ -48,41 +48,42 @@ void ObjectCreation::createTopObject(NQOMLSyntaxObject& syntax) {
   }
   top_.object = object;
   top_.type = syntax.typeIndex();
-  createOwnedObjects(syntax, syntax, object);
+  createOwnedObjects(syntax, syntax);
 }
 
 void ObjectCreation::createOwnedObjects(NQOMLSyntaxObject& syntax,
-                                        NQOMLSyntaxObject& ownerSyntax, NQObject* owner) {
+                                        NQOMLSyntaxObject& ownerSyntax) {
   for (NQOMLSyntaxObjectIter iter(&syntax); iter && !diagnostics_.ended(); ++iter) {
     NQOMLSyntaxObject& child = *iter.pObject();
     if (child.objectIDIndex() == IDTable::kDefaults) {
-      createOwnedObjects(child, ownerSyntax, owner);
+      createOwnedObjects(child, ownerSyntax);
       continue;
     }
-    NQObject* const object = hooks_.createObject(&child, &ownerSyntax, owner);
+    NQObject* const object =
+        hooks_.createObject(&child, &ownerSyntax, objectOf(ownerSyntax));
     updateObject(ids_, numbers_, child.objectIDIndex(), nullptr, object);
-    createOwnedObjects(child, child, object);
+    createOwnedObjects(child, child);
   }
 }
 
 bool ObjectCreation::setOwnedFields(NQOMLSyntaxObject& syntax,
-                                    NQOMLSyntaxObject& ownerSyntax, NQObject* object) {
+                                    NQOMLSyntaxObject& ownerSyntax) {
   bool allTaken = true;
   if (syntax.objectIDIndex() != IDTable::kDefaults) {
     if (diagnostics_.ended()) return allTaken;
-    hooks_.preReadFields(&ownerSyntax, object);
+    hooks_.preReadFields(&ownerSyntax, objectOf(ownerSyntax));
     for (NQOMLSyntaxFieldIter field(&syntax); field && !diagnostics_.ended(); ++field) {
-      allTaken = hooks_.readField(field.pField(), &ownerSyntax, object) && allTaken;
+      allTaken = hooks_.readField(field.pField(), &ownerSyntax, objectOf(ownerSyntax)) &&
+                 allTaken;
     }
     if (diagnostics_.ended()) return allTaken;
-    hooks_.postReadFields(&ownerSyntax, object);
+    hooks_.postReadFields(&ownerSyntax, objectOf(ownerSyntax));
   }
   for (NQOMLSyntaxObjectIter iter(&syntax); iter && !diagnostics_.ended(); ++iter) {
     NQOMLSyntaxObject& child = *iter.pObject();
-    const bool taken =
-        child.objectIDIndex() == IDTable::kDefaults
-            ? setOwnedFields(child, ownerSyntax, object)
-            : setOwnedFields(child, child, ids_.pObject(child.objectIDIndex()));
+    const bool taken = child.objectIDIndex() == IDTable::kDefaults
+                           ? setOwnedFields(child, ownerSyntax)
+                           : setOwnedFields(child, child);
     allTaken = taken && allTaken;
   }
   return allTaken;

@@ -48,11 +48,13 @@ class ObjectCreation {
 
   void createAllObjects(NQOMLSyntaxObject& object);
   void createTopObject(NQOMLSyntaxObject& object);
-  void createOwnedObjects(NQOMLSyntaxObject& syntax, NQOMLSyntaxObject& ownerSyntax,
-                          NQObject* owner);
+  void createOwnedObjects(NQOMLSyntaxObject& syntax, NQOMLSyntaxObject& ownerSyntax);
   // Whether every field was taken.
-  bool setOwnedFields(NQOMLSyntaxObject& syntax, NQOMLSyntaxObject& ownerSyntax,
-                      NQObject* object);
+  bool setOwnedFields(NQOMLSyntaxObject& syntax, NQOMLSyntaxObject& ownerSyntax);
+  // Asked for before each hook: any of them may put another in its place.
+  NQObject* objectOf(const NQOMLSyntaxObject& syntax) const {
+    return ids_.pObject(syntax.objectIDIndex());
+  }
   void fatalError(const NQOMLSyntaxObject& where, int code) {
     diagnostics_.fatalError({where.fileNameIndex(), where.line(), where.position()},
                             code);

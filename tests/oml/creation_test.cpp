@@ -302,6 +302,31 @@ TEST_F(Creation, LetsHooksReplaceObjects) {
   EXPECT_EQ(NQCounted::live(), live + 2);
 }
 
+// Whoever replaces an object meets the new one from then on.
+TEST_F(Creation, HandsOutObjectsThatWereReplaced) {
+  const auto replace = [this](const char* at, std::size_t number) {
+    reader.atHook = [this, at, number, done = false](const char* hook) mutable {
+      if (done || std::string(hook) != at || reader.objects().size() < number) return;
+      NQOMLSyntaxObject* const graph = NQTestPeer::root(reader)->pObjectList()->pObject();
+      reader.updateObject(graph, nullptr, reader.objects()[number - 1]);
+      done = true;
+    };
+  };
+  reader.listEvents = true;
+  replace("count", 2);
+  EXPECT_EQ(read("graph 1 { count 1 title \"t\" node 2 }"), NQ_FILE_OK);
+  EXPECT_NE(reader.events.find("count graph#$,1 in 1; title graph#$,1 in 2; post "
+                               "graph#$,1 in 2; "),
+            std::string::npos)
+      << reader.events;
+  replace("create", 4);  // those of the first read count on
+  EXPECT_EQ(read("graph 1 { node 2 node 3 node 4 }"), NQ_FILE_OK);
+  EXPECT_NE(reader.events.find("create node#$,1,2 in 3; create node#$,1,3 in 3; create "
+                               "node#$,1,4 in 4; "),
+            std::string::npos)
+      << reader.events;
+}
+
 TEST_F(Creation, CopiesSettingsOnly) {
   reader.maxNumberOfErrors(3);
   EXPECT_EQ(read("% % % %"), NQ_FILE_READ_ERROR);
