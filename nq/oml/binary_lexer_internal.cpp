@@ -44,6 +44,14 @@ bool BinaryLexer::read(NQOMLToken& token) {
   return false;
 }
 
+void BinaryLexer::skipRestOfLine(bool ofBinaryValue) {
+  const SourceToken* const ahead = ofBinaryValue ? lookAhead() : nullptr;
+  SourceToken pieces;
+  if (ahead != nullptr && ahead->tag == NQ_OML_BINARY_VALUE && next(pieces)) {
+    pieces.deleteValue();
+  }
+}
+
 bool BinaryLexer::skipTo(std::size_t depth) {
   NQOMLToken token;
   while (sources_.brackets.size() > depth) {

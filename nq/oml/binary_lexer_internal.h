@@ -17,8 +17,8 @@ class BinaryLexer final : public Lexer {
   BinaryLexer(Sources& sources, NameTables& names, Diagnostics& diagnostics)
       : Lexer(sources, names, diagnostics) {}
 
-  // There are no lines: a value that is dropped leaves nothing to skip.
-  void skipRestOfLine() override {}
+  // There are no lines, only pieces.
+  void skipRestOfLine(bool ofBinaryValue) override;
   // And no punctuation.
   void takeSemicolon() override {}
 

@@ -71,8 +71,10 @@ class Lexer {
   // Skips the block whose opening bracket was the last token, to behind the
   // bracket that closes it.
   void skipBlock();
-  // Skips what stands on the same line behind the last token.
-  virtual void skipRestOfLine() = 0;
+  // Skips what stands on the same line behind the last token, a value that nobody
+  // wants; if that was binary, also the pieces of it that follow on further lines,
+  // each with the rest of its own.
+  virtual void skipRestOfLine(bool ofBinaryValue) = 0;
   // Takes a ";" if it comes next, and nothing else that could be a token.
   virtual void takeSemicolon() = 0;
 

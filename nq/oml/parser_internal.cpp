@@ -146,7 +146,7 @@ void Parser::parseValue(const SourceToken* name, const Context& context,
     }
   } else if (name != nullptr && name->declared != 0) {
     value.deleteValue();
-    if (!endsBlock) lexer_.skipRestOfLine();
+    if (!endsBlock) lexer_.skipRestOfLine(value.tag == NQ_OML_BINARY_VALUE);
   } else {
     const bool includes = name != nullptr && isBuiltIn(*name) &&
                           value.tag == NQ_OML_STRING &&

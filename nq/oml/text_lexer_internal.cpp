@@ -14,6 +14,12 @@ constexpr bool isSign(char c) {
   return c == '+' || c == '-';
 }
 
+// Whether the digits from `start` to `end` and what follows begin a binary value.
+bool beginsBinValue(const char* start, const char* end) {
+  return start != end && *end == 'x' &&
+         std::all_of(start, end, [](char c) { return c == '0'; });
+}
+
 constexpr bool isSeparator(char c) {
   return c == kScopeSeparator || c == kScopeSeparatorAlias;
 }
@@ -99,10 +105,14 @@ void TextLexer::skipComment(const Place& place) {
   unterminated(place, kUnterminatedComment);
 }
 
-void TextLexer::skipRestOfLine() {
-  if (sources_.empty() || tookLineEnd_) return;
-  skipToLineEnd();
-  if (source().hasByte()) source().takeLineEnd();
+void TextLexer::skipRestOfLine(bool ofBinaryValue) {
+  if (sources_.empty()) return;
+  do {
+    if (!tookLineEnd_) {
+      skipToLineEnd();
+      if (source().hasByte()) source().takeLineEnd();
+    }
+  } while (ofBinaryValue && skipTextWhiteSpace() && skipBinValue());
 }
 
 void TextLexer::takeSemicolon() {
@@ -206,7 +216,7 @@ void TextLexer::readIntRealScopeOrIP(NQOMLToken& token) {
   takeNumber(start);
   const char* const end = source().at;
   const std::string_view text(start, static_cast<std::size_t>(end - start));
-  if (*end == 'x' && std::all_of(start, end, [](char c) { return c == '0'; })) {
+  if (beginsBinValue(start, end)) {
     ++source().at;
     readBinValue(token);
     return;
@@ -254,6 +264,22 @@ void TextLexer::readBinValue(NQOMLToken& token) {
     }
     binary_.append(static_cast<char>(high << 4 | low));
   }
+}
+
+bool TextLexer::skipBinValue() {
+  Source& file = source();
+  const char* start = file.at;
+  takeNumber(start);
+  if (!beginsBinValue(start, file.at)) {
+    file.at = start;
+    return false;
+  }
+  ++file.at;
+  tookLineEnd_ = false;
+  NQOMLToken piece;
+  readBinValue(piece);
+  binary_.clear();
+  return true;
 }
 
 void TextLexer::readString(NQOMLToken& token) {

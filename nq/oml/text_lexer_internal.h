@@ -14,7 +14,7 @@ class TextLexer final : public Lexer {
   TextLexer(Sources& sources, NameTables& names, Diagnostics& diagnostics)
       : Lexer(sources, names, diagnostics) {}
 
-  void skipRestOfLine() override;
+  void skipRestOfLine(bool ofBinaryValue) override;
   void takeSemicolon() override;
 
  protected:
@@ -37,6 +37,8 @@ class TextLexer final : public Lexer {
   void readFieldName(NQOMLToken& token, std::string_view name);
   void readIntRealScopeOrIP(NQOMLToken& token);
   void readBinValue(NQOMLToken& token);
+  // Skips a binary value if it comes next.
+  bool skipBinValue();
   void readString(NQOMLToken& token);
   void readFullScope(NQOMLToken& token);
   // Reads the components behind the id `id`, each after a separator. What is not

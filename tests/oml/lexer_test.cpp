@@ -233,7 +233,7 @@ TEST(TextLexer, SkipsBlocksAndLines) {
       harness.afterToken = [&](const nqdetail::SourceToken& token) {
         if (skip && token.tag == NQ_OML_OPENING_BRACKET) harness.lexer->skipBlock();
         skip = token.tag == NQ_OML_SECTION_NAME;
-        if (token.tag == NQ_OML_OBJECT_ID) harness.lexer->skipRestOfLine();
+        if (token.tag == NQ_OML_OBJECT_ID) harness.lexer->skipRestOfLine(false);
       };
       ASSERT_TRUE(harness.sources.push("f"));
       EXPECT_EQ(harness.dump(), row.tokens);

@@ -64,6 +64,10 @@ const Row kGood[] = {
     // A binary value takes the end of its line for a digit, and may go on behind it.
     {"field \"old\" graph 1 { old 0x123\n count 1 old 0x1\n2 { %\r\n count 2 }",
      "graph#$,1{count=1 count=2}"},
+    // The pieces of one are ignored together, however they are laid out.
+    {"field \"old\" graph 1 { old\n  0x01 0x02 {\n  0x03 }\n/* */ 00x4\n05 count 1\n "
+     "count 2 old 0x01\n }",
+     "graph#$,1{count=2}"},
     {"field { \"a\" \"b\" } graph 1 { a 1\n b 2\n count 1 }", "graph#$,1{count=1}"},
     {"field \"small\" graph 1 { small 5\n count 1 }", "graph#$,1{count=1}"},
     // Unchecked to the end of the first list that ends after the word.
@@ -123,8 +127,8 @@ TEST(Parser, ReadsTheBinaryEncoding) {
                       "I\xff\xff\xff\xff" + "}" + section("skip") + "{" + zero + "}" +
                       field("link") + "N1,2\"" + field("any") + "$1,2\"" + type("node") +
                       "N2\"" + field("field") + "\"mine\"" + "F" + std::string(3, '\0') +
-                      static_cast<char>(grammar.pFieldPool()->decodeTableMax()) + "i\7" +
-                      field("flag") + "e" + zero + "}";
+                      static_cast<char>(grammar.pFieldPool()->decodeTableMax()) +
+                      "Xi\1aXi\1bXi\1c" + field("flag") + "e" + zero + "}";
   TestReader reader;
   EXPECT_EQ(reader.read("f", grammar, true), NQ_FILE_OK) << reader.errors();
   EXPECT_EQ(reader.tree,
