@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <new>
 #include <string>
 
 #include "nq/core/format_internal.h"
@@ -17,6 +18,10 @@ constexpr char kCut[] = "...\n";
 constexpr std::size_t kCutLength = sizeof kCut - 1;
 constexpr std::size_t kReserve = 6;  // kept free of lines, so that kCut fits behind them
 
+const char* textOf(const char* text) {
+  return text == nullptr ? "" : text;
+}
+
 // "prefix #code (file:line:column) text !"; without a place when line is negative.
 std::string lineOf(int prefix, const char* codeFormat, int code, const char* file,
                    nqLong line, int column, const char* text) {
@@ -25,10 +30,10 @@ std::string lineOf(int prefix, const char* codeFormat, int code, const char* fil
   std::string result = getStringResource(prefix);
   result.append(" #").append(number).append(" ");
   if (line >= 0) {
-    result.append("(").append(file).append(":").append(std::to_string(line));
+    result.append("(").append(textOf(file)).append(":").append(std::to_string(line));
     result.append(":").append(std::to_string(column)).append(") ");
   }
-  return result.append(text).append(" !\n");
+  return result.append(textOf(text)).append(" !\n");
 }
 
 }  // namespace
@@ -37,7 +42,8 @@ void MessageBuffer::resize(unsigned size) {
   size_ = size;
   length_ = 0;
   text_.reset();
-  if (size > 0) text_ = std::make_unique<char[]>(size);
+  if (size > 0) text_.reset(new (std::nothrow) char[size]);
+  clear();
 }
 
 void MessageBuffer::clear() {
@@ -105,7 +111,7 @@ void Diagnostics::error(const char* file, nqLong line, int column, int code,
   }
   ++numberOfErrors;
   errorCode = NQ_FILE_READ_ERROR;
-  sink_.error(file == nullptr ? "" : file, line, column, code, text.c_str(), fatal);
+  sink_.error(textOf(file), line, column, code, text.c_str(), fatal);
   // A limit may have ended the read meanwhile.
   if (fatal != 0 && !ended_) {
     ended_ = true;
@@ -122,7 +128,7 @@ void Diagnostics::warning(const char* file, nqLong line, int column, int code,
                           const char* text) {
   if (ended_) return;
   ++numberOfWarnings;
-  sink_.warning(file == nullptr ? "" : file, line, column, code, text);
+  sink_.warning(textOf(file), line, column, code, text);
 }
 
 void Diagnostics::storeError(const char* file, nqLong line, int column, int code,

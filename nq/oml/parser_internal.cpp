@@ -23,18 +23,13 @@ bool isWord(const SourceToken& token) {
 }
 
 bool sameValues(const NQOMLDefField& a, const NQOMLDefField& b) {
-  if (a.fieldType() != b.fieldType()) return false;
-  const NQOMLDefIndexNode* ofA = a.pValueList();
-  const NQOMLDefIndexNode* ofB = b.pValueList();
-  for (; ofA != nullptr && ofB != nullptr; ofA = ofA->next, ofB = ofB->next) {
-    if (ofA->index != ofB->index) return false;
-  }
-  return ofA == ofB;
+  return a.fieldType() == b.fieldType() && a.sameValuesAs(b) != 0;
 }
 
 }  // namespace
 
 NQOMLSyntaxObject* Parser::parse(const char* fileName) {
+  if (diagnostics_.ended()) return nullptr;
   if (!sources_.push(fileName)) {
     diagnostics_.fatalError({}, kCannotOpen, fileName);
     diagnostics_.errorCode = NQ_FILE_OPEN_ERROR;

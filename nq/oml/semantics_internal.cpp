@@ -63,6 +63,10 @@ void SemanticPass::collectObjects(NQOMLSyntaxObject& object, nqLong scope,
     NQOMLSyntaxObjectList* const next = cell->pNext();
     NQOMLSyntaxObject& child = *cell->pObject();
     const nqLong id = fullObjectScopeIDIndex(child, scope, anonymousCounter);
+    if (id == IDTable::kNone) {
+      memoryExhausted(child);
+      return;
+    }
     bool joined = false;
     if (id == IDTable::kDefaults) {
       collectObjects(child, scope, anonymousCounter);
@@ -109,8 +113,7 @@ void SemanticPass::checkRequiredFields(NQOMLSyntaxObject& object, nqLong objectI
       checkObjectDefinition(field, scope);
   }
   if (object.pDefaultList() != nullptr && (inheritable_ -= fields) < 0) {
-    diagnostics_.fatalError({object.fileNameIndex(), object.line(), object.position()},
-                            kMemoryExhausted);
+    memoryExhausted(object);
     return;
   }
   if (objectID != IDTable::kDefaults && missing > 0) {

@@ -14,6 +14,7 @@
 #include "nq/oml/diagnostics_internal.h"
 #include "nq/oml/grammar.h"
 #include "nq/oml/id_table_internal.h"
+#include "nq/oml/message_codes_internal.h"
 #include "nq/oml/read_hooks_internal.h"
 #include "nq/oml/syntax_tree.h"
 
@@ -63,6 +64,11 @@ class SemanticPass {
   void error(const NQOMLSyntaxStruct& where, int code, const char* argument = nullptr) {
     diagnostics_.error({where.fileNameIndex(), where.line(), where.position()}, code,
                        argument);
+  }
+
+  void memoryExhausted(const NQOMLSyntaxStruct& where) {
+    diagnostics_.fatalError({where.fileNameIndex(), where.line(), where.position()},
+                            kMemoryExhausted);
   }
 
   ReadHooks& hooks_;

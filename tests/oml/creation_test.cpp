@@ -143,6 +143,10 @@ class CleaningReader : public TestReader {
     NQOMLFile::cleanup();
   }
   std::function<void()> atCleanup;
+  int nodes = 0;
+
+ protected:
+  void vSyntaxObjectCreated(NQOMLSyntaxObject*, nqLong, int) override { ++nodes; }
 };
 
 // Called before and after each read, when its results and texts are still there.
@@ -180,6 +184,12 @@ TEST_F(Creation, CleansUpWhenAllIsDone) {
     EXPECT_EQ(cleaning.objects().size(), before + 2);
     EXPECT_NE(cleaning.errors().find("late"), std::string::npos);
   }
+  // A fatal error before one leaves nothing to be done.
+  cleaning.nodes = 0;
+  const int reads = system.reads;
+  EXPECT_EQ(cleaning.read("f", grammar), NQ_FILE_READ_ERROR);
+  EXPECT_EQ(cleaning.nodes, 0);
+  EXPECT_EQ(system.reads, reads);
 }
 
 TEST_F(Creation, IsNotEnteredTwice) {

@@ -160,6 +160,11 @@ class CodeReader : public TestReader {
  public:
   std::set<int> codes;
 
+  void storeNothing() {
+    TestReader::vErrorMessage(nullptr, 1, 2, 7, nullptr, 0);
+    TestReader::vWarningMessage(nullptr, 1, 2, 7, nullptr);
+  }
+
  protected:
   void vErrorMessage(const char* file, nqLong line, int column, int code,
                      const char* text, int fatal) override {
@@ -295,6 +300,11 @@ TEST_F(Diagnostics, ComeFromHooksToo) {
   EXPECT_EQ(reader.numberOfErrors(), 2);
   EXPECT_EQ(reader.numberOfWarnings(), 2);
 
+  EXPECT_EQ(read("graph 1"), NQ_FILE_OK);
+  reader.storeNothing();
+  EXPECT_EQ(reader.errors(), "Error #007 (:1:2)  !\n");
+  EXPECT_EQ(reader.warnings(), "Warning #007 (:1:2)  !\n");
+
   // At a node, and a fatal one: it ends the read where it is.
   reader.listEvents = true;
   reader.atHook = [this](const char* hook) {
@@ -312,7 +322,7 @@ TEST_F(Diagnostics, ComeFromHooksToo) {
   EXPECT_EQ(reader.errors(), "Fatal error #006 (f:2:2) here !\n");
   EXPECT_EQ(reader.events,
             "check graph#$,-2; create graph#$,-2; pre $toplevel$#; post $toplevel$#; "
-            "pre graph#$,-2 in 2; count graph#$,-2 in 2; ");
+            "pre graph#$,-2 in 3; count graph#$,-2 in 3; ");
   EXPECT_EQ(reader.isFatalError(), 1);
   reader.atHook = nullptr;
   EXPECT_EQ(read("graph 1"), NQ_FILE_OK);
