@@ -68,6 +68,7 @@ struct FileState final : MessageSink, SourceOwner, ReadHooks, OutputSink {
 
   SyntaxArena tree;
   NQOMLSyntaxObject* root = nullptr;  // null when the tree is of no use
+  bool mayExecute = false;            // it was found good, and no object is made yet
 
   std::optional<NameTables> names;
   std::optional<Sources> sources;

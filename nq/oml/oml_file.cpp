@@ -1,7 +1,7 @@
 #include "nq/oml/oml_file.h"
 
 #include <algorithm>
-#include <cstring>
+#include <utility>
 
 #include "nq/core/message_table.h"
 #include "nq/core/string_pool.h"
@@ -35,6 +35,7 @@ class BusyMark {
 }  // namespace
 
 void FileState::release() {
+  mayExecute = false;
   writer.reset();
   tables = ReadTables();
   sources.reset();
@@ -298,11 +299,12 @@ void NQOMLFile::checkSemantics() {
   nqdetail::SemanticPass pass(state, *state.grammar, state.names->ids, state.diagnostics,
                               state.bytesRead);
   pass.checkSemantics(*state.root);
+  state.mayExecute = !state.diagnostics.failed() && !state.diagnostics.ended();
 }
 
 void NQOMLFile::execute() {
   nqdetail::FileState& state = *state_;
-  if (state.root == nullptr || !state.names || state.diagnostics.failed() ||
+  if (!std::exchange(state.mayExecute, false) || state.diagnostics.failed() ||
       state.diagnostics.ended()) {
     return;
   }

@@ -267,7 +267,7 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
 
  public:
   // Makes and fills the objects, when nothing was reported; called by
-  // readOMLFile().
+  // readOMLFile(), once for a read.
   virtual void execute();
 
  protected:

@@ -197,10 +197,12 @@ TEST_F(Creation, IsNotEnteredTwice) {
   reader.atHook = [&, this](const char*) {
     inner = reader.readOMLFile("f", &grammar, nullptr, -1, 0, 0, 0);
     reader.initParser(nullptr, nullptr, -1, 1);
+    reader.NQOMLFile::execute();
   };
   EXPECT_EQ(read("graph 1 { count 1 }"), NQ_FILE_OK);
   EXPECT_EQ(inner, NQ_FILE_READ_ERROR);
   EXPECT_EQ(reader.tree, "graph#$,1{count=1}");
+  EXPECT_EQ(reader.objects().size(), 1U);
   // Another reader may read meanwhile.
   TestReader other;
   reader.atHook = [&, this](const char*) {
