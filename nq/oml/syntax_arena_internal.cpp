@@ -4,14 +4,6 @@
 
 namespace nqdetail {
 
-struct SyntaxArena::ObjectRecord final : NQOMLSyntaxObject {
-  template <class... Arguments>
-  explicit ObjectRecord(Arguments... arguments)
-      : NQOMLSyntaxObject(arguments...), cell(nullptr) {}
-
-  NQOMLSyntaxObjectList cell;
-};
-
 struct SyntaxArena::FieldRecord final : NQOMLSyntaxField {
   template <class... Arguments>
   explicit FieldRecord(const NQOMLToken& value, Arguments... arguments)
@@ -24,11 +16,11 @@ struct SyntaxArena::FieldRecord final : NQOMLSyntaxField {
 namespace {
 
 // Memory is counted in words, so that every piece of the arena begins at one.
-template <class T>
+template <class... Ts>
 void* allocate(std::optional<Arena>& memory) {
-  static_assert(sizeof(T) % 8 == 0 && alignof(T) <= 8);
+  static_assert(((sizeof(Ts) % 8 == 0 && alignof(Ts) <= 8) && ...));
   if (!memory.has_value()) memory.emplace();
-  return memory->allocate(sizeof(T));
+  return memory->allocate((sizeof(Ts) + ...));
 }
 
 }  // namespace
@@ -38,10 +30,14 @@ NQOMLSyntaxObject* SyntaxArena::makeObject(NQOMLFile* file, nqLong line, int pos
                                            nqLong objectIDIndex, nqLong sectionIDIndex,
                                            nqULong sectionPath,
                                            NQOMLDefObjType* defObjType) {
-  void* const place = allocate<ObjectRecord>(memory_);
+  // The cell stands before the object, whose constructor already shows the object to
+  // the reading file, which may add it somewhere.
+  void* const place = allocate<NQOMLSyntaxObjectList, NQOMLSyntaxObject>(memory_);
   if (place == nullptr) return nullptr;
-  return new (place) ObjectRecord(this, file, line, position, fileNameIndex, typeIndex,
-                                  objectIDIndex, sectionIDIndex, sectionPath, defObjType);
+  auto* const cell = new (place) NQOMLSyntaxObjectList(nullptr);
+  return new (cell + 1)
+      NQOMLSyntaxObject(this, file, line, position, fileNameIndex, typeIndex,
+                        objectIDIndex, sectionIDIndex, sectionPath, defObjType);
 }
 
 NQOMLSyntaxField* SyntaxArena::makeField(NQOMLFile* file, nqLong line, int position,
@@ -83,7 +79,7 @@ DefaultsIndex* SyntaxArena::makeDefaultsIndex() {
 }
 
 NQOMLSyntaxObjectList* SyntaxArena::cellOf(NQOMLSyntaxObject* object) {
-  return &static_cast<ObjectRecord*>(object)->cell;
+  return reinterpret_cast<NQOMLSyntaxObjectList*>(object) - 1;
 }
 
 NQOMLSyntaxFieldList* SyntaxArena::cellOf(NQOMLSyntaxField* field) {

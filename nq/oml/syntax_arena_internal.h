@@ -62,7 +62,6 @@ class SyntaxArena {
   static NQOMLSyntaxFieldList* cellOf(NQOMLSyntaxField* field);
 
  private:
-  struct ObjectRecord;
   struct FieldRecord;
 
   std::optional<Arena> memory_;  // absent when there is no node

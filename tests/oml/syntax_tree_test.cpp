@@ -359,6 +359,7 @@ TEST_F(SyntaxTree, TellsTheFileOfEachNewObject) {
       told.push_back({syntax, line, position});
       EXPECT_EQ(syntax->typeIndex(), 1);
       syntax->addField(new CountedField);
+      if (holder != nullptr) holder->addObject(syntax);
     }
     struct Event {
       NQOMLSyntaxObject* syntax;
@@ -366,12 +367,16 @@ TEST_F(SyntaxTree, TellsTheFileOfEachNewObject) {
       int position;
     };
     std::vector<Event> told;
+    NQOMLSyntaxObject* holder = nullptr;
   } listener;
   {
     SyntaxArena arena;
     const auto onHeap =
         std::make_unique<NQOMLSyntaxObject>(&listener, 7, 70000, 0, 1, 0, -1, 0, graph_);
+    const auto holder = makeObject();
+    listener.holder = holder.get();
     const auto* const inArena = arena.makeObject(&listener, 8, 2, 0, 1, 0, -1, 0, graph_);
+    EXPECT_EQ(NQOMLSyntaxObjectIter(holder.get()).pObject(), inArena);
     ASSERT_EQ(listener.told.size(), 2U);
     EXPECT_EQ(listener.told[0].syntax, onHeap.get());
     EXPECT_EQ(listener.told[0].line, 7);
