@@ -12,6 +12,7 @@
 #include "nq/containers/numbers.h"
 #include "nq/containers/slist.h"
 #include "nq/containers/sorted_bin_tree.h"
+#include "nq/containers/sorted_list.h"
 #include "nq/core/algorithm.h"
 #include "nq/core/boxed_values.h"
 #include "nq/core/copy_protocol.h"

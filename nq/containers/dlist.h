@@ -99,6 +99,8 @@ class NQ_EXPORT NQDList : public NQObject,
  private:
   template <class, class, class>
   friend class NQLinkedList;
+  template <class, class>
+  friend class NQSortedList;
 
   NQDListCell* pFirstDListCell(NQDListCell* cell) { return pFirst_ = cell; }
   NQDListCell* pLastDListCell(NQDListCell* cell) { return pLast_ = cell; }

@@ -267,6 +267,8 @@ class NQ_EXPORT NQLinkedList {
 
  private:
   friend List;
+  template <class, class>
+  friend class NQSortedList;
   friend nqdetail::ListLinks<List, Cell>;
 
   List* self() { return static_cast<List*>(this); }

@@ -103,6 +103,8 @@ class NQ_EXPORT NQSList : public NQObject,
  private:
   template <class, class, class>
   friend class NQLinkedList;
+  template <class, class>
+  friend class NQSortedList;
 
   bool findPrevious(const NQSListCell* cell, NQSListCell** previous) const;
 };

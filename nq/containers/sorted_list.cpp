@@ -1,0 +1,250 @@
+#include "nq/containers/sorted_list.h"
+
+// ---- Places
+
+// To the first cell for which `stops` holds.
+template <class List, class Cell>
+template <class Stops>
+auto NQSortedList<List, Cell>::walkUntil(Stops stops) const -> Place {
+  Place place{nullptr, this->pFirstCell()};
+  while (place.cell != nullptr && !stops(place.cell)) {
+    place.previous = place.cell;
+    place.cell = place.cell->pNextCell();
+  }
+  return place;
+}
+
+// Where the cell stands, else the first one that belongs behind it.
+template <class List, class Cell>
+auto NQSortedList<List, Cell>::placeOfCell(const Cell* cell) const -> Place {
+  return walkUntil([this, cell](const Cell* other) {
+    return other == cell || virtualCellCompare(other, cell) > 0;
+  });
+}
+
+// The same for the object.
+template <class List, class Cell>
+auto NQSortedList<List, Cell>::placeOfObject(const NQObject* object) const -> Place {
+  return walkUntil([this, object](const Cell* other) {
+    return other->pObject() == object ||
+           virtualObjectCompare(other->pObject(), object) > 0;
+  });
+}
+
+// ---- Search
+
+template <class List, class Cell>
+Cell* NQSortedList<List, Cell>::searchCell(const Cell* cell) const {
+  if (cell == nullptr) return nullptr;
+  Cell* const found = placeOfCell(cell).cell;
+  return found == cell ? found : nullptr;
+}
+
+template <class List, class Cell>
+Cell* NQSortedList<List, Cell>::searchObject(const NQObject* object) const {
+  // Null is known by its address, whatever the comparison would make of it.
+  if (object == nullptr) return List::searchObject(nullptr);
+  Cell* const found = placeOfObject(object).cell;
+  return found != nullptr && found->pObject() == object ? found : nullptr;
+}
+
+// ---- Insertion
+
+template <class List, class Cell>
+Cell* NQSortedList<List, Cell>::insertCell(Cell* cell) {
+  if (cell == nullptr) return nullptr;
+  const Place place = walkUntil(
+      [this, cell](const Cell* other) { return virtualCellCompare(other, cell) > 0; });
+  return List::insertCell(place.previous, cell);
+}
+
+template <class List, class Cell>
+Cell* NQSortedList<List, Cell>::addObject(NQObject* object) {
+  return insertCell(new Cell(object));
+}
+
+template <class List, class Cell>
+Cell* NQSortedList<List, Cell>::insertCellIfNotInList(Cell* cell) {
+  if (cell == nullptr) return nullptr;
+  const Place place = walkUntil([this, cell](const Cell* other) {
+    return other->pObject() == cell->pObject() || virtualCellCompare(other, cell) > 0;
+  });
+  const bool present = place.cell != nullptr && place.cell->pObject() == cell->pObject();
+  return present ? place.cell : List::insertCell(place.previous, cell);
+}
+
+template <class List, class Cell>
+Cell* NQSortedList<List, Cell>::addObjectIfNotInList(NQObject* object) {
+  const Place place = placeOfObject(object);
+  const bool present = place.cell != nullptr && place.cell->pObject() == object;
+  return present ? place.cell : List::addObject(place.previous, object);
+}
+
+// ---- Removal
+
+template <class List, class Cell>
+Cell* NQSortedList<List, Cell>::searchAndRemoveCell(const Cell* cell) {
+  return this->removeCell(searchCell(cell));
+}
+
+template <class List, class Cell>
+Cell* NQSortedList<List, Cell>::searchAndRemoveObject(const NQObject* object) {
+  return this->removeCell(searchObject(object));
+}
+
+// ---- Taking in cells of other lists
+
+template <class List, class Cell>
+int NQSortedList<List, Cell>::moveRun(List* source, Cell* from, Cell* to,
+                                      bool onlyNewObjects) {
+  Cell* previous = nullptr;
+  if (this->refuses(source) || !source->findPrevious(from, &previous) ||
+      source->runLength(from, to) == 0) {
+    return 0;
+  }
+  Cell* const end = to->pNextCell();
+  for (Cell* cell = from; cell != end;) {
+    Cell* const next = cell->pNextCell();
+    if (!onlyNewObjects || searchObject(cell->pObject()) == nullptr) {
+      insertCell(source->removeAfter(previous, cell));
+    } else {
+      previous = cell;
+    }
+    cell = next;
+  }
+  return 1;
+}
+
+template <class List, class Cell>
+int NQSortedList<List, Cell>::copyRun(const List* source, const Cell* from,
+                                      const Cell* to, bool onlyNewObjects) {
+  if (this->refuses(source) || source->runLength(from, to) == 0) return 0;
+  for (const Cell* cell = from;; cell = cell->pNextCell()) {
+    if (!onlyNewObjects || searchObject(cell->pObject()) == nullptr) {
+      addObject(cell->pObject());
+    }
+    if (cell == to) return 1;
+  }
+}
+
+template <class List, class Cell>
+int NQSortedList<List, Cell>::transferListPart(List* source, Cell* from, Cell* to) {
+  return moveRun(source, from, to, false);
+}
+
+template <class List, class Cell>
+int NQSortedList<List, Cell>::transferListPartIfNotInList(List* source, Cell* from,
+                                                          Cell* to) {
+  return moveRun(source, from, to, true);
+}
+
+template <class List, class Cell>
+int NQSortedList<List, Cell>::copyTransferListPart(const List* source, const Cell* from,
+                                                   const Cell* to) {
+  return copyRun(source, from, to, false);
+}
+
+template <class List, class Cell>
+int NQSortedList<List, Cell>::copyTransferListPartIfNotInList(const List* source,
+                                                              const Cell* from,
+                                                              const Cell* to) {
+  return copyRun(source, from, to, true);
+}
+
+// The operation on a part, for a whole list.
+template <class List, class Cell>
+template <class Source, class SomeCell>
+int NQSortedList<List, Cell>::wholeList(int (NQSortedList::*part)(Source*, SomeCell*,
+                                                                  SomeCell*),
+                                        Source* source) {
+  if (this->refuses(source)) return 0;
+  if (source->length() == 0) return 1;
+  return (this->*part)(source, source->pFirstCell(), source->pLastCell());
+}
+
+template <class List, class Cell>
+int NQSortedList<List, Cell>::transferList(List* source) {
+  return wholeList(&NQSortedList::transferListPart, source);
+}
+
+template <class List, class Cell>
+int NQSortedList<List, Cell>::transferListIfNotInList(List* source) {
+  return wholeList(&NQSortedList::transferListPartIfNotInList, source);
+}
+
+template <class List, class Cell>
+int NQSortedList<List, Cell>::copyTransferList(const List* source) {
+  return wholeList(&NQSortedList::copyTransferListPart, source);
+}
+
+template <class List, class Cell>
+int NQSortedList<List, Cell>::copyTransferListIfNotInList(const List* source) {
+  return wholeList(&NQSortedList::copyTransferListPartIfNotInList, source);
+}
+
+// ---- The comparison
+
+template <class List, class Cell>
+int NQSortedList<List, Cell>::virtualCellCompare(const Cell* a, const Cell* b) const {
+  return virtualObjectCompare(a->pObject(), b->pObject());
+}
+
+template <class List, class Cell>
+void NQSortedList<List, Cell>::debugOutput(int) {}
+
+template class NQSortedList<NQDList, NQDListCell>;
+template class NQSortedList<NQSList, NQSListCell>;
+
+// ---- NQSortedDList
+
+void NQSortedDList::NQSortedDListdeepCopy(const NQSortedDList& source) {
+  NQCopyAccess::deep<NQDList>(*this, source);
+}
+
+void NQSortedDList::NQSortedDListattributeCopy(const NQSortedDList& source) {
+  NQCopyAccess::attributes<NQDList>(*this, source);
+}
+
+// The protocol's assignment looks out for the object itself.
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
+const NQSortedDList& NQSortedDList::operator=(const NQSortedDList& source) {
+  NQCopyAccess::copyObject<NQSortedDList>(*this, &source);
+  return *this;
+}
+
+NQSortedDList* NQSortedDList::castDown(const NQObject* object) {
+  return NQCopyAccess::castDown<NQSortedDList>(object);
+}
+
+// ---- NQSortedSList
+
+void NQSortedSList::NQSortedSListdeepCopy(const NQSortedSList& source) {
+  NQCopyAccess::deep<NQSList>(*this, source);
+}
+
+void NQSortedSList::NQSortedSListattributeCopy(const NQSortedSList& source) {
+  NQCopyAccess::attributes<NQSList>(*this, source);
+}
+
+// NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
+const NQSortedSList& NQSortedSList::operator=(const NQSortedSList& source) {
+  NQCopyAccess::copyObject<NQSortedSList>(*this, &source);
+  return *this;
+}
+
+NQSortedSList* NQSortedSList::castDown(const NQObject* object) {
+  return NQCopyAccess::castDown<NQSortedSList>(object);
+}
+
+NQSListCell* NQSortedSList::searchPreviousCell(const NQSListCell* cell) const {
+  if (cell == nullptr) return NQSList::searchPreviousCell(nullptr);
+  const Place place = placeOfCell(cell);
+  return place.cell == cell ? place.previous : NQSList::searchPreviousCell(nullptr);
+}
+
+NQSListCell* NQSortedSList::searchPreviousObject(const NQObject* object) const {
+  if (object == nullptr) return NQSList::searchPreviousObject(nullptr);
+  const Place place = placeOfObject(object);
+  const bool found = place.cell != nullptr && place.cell->pObject() == object;
+  return found ? place.previous : NQSList::searchPreviousObject(nullptr);
+}
