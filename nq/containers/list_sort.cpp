@@ -115,11 +115,3 @@ NQSListCell* NQSListSort::findLargestElement(NQSList* list) {
 void NQSListSort::debugOutput(int) {}
 
 void NQSListSort::debugOutputList(NQSList*) {}
-
-int NQMemAddressDListSort::virtualCompare(NQDListCell* a, NQDListCell* b) {
-  const auto first = reinterpret_cast<nqInt64>(a->pObject());
-  const auto second = reinterpret_cast<nqInt64>(b->pObject());
-  return first < second ? -1 : first > second ? 1 : 0;
-}
-
-void NQMemAddressDListSort::virtualDebugOutputElement(NQDListCell*) {}

@@ -1,10 +1,21 @@
 // list_sort_internal.h -- the sorting algorithms, once for both kinds of lists.
 //
-// A sort works on a chain: cells linked by their next pointers alone, the last
-// one's null. The list's other links are put right once, at the end. Chains that
-// fit a buffer on the stack are sorted there as arrays of cell pointers, by the
-// same rules and with the same outcome, since an array is walked without waiting
-// for memory at every cell.
+// A sort works on chains: cells linked by their next pointers. Chains that fit a
+// buffer on the stack are sorted there as arrays of cell pointers, and linked
+// again once. Comparisons are calls that nobody can see into, and the cells and
+// their objects lie anywhere in memory; what a sort can do is not to wait:
+//   - Arrays are partitioned and merged without branches that depend on a
+//     comparison, and merges run from both ends at once, so that the processor
+//     works on several comparisons at a time. (O. R. L. Peters, L. Bergdoll,
+//     "Driftsort", 2024.)
+//   - While a chain has no final order, the previous link of a cell leads some
+//     cells ahead, so that a walk can fetch what it will need. (A. Roth, G. S. Sohi,
+//     "Effective jump-pointer prefetching for linked data structures", 1999.)
+//   - Chains are merged many at a time, which touches each cell less often.
+//
+// Both halves of a quick sort's partition keep the order of their cells, and a
+// pivot's equals stay on the side where they stood: equals never change places.
+// So a part that cannot reach the depth limit may be finished by any stable sort.
 //
 // No comparison, however inconsistent, makes an algorithm lose a cell or loop.
 
@@ -21,7 +32,34 @@
 
 namespace nqdetail {
 
-// A list's cells as a chain.
+// Asks for memory that will be needed soon. Any address will do.
+inline void fetch([[maybe_unused]] const void* address) {
+#if defined(__GNUC__)
+  __builtin_prefetch(address);
+#endif
+}
+
+// 1 for true. Compilers do not see that it is nothing else, and so make no branch
+// of what depends on it.
+inline std::size_t bit(bool value) {
+  std::size_t result = value ? 1 : 0;
+#if defined(__GNUC__)
+  asm("" : "+r"(result));
+#endif
+  return result;
+}
+
+// One of two values, without a branch: b when `second` is 1, a when it is 0.
+inline std::size_t choose(std::size_t second, std::size_t a, std::size_t b) {
+  return a ^ ((a ^ b) & (0 - second));
+}
+template <class Cell>
+Cell* choose(std::size_t second, Cell* a, Cell* b) {
+  Cell* const both[] = {a, b};
+  return both[second];
+}
+
+// The links of a list's cells.
 template <class List, class Cell>
 struct ListLinks {
   static Cell* next(Cell* cell) { return cell->pNext_; }
@@ -29,15 +67,35 @@ struct ListLinks {
   // Makes two cells neighbours; null stands for either end of the list.
   static void connect(List& list, Cell* left, Cell* right) { list.connect(left, right); }
 
-  // Makes the list hold the cells it held before in the order of the chain.
-  static void relink(List& list, Cell* first) {
-    list.pFirst_ = first;
-    Cell* last = nullptr;
-    for (Cell* cell = first; cell != nullptr; cell = cell->pNext_) {
-      if constexpr (kHasPrevious<Cell>) cell->pPrevious_ = last;
-      last = cell;
+  // Makes two cells neighbours.
+  static void connect(Cell* left, Cell* right) {
+    left->pNext_ = right;
+    if constexpr (kHasPrevious<Cell>) right->pPrevious_ = left;
+  }
+
+  // The cell that stands `kFarAhead` cells further in a chain without final
+  // order, as far as it is known.
+  static constexpr nqLong kFarAhead = 8;
+  static Cell* farAhead(Cell* cell) {
+    if constexpr (kHasPrevious<Cell>) {
+      return cell->pPrevious_;
+    } else {
+      return nullptr;
     }
+  }
+  static void setFarAhead([[maybe_unused]] Cell* cell, [[maybe_unused]] Cell* ahead) {
+    if constexpr (kHasPrevious<Cell>) cell->pPrevious_ = ahead;
+  }
+
+  static void fetchObject(Cell* cell) { fetch(cell->pObject_); }
+
+  // Makes the list hold the cells it held before, which are neighbours already.
+  static void setEnds(List& list, Cell* first, Cell* last) {
+    list.pFirst_ = first;
     list.pLast_ = last;
+    if (first == nullptr) return;
+    if constexpr (kHasPrevious<Cell>) first->pPrevious_ = nullptr;
+    last->pNext_ = nullptr;
   }
 };
 
@@ -50,14 +108,16 @@ class ListSort {
       : compare_(compare), recursionDepth_(recursionDepth), changed_(changed) {}
 
   void quickSort(List& list) {
-    Chain chain{list.pFirstCell(), list.pLastCell(), list.length()};
+    Chain chain = take(list);
     qsortWrapper(chain);
-    Links::relink(list, chain.first);
+    Links::setEnds(list, chain.first, chain.last);
   }
   void mergeSort(List& list) {
-    Chain chain{list.pFirstCell(), list.pLastCell(), list.length()};
+    if (isSorted(list)) return;
+    changed_ = 1;
+    Chain chain = take(list);
     msortWrapper(chain);
-    Links::relink(list, chain.first);
+    Links::setEnds(list, chain.first, chain.last);
   }
 
   // Passes over ever fewer cells, until one swaps nothing.
@@ -87,7 +147,12 @@ class ListSort {
         }
       }
     }
-    Links::relink(list, first);
+    Cell* last = nullptr;
+    for (Cell* cell = first; cell != nullptr; cell = Links::next(cell)) {
+      if (last != nullptr) Links::connect(last, cell);
+      last = cell;
+    }
+    Links::setEnds(list, first, last);
   }
 
   bool isSorted(const List& list) {
@@ -147,31 +212,102 @@ class ListSort {
 
   // Quick sort nested this deep leaves its parts to the other sorts.
   static constexpr int kDepthLimit = 31;
-  // Where it does, shorter parts than this are not worth merging.
+  // Where it does, shorter parts than this count as sorted by bubbling.
   static constexpr std::size_t kMergeFrom = 6;
+  // Parts of at most so many cells are not worth partitioning.
+  static constexpr std::size_t kSmall = 32;
   // Chains of at most so many cells are sorted as arrays.
   static constexpr nqLong kBufferLength = 4096;
+  // So many chains are merged at a time.
+  static constexpr std::size_t kFan = 32;
+  // The result again so often, which is enough for any length.
+  static constexpr std::size_t kLevels = 4;
 
+  // The last cell's next pointer means nothing.
   struct Chain {
     Cell* first = nullptr;
     Cell* last = nullptr;
     nqLong length = 0;
 
-    void append(Cell* cell) { append(Chain{cell, cell, 1}); }
+    // Appends cells that have their final order, as these have.
     void append(const Chain& other) {
       if (other.length == 0) return;
       if (length == 0) {
         *this = other;
         return;
       }
-      // Mostly they are neighbours already, and need not be written to.
-      if (Links::next(last) != other.first) Links::setNext(last, other.first);
+      Links::connect(last, other.first);
       last = other.last;
       length += other.length;
     }
-    void end() {
-      if (last != nullptr) Links::setNext(last, nullptr);
+  };
+
+  // Builds a chain, in its final order or not.
+  template <bool kFinal>
+  class Builder {
+   public:
+    Builder() = default;
+    Builder(const Builder&) = delete;
+    Builder& operator=(const Builder&) = delete;
+
+    void append(Cell* cell) {
+      if (last_ == nullptr) {
+        first_ = cell;
+      } else if constexpr (kFinal) {
+        Links::connect(last_, cell);
+      } else {
+        Links::setNext(last_, cell);
+      }
+      last_ = cell;
+      if constexpr (!kFinal) {
+        Cell*& place = recent_[length_ % recent_.size()];
+        if (place != nullptr) Links::setFarAhead(place, cell);
+        place = cell;
+      }
+      ++length_;
     }
+    Chain chain() { return {first_, last_, static_cast<nqLong>(length_)}; }
+
+   private:
+    Cell* first_ = nullptr;
+    Cell* last_ = nullptr;
+    std::size_t length_ = 0;
+    std::array<Cell*, Links::kFarAhead> recent_{};  // the last ones
+  };
+
+  // Hands out the cells of a chain from the front, and fetches what stands ahead.
+  class Walker {
+   public:
+    Walker() = default;
+    explicit Walker(const Chain& chain)
+        : cell_(chain.first), scout_(chain.first), left_(chain.length), ahead_(left_) {
+      for (nqLong i = 0; i < kScoutsAhead && ahead_ > 0; ++i) advanceScout();
+    }
+
+    // Null at the end.
+    Cell* cell() const { return left_ > 0 ? cell_ : nullptr; }
+    Cell* take() {
+      Cell* const cell = cell_;
+      if (ahead_ > 0) advanceScout();
+      cell_ = Links::next(cell);
+      --left_;
+      return cell;
+    }
+
+   private:
+    static constexpr nqLong kScoutsAhead = 6;
+
+    void advanceScout() {
+      fetch(Links::farAhead(scout_));
+      Links::fetchObject(scout_);
+      scout_ = Links::next(scout_);
+      --ahead_;
+    }
+
+    Cell* cell_ = nullptr;
+    Cell* scout_ = nullptr;  // some cells further
+    nqLong left_ = 0;        // cells from cell_ on
+    nqLong ahead_ = 0;       // cells from scout_ on
   };
 
   // An array of cells, with as many spare places for those on the move.
@@ -181,31 +317,93 @@ class ListSort {
     std::size_t length;
 
     Cells part(std::size_t from, std::size_t count) const {
-      return {at + from, spare, count};
+      return {at + from, spare + from, count};
     }
   };
 
-  // Runs `sort` over the chain's cells in a buffer.
-  template <class Sort>
-  static void inBuffer(Chain& chain, Sort sort) {
-    if (chain.length == 0) return;
-    std::array<Cell*, kBufferLength> buffer;
+  // The list's cells as a chain. A long one gets its links ahead, by a walk from
+  // both ends at once where that is possible.
+  static Chain take(List& list) {
+    const Chain chain{list.pFirstCell(), list.pLastCell(), list.length()};
+    if constexpr (kHasPrevious<Cell>) {
+      if (chain.length > kBufferLength) {
+        std::array<Cell*, Links::kFarAhead> before{};
+        std::array<Cell*, Links::kFarAhead> behind{};
+        Cell* front = chain.first;
+        Cell* back = chain.last;
+        for (nqLong i = 0; i < chain.length / 2; ++i) {
+          const auto place = static_cast<std::size_t>(i % Links::kFarAhead);
+          if (before[place] != nullptr) Links::setFarAhead(before[place], front);
+          before[place] = front;
+          front = Links::next(front);
+          Cell* const previous = back->pPreviousCell();
+          Links::setFarAhead(back, behind[place]);
+          behind[place] = back;
+          back = previous;
+        }
+      }
+    }
+    return chain;
+  }
+
+  // The cell with so many before it, in the first half of a chain.
+  static Cell* cellAt(const Chain& chain, nqLong index) {
+    Cell* cell = chain.first;
+    if constexpr (kHasPrevious<Cell>) {
+      for (; index > Links::kFarAhead; index -= Links::kFarAhead) {
+        cell = Links::farAhead(cell);
+      }
+    }
+    for (; index > 0; --index) cell = Links::next(cell);
+    return cell;
+  }
+
+  // Copies at most a buffer's length of cells.
+  struct Buffer {
+    std::array<Cell*, kBufferLength> at;
     std::array<Cell*, kBufferLength> spare;
-    std::size_t length = 0;
-    for (Cell* cell = chain.first; length < static_cast<std::size_t>(chain.length);
-         cell = Links::next(cell)) {
-      buffer[length++] = cell;
+    Cells cells{at.data(), spare.data(), 0};
+
+    void fill(Walker& walker) {
+      for (cells.length = 0; cells.length < at.size(); ++cells.length) {
+        if (walker.cell() == nullptr) return;
+        at[cells.length] = walker.take();
+      }
     }
-    sort(Cells{buffer.data(), spare.data(), length});
-    for (std::size_t place = 1; place < length; ++place) {
-      Links::setNext(buffer[place - 1], buffer[place]);
+    Chain inFinalOrder() const {
+      if (cells.length == 0) return {};
+      for (std::size_t place = 1; place < cells.length; ++place) {
+        Links::connect(at[place - 1], at[place]);
+      }
+      return {at[0], at[cells.length - 1], static_cast<nqLong>(cells.length)};
     }
-    chain.first = buffer[0];
-    chain.last = buffer[length - 1];
-    chain.end();
+    // For chains that will be merged.
+    Chain inOrder() const {
+      const std::size_t far = Links::kFarAhead;
+      for (std::size_t place = 0; place < cells.length; ++place) {
+        if (place > 0) Links::setNext(at[place - 1], at[place]);
+        Links::setFarAhead(at[place],
+                           place + far < cells.length ? at[place + far] : nullptr);
+      }
+      return {at[0], at[cells.length - 1], static_cast<nqLong>(cells.length)};
+    }
+  };
+
+  // Runs `sort` over the chain's cells in a buffer, if they fit.
+  template <class Sort>
+  static bool inBuffer(Chain& chain, Sort sort) {
+    if (chain.length > kBufferLength) return false;
+    Buffer buffer;
+    Walker walker(chain);
+    buffer.fill(walker);
+    sort(buffer.cells);
+    chain = buffer.inFinalOrder();
+    return true;
   }
 
   bool less(Cell* a, Cell* b) { return compare_(a, b) < 0; }
+
+  // ---- Quick sort
 
   // Which of the first, middle and last cell lies between the other two.
   Cell* medianOfThree(Cell* first, Cell* middle, Cell* last) {
@@ -219,35 +417,35 @@ class ListSort {
   }
 
   void qsortWrapper(Chain& chain) {
-    if (chain.length <= kBufferLength) {
-      inBuffer(chain, [this](const Cells& cells) { qsortWrapper(cells); });
-      return;
-    }
+    if (inBuffer(chain, [this](const Cells& cells) { qsortWrapper(cells); })) return;
     const int depth = ++recursionDepth_;
     Chain greater;
     Cell* const pivot = compareAndSplitIntoTwoLists(chain, greater);
     for (Chain* const part : {&chain, &greater}) {
       if (depth < kDepthLimit) {
         qsortWrapper(*part);
-      } else if (part->length <= kBufferLength) {
-        inBuffer(*part, [this](const Cells& cells) { finishDeepPart(cells); });
       } else {
-        msortWrapper(*part);
+        finishDeepPart(*part);
       }
     }
-    chain.append(pivot);
+    chain.append(Chain{pivot, pivot, 1});
     chain.append(greater);
-    chain.end();
     --recursionDepth_;
   }
 
   void qsortWrapper(const Cells& cells) {
     if (cells.length < 2) return;
+    // Three cells or more leave at least one on either side of their pivot: two
+    // cells take one level.
+    const int levels = static_cast<int>(std::min(cells.length, kSmall) / 2);
+    if (cells.length <= kSmall && recursionDepth_ + levels < kDepthLimit) {
+      if (!isSorted(cells)) msortWrapper(cells);
+      return;
+    }
     const int depth = ++recursionDepth_;
     const std::size_t kept = compareAndSplitIntoTwoLists(cells);
-    const Cells parts[] = {cells.part(0, kept),
-                           cells.part(kept + 1, cells.length - kept - 1)};
-    for (const Cells& part : parts) {
+    for (const Cells& part :
+         {cells.part(0, kept), cells.part(kept + 1, cells.length - kept - 1)}) {
       if (depth < kDepthLimit) {
         qsortWrapper(part);
       } else {
@@ -259,29 +457,20 @@ class ListSort {
 
   // Moves what belongs behind the pivot into `greater` and takes the pivot out.
   // Cells keep their order; the pivot's equals stay when they stood before it
-  // and move when they stood behind it. Leaves both chains ended.
+  // and move when they stood behind it.
   Cell* compareAndSplitIntoTwoLists(Chain& chain, Chain& greater) {
-    Cell* middle = chain.first;
-    for (nqLong place = 1; place < (chain.length + 1) / 2; ++place) {
-      middle = Links::next(middle);
-    }
+    Cell* const middle = cellAt(chain, (chain.length + 1) / 2 - 1);
     Cell* const pivot = medianOfThree(chain.first, middle, chain.last);
-    Chain kept;
-    int movesFrom = 1;  // the least comparison with the pivot that moves a cell
-    for (Cell* cell = chain.first; cell != nullptr;) {
-      Cell* const next = Links::next(cell);
-      if (cell == pivot) {
-        movesFrom = 0;
-      } else if (compare_(cell, pivot) >= movesFrom) {
-        greater.append(cell);
-      } else {
-        kept.append(cell);
-      }
-      cell = next;
-    }
-    kept.end();
-    greater.end();
-    chain = kept;
+    Walker walker(chain);
+    Builder<false> parts[2];
+    const auto split = [&](Cell* cell, int movesFrom) {
+      parts[bit(compare_(cell, pivot) >= movesFrom)].append(cell);
+    };
+    while (walker.cell() != pivot) split(walker.take(), 1);
+    walker.take();
+    while (walker.cell() != nullptr) split(walker.take(), 0);
+    chain = parts[0].chain();
+    greater = parts[1].chain();
     return pivot;
   }
 
@@ -293,128 +482,218 @@ class ListSort {
         medianOfThree(cells.at[0], cells.at[(length + 1) / 2 - 1], cells.at[length - 1]);
     std::size_t kept = 0;
     std::size_t moved = 0;
-    int movesFrom = 1;
-    for (std::size_t place = 0; place < length; ++place) {
-      Cell* const cell = cells.at[place];
-      if (cell == pivot) {
-        movesFrom = 0;
-        continue;
-      }
+    std::size_t place = 0;
+    const auto split = [&](Cell* cell, int movesFrom) {
       // Both stores are made, and one of them counts: no branch to mispredict.
-      const bool moves = compare_(cell, pivot) >= movesFrom;
+      const std::size_t moves = bit(compare_(cell, pivot) >= movesFrom);
       cells.spare[moved] = cell;
       cells.at[kept] = cell;
-      moved += moves ? 1 : 0;
-      kept += moves ? 0 : 1;
-    }
+      moved += moves;
+      kept += 1 - moves;
+    };
+    for (; cells.at[place] != pivot; ++place) split(cells.at[place], 1);
+    for (++place; place < length; ++place) split(cells.at[place], 0);
     cells.at[kept] = pivot;
     std::copy_n(cells.spare, moved, cells.at + kept + 1);
     return kept;
   }
 
+  void finishDeepPart(Chain& chain) {
+    if (inBuffer(chain, [this](const Cells& cells) { finishDeepPart(cells); })) return;
+    bool sorted = true;
+    Walker walker(chain);
+    for (Cell* cell = walker.take(); sorted && walker.cell() != nullptr;) {
+      Cell* const next = walker.take();
+      sorted = compare_(cell, next) <= 0;
+      cell = next;
+    }
+    if (!sorted) changed_ = 1;
+    msortWrapper(chain);
+  }
+
   void finishDeepPart(const Cells& cells) {
-    if (cells.length < kMergeFrom) {
-      changed_ = 0;  // as a bubble sort of its own would begin
-      insertionSort(cells);
-    } else {
-      msortWrapper(cells);
-    }
+    if (cells.length < kMergeFrom) changed_ = 0;  // as a bubble sort would begin
+    if (isSorted(cells)) return;
+    changed_ = 1;
+    msortWrapper(cells);
   }
 
-  // Sorts stretches in the buffer and merges them pairwise as they come: stretch
-  // after stretch is carried into sizes[0], sizes[1], ..., where sizes[i] is
-  // empty or holds 2 to the i stretches.
+  // ---- Merge sort
+
+  bool isSorted(const Cells& cells) {
+    for (std::size_t place = 1; place < cells.length; ++place) {
+      if (compare_(cells.at[place - 1], cells.at[place]) > 0) return false;
+    }
+    return true;
+  }
+
+  // Sorts stretches in the buffer. They gather in levels[0]; when that is full
+  // they are merged into one chain of levels[1], and so on.
   void msortWrapper(Chain& chain) {
-    std::array<Chain, 32> sizes;
-    Cell* rest = chain.first;
-    nqLong restLength = chain.length;
-    while (restLength > 0) {
-      Chain stretch{rest, nullptr, std::min(restLength, kBufferLength)};
-      for (nqLong place = 0; place < stretch.length; ++place) rest = Links::next(rest);
-      restLength -= stretch.length;
-      inBuffer(stretch, [this](const Cells& cells) { msortWrapper(cells); });
-      std::size_t size = 0;
-      for (; sizes[size].length > 0; ++size) {
-        stretch = mergeSortedLists(sizes[size], stretch);
-        sizes[size] = Chain{};
-      }
-      sizes[size] = stretch;
+    if (inBuffer(chain, [this](const Cells& cells) { msortWrapper(cells); })) return;
+    Levels levels;
+    Walker walker(chain);
+    while (walker.cell() != nullptr) {
+      Buffer buffer;
+      buffer.fill(walker);
+      if (!isSorted(buffer.cells)) msortWrapper(buffer.cells);
+      addRun(levels, 0, buffer.inOrder());
     }
-    Chain sorted;
-    for (const Chain& size : sizes) sorted = mergeSortedLists(size, sorted);
-    chain = sorted;
+    std::size_t top = kLevels - 1;
+    while (levels[top].count == 0) --top;
+    for (std::size_t low = 0; low < top; ++low) {
+      if (levels[low].count > 0) {
+        addRun(levels, low + 1, mergeSortedLists<false>(levels[low]));
+      }
+    }
+    chain = mergeSortedLists<true>(levels[top]);
   }
 
+  struct Level {
+    std::array<Chain, kFan> runs;
+    std::size_t count = 0;
+  };
+
+  using Levels = std::array<Level, kLevels>;
+
+  void addRun(Levels& levels, std::size_t at, const Chain& run) {
+    Level& level = levels[at];
+    if (level.count == kFan && at + 1 < kLevels) {
+      addRun(levels, at + 1, mergeSortedLists<false>(level));
+      level.count = 0;
+    }
+    level.runs[level.count++] = run;
+  }
+
+  // Merges chains through a tree of losers (Knuth): `losers` holds, for each inner
+  // node of a tree over them, the one that lost there; the winner goes on. Ties
+  // keep the cell of the earlier chain first.
+  template <bool kFinal>
+  Chain mergeSortedLists(const Level& level) {
+    const std::size_t count = level.count;
+    std::array<Walker, kFan> walkers;
+    std::array<std::size_t, kFan> losers;
+    nqLong length = 0;
+    for (std::size_t run = 0; run < count; ++run) {
+      walkers[run] = Walker(level.runs[run]);
+      length += level.runs[run].length;
+    }
+    const auto wins = [&](std::size_t a, std::size_t b) {
+      Cell* const cellA = walkers[a].cell();
+      Cell* const cellB = walkers[b].cell();
+      if (cellA == nullptr || cellB == nullptr) return cellB == nullptr;
+      return compare_(cellA, cellB) < (a < b ? 1 : 0);
+    };
+    std::array<std::size_t, 2 * kFan> winners;
+    for (std::size_t node = 2 * count - 1; node >= count; --node) {
+      winners[node] = node - count;
+    }
+    for (std::size_t node = count - 1; node > 0; --node) {
+      const std::size_t a = winners[2 * node];
+      const std::size_t b = winners[2 * node + 1];
+      const bool aWins = wins(a, b);
+      winners[node] = aWins ? a : b;
+      losers[node] = aWins ? b : a;
+    }
+    std::size_t winner = winners[1];
+
+    Builder<kFinal> merged;
+    for (nqLong left = length; left > 0; --left) {
+      merged.append(walkers[winner].take());
+      for (std::size_t node = (winner + count) / 2; node > 0; node /= 2) {
+        const std::size_t loser = losers[node];
+        const std::size_t stays = bit(wins(winner, loser));
+        losers[node] = choose(stays, winner, loser);
+        winner = choose(stays, loser, winner);
+      }
+    }
+    return merged.chain();
+  }
+
+  // Sorts a few cells at a time and merges them, to and fro between the array and
+  // the spare places.
   void msortWrapper(const Cells& cells) {
-    if (cells.length < kMergeFrom) {
-      insertionSort(cells);
+    msortWrapper(cells.at, cells.spare, cells.length, false);
+  }
+
+  // The result goes to `spare` or stays in `at`.
+  void msortWrapper(Cell** at, Cell** spare, std::size_t length, bool toSpare) {
+    Cell** const to = toSpare ? spare : at;
+    if (length < 4) {
+      insertionSort(at, length, to);
+    } else if (length == 4) {
+      sortFour(at, to);
+    } else {
+      const std::size_t half = (length / 2 + 3) / 4 * 4;
+      msortWrapper(at, spare, half, !toSpare);
+      msortWrapper(at + half, spare + half, length - half, !toSpare);
+      mergeSortedLists(toSpare ? at : spare, half, length, to);
+    }
+  }
+
+  // Merges the first `half` cells with the others, from both ends.
+  void mergeSortedLists(Cell* const* from, std::size_t half, std::size_t length,
+                        Cell** to) {
+    if (compare_(from[half - 1], from[half]) <= 0) {
+      std::copy_n(from, length, to);
       return;
     }
-    const std::size_t half = (cells.length + 1) / 2;
-    msortWrapper(cells.part(0, half));
-    msortWrapper(cells.part(half, cells.length - half));
-    mergeSortedLists(cells, half);
-  }
-
-  // Merges b into a, of which ties keep a's cell first. The chains stay ended.
-  Chain mergeSortedLists(const Chain& a, const Chain& b) {
-    if (a.length == 0) return b;
-    if (b.length == 0) return a;
-    Chain merged;
-    if (compare_(a.last, b.first) <= 0) {
-      merged = a;
-      merged.append(b);
-      return merged;
-    }
-    changed_ = 1;
-    Cell* x = a.first;
-    Cell* y = b.first;
-    Cell* last = nullptr;
-    const auto take = [&merged, &last](Cell*& from) {
-      if (last == nullptr) {
-        merged.first = from;
-      } else {
-        Links::setNext(last, from);
-      }
-      last = from;
-      from = Links::next(from);
-    };
-    do {
-      take(compare_(x, y) > 0 ? y : x);
-    } while (x != nullptr && y != nullptr);
-    Links::setNext(last, x != nullptr ? x : y);
-    merged.last = x != nullptr ? a.last : b.last;
-    merged.length = a.length + b.length;
-    return merged;
-  }
-
-  // Merges the first `half` cells with the others.
-  void mergeSortedLists(const Cells& cells, std::size_t half) {
-    if (compare_(cells.at[half - 1], cells.at[half]) <= 0) return;
-    changed_ = 1;
-    std::copy_n(cells.at, half, cells.spare);
-    std::size_t x = 0;
+    const std::size_t steps = std::min(half, length - half);
+    std::size_t x = 0;  // the first that is left of either half
     std::size_t y = half;
-    std::size_t place = 0;
-    while (x < half && y < cells.length) {
-      const bool second = compare_(cells.spare[x], cells.at[y]) > 0;
-      cells.at[place++] = second ? cells.at[y] : cells.spare[x];
-      x += second ? 0 : 1;
-      y += second ? 1 : 0;
+    std::size_t endX = half;  // behind the last
+    std::size_t endY = length;
+    for (std::size_t step = 0; step < steps; ++step) {
+      const std::size_t second = bit(compare_(from[x], from[y]) > 0);
+      to[step] = from[choose(second, x, y)];
+      x += 1 - second;
+      y += second;
+      const std::size_t first = bit(compare_(from[endX - 1], from[endY - 1]) > 0);
+      to[length - 1 - step] = from[choose(first, endY, endX) - 1];
+      endX -= first;
+      endY -= 1 - first;
     }
-    std::copy(cells.spare + x, cells.spare + half, cells.at + place);
+    if (x > endX || y > endY) {
+      // The two ends contradict each other.
+      std::copy_n(from, length, to);
+      return;
+    }
+    std::size_t place = steps;
+    while (x < endX && y < endY) {
+      to[place++] = from[compare_(from[x], from[y]) > 0 ? y++ : x++];
+    }
+    std::copy(from + y, from + endY, std::copy(from + x, from + endX, to + place));
   }
 
-  void insertionSort(const Cells& cells) {
-    for (std::size_t next = 1; next < cells.length; ++next) {
-      Cell* const cell = cells.at[next];
+  // Both sort to another place, or the same.
+  void insertionSort(Cell* const* from, std::size_t length, Cell** to) {
+    for (std::size_t next = 0; next < length; ++next) {
+      Cell* const cell = from[next];
       std::size_t place = next;
-      for (; place > 0 && compare_(cells.at[place - 1], cell) > 0; --place) {
-        cells.at[place] = cells.at[place - 1];
+      for (; place > 0 && compare_(to[place - 1], cell) > 0; --place) {
+        to[place] = to[place - 1];
       }
-      if (place != next) changed_ = 1;
-      cells.at[place] = cell;
+      to[place] = cell;
     }
+  }
+
+  // Orders two pairs, then the smallest and the largest of all, then the rest.
+  void sortFour(Cell* const* from, Cell** to) {
+    const std::size_t swapAB = bit(compare_(from[0], from[1]) > 0);
+    const std::size_t swapCD = bit(compare_(from[2], from[3]) > 0);
+    Cell* const a = from[swapAB];
+    Cell* const b = from[1 - swapAB];
+    Cell* const c = from[2 + swapCD];
+    Cell* const d = from[3 - swapCD];
+    const std::size_t cFirst = bit(compare_(a, c) > 0);
+    const std::size_t bLast = bit(compare_(b, d) > 0);
+    Cell* const left = choose(cFirst, choose(bLast, b, c), a);
+    Cell* const right = choose(bLast, choose(cFirst, c, b), d);
+    const std::size_t swapRest = bit(compare_(left, right) > 0);
+    to[0] = choose(cFirst, a, c);
+    to[1] = choose(swapRest, left, right);
+    to[2] = choose(swapRest, right, left);
+    to[3] = choose(bLast, d, b);
   }
 
   Compare compare_;
