@@ -27,17 +27,11 @@
 #include <cstddef>
 #include <vector>
 
+#include "nq/containers/cell_pool_internal.h"
 #include "nq/containers/linked_list.h"
 #include "nq/platform/types.h"
 
 namespace nqdetail {
-
-// Asks for memory that will be needed soon. Any address will do.
-inline void fetch([[maybe_unused]] const void* address) {
-#if defined(__GNUC__)
-  __builtin_prefetch(address);
-#endif
-}
 
 // 1 for true. Compilers do not see that it is nothing else, and so make no branch
 // of what depends on it.
@@ -87,7 +81,7 @@ struct ListLinks {
     if constexpr (kHasPrevious<Cell>) cell->pPrevious_ = ahead;
   }
 
-  static void fetchObject(Cell* cell) { fetch(cell->pObject_); }
+  static void fetchObject(Cell* cell) { prefetchCell(cell->pObject_); }
 
   // Makes the list hold the cells it held before, which are neighbours already.
   static void setEnds(List& list, Cell* first, Cell* last) {
@@ -298,7 +292,7 @@ class ListSort {
     static constexpr nqLong kScoutsAhead = 6;
 
     void advanceScout() {
-      fetch(Links::farAhead(scout_));
+      prefetchCell(Links::farAhead(scout_));
       Links::fetchObject(scout_);
       scout_ = Links::next(scout_);
       --ahead_;
