@@ -5,9 +5,10 @@
 // rearrange lists. Cells move, objects stay in their cells; nothing is copied
 // or freed. A sorter may sort any number of lists, one after the other.
 //
-//   quickSort     O(n log n), not stable; among equals the pivot's position
-//                 decides. Nested 31 deep it leaves the rest to the others.
-//   mergeSort     O(n log n), stable, at most n log2 n comparisons
+//   quickSort     O(n log n). Nested 31 deep it leaves the rest to the others.
+//                 Its partitions happen to keep the order of equals; do not rely
+//                 on it.
+//   mergeSort     O(n log n), stable, about n log2 n comparisons
 //   bubbleSort    O(n * n), stable; for lists that are short or nearly sorted
 //
 // The sorts allocate nothing. A comparison that contradicts itself gives some
@@ -56,7 +57,8 @@ class NQ_EXPORT NQDListSort : public NQObject {
 
  protected:
   // Called by every operation: negative when `a` comes before `b`, 0 when they
-  // are equal, positive when it comes after. The cells are this list's.
+  // are equal, positive when it comes after. The cells are this list's; during a
+  // sort their links mean nothing.
   virtual int virtualCompare(NQDListCell* a, NQDListCell* b) = 0;
   virtual void virtualDebugOutputElement(NQDListCell* cell) = 0;
 

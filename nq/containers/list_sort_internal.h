@@ -340,7 +340,8 @@ class ListSort {
     return chain;
   }
 
-  // The cell with so many before it, in the first half of a chain.
+  // The cell with so many before it, in the first half of a chain that take() or a
+  // builder made.
   static Cell* cellAt(const Chain& chain, nqLong index) {
     Cell* cell = chain.first;
     if constexpr (kHasPrevious<Cell>) {
@@ -352,7 +353,7 @@ class ListSort {
     return cell;
   }
 
-  // Copies at most a buffer's length of cells.
+  // As many of a chain's next cells as fit, in an array.
   struct Buffer {
     std::array<Cell*, kBufferLength> at;
     std::array<Cell*, kBufferLength> spare;
