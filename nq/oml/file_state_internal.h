@@ -37,6 +37,7 @@ struct FileState final : MessageSink, SourceOwner, ReadHooks, OutputSink {
 
   nqLong fileNameIndex(const char* name) override;
   bool mayInclude(const char* name) override;
+  void bytesExpected(std::int64_t size) override;
   bool bytesArrived(std::size_t count) override;
 
   bool checkObject(NQOMLSyntaxObject* object) override;
@@ -64,6 +65,7 @@ struct FileState final : MessageSink, SourceOwner, ReadHooks, OutputSink {
   bool busy = false;
   bool running = false;  // and its rooms are at work: cleanup() only breaks it off
   std::int64_t bytesRead = 0;
+  std::int64_t bytesTotal = 0;  // of the files opened so far; -1 when unknown
   TopObject top;
 
   SyntaxArena tree;

@@ -68,10 +68,14 @@ bool FileState::mayInclude(const char* name) {
   return !diagnostics.ended() && file.vIncludeFile(name) != 0 && !diagnostics.ended();
 }
 
+void FileState::bytesExpected(std::int64_t size) {
+  bytesTotal = size < 0 || bytesTotal < 0 ? -1 : bytesTotal + size;
+}
+
 bool FileState::bytesArrived(std::size_t count) {
   if (diagnostics.ended()) return false;
   bytesRead += static_cast<std::int64_t>(count);
-  if (file.vReadProgress(bytesRead) == 0) diagnostics.end();
+  if (file.vReadProgress(bytesRead, bytesTotal) == 0) diagnostics.end();
   return !diagnostics.ended();
 }
 
@@ -248,6 +252,7 @@ void NQOMLFile::initParser(NQOMLStatic* grammar, NQObject* top, nqLong topTypeIn
   state.tree.clear();
   state.root = nullptr;
   state.bytesRead = 0;
+  state.bytesTotal = 0;
   state.grammar = grammar;
   state.top = {top, topTypeIndex, nullptr, -1};
   if (useIndexHashTable == 0) {
@@ -597,7 +602,7 @@ int NQOMLFile::vIncludeFile(const char*) {
   return 1;
 }
 
-int NQOMLFile::vReadProgress(nqInt64) {
+int NQOMLFile::vReadProgress(nqInt64, nqInt64) {
   return 1;
 }
 

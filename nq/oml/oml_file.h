@@ -276,9 +276,10 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   // 0 forbids it, which counts as a file that cannot be opened. A tool that reads
   // files of strangers answers 0 to all names outside its own directory.
   virtual int vIncludeFile(const char* name);
-  // Called about every 64 kilobytes with the number of bytes read so far, included
-  // files among them; 0 breaks the read off without a message.
-  virtual int vReadProgress(nqInt64 bytesRead);
+  // Called about every 64 kilobytes with the number of bytes read so far and the
+  // size of the files met so far, included ones among them; -1 when one of them
+  // has none, as standard input. 0 breaks the read off without a message.
+  virtual int vReadProgress(nqInt64 bytesRead, nqInt64 bytesTotal);
 
   // Writes the top object of writeOMLFile(); nothing here.
   virtual void vWriteObject(NQObject* top);

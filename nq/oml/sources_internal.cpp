@@ -113,10 +113,12 @@ bool Sources::open(const std::string& name) {
   }
   const Handle handle = system().open(name.c_str(), Access::kRead, Creation::kExisting);
   if (handle == noHandle()) return false;
-  if (!files_.empty() && !system().isRegularFile(handle)) {
+  const std::int64_t size = system().fileSize(handle);
+  if (!files_.empty() && size < 0) {
     (void)system().close(handle);
     return false;
   }
+  owner_.bytesExpected(size);
   ++opened_;
   files_.push_back(std::make_unique<Source>(owner_, handle, name, text_));
   return true;

@@ -37,6 +37,8 @@ struct SourceOwner {
   virtual nqLong fileNameIndex(const char* name) = 0;
   // Whether a file that another one includes may be opened.
   virtual bool mayInclude(const char* name) = 0;
+  // A file of so many bytes is opened; -1 for one that cannot tell.
+  virtual void bytesExpected(std::int64_t size) = 0;
   // So many bytes have arrived; false ends the data as a failing read does.
   virtual bool bytesArrived(std::size_t count) = 0;
 

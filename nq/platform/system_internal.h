@@ -37,8 +37,8 @@ struct System {
   // Directories and FIFOs are refused at once; devices are not exclusive.
   Handle (*open)(const char* name, Access access, Creation creation);
   bool (*close)(Handle handle);
-  // Whether the handle is that of a plain file, not of a device.
-  bool (*isRegularFile)(Handle handle);
+  // How many bytes a plain file has; -1 for a device.
+  std::int64_t (*fileSize)(Handle handle);
 
   // One transfer, which may be shorter than asked for; interrupted calls are
   // taken up again. Reading nothing with success is the end of the data.

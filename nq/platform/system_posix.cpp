@@ -85,9 +85,11 @@ bool closeFile(Handle handle) {
   return close(descriptorOf(handle)) == 0 || errno == EINTR;
 }
 
-bool isRegularFile(Handle handle) {
+std::int64_t fileSize(Handle handle) {
   struct stat status;
-  return fstat(descriptorOf(handle), &status) == 0 && S_ISREG(status.st_mode);
+  return fstat(descriptorOf(handle), &status) == 0 && S_ISREG(status.st_mode)
+             ? std::int64_t{status.st_size}
+             : -1;
 }
 
 bool readFile(Handle handle, void* data, std::size_t count, std::size_t* transferred) {
@@ -154,7 +156,7 @@ void modulePath(void* module, char* buffer, std::size_t size) {
 constexpr System kPosixSystem = {
     .open = openFile,
     .close = closeFile,
-    .isRegularFile = isRegularFile,
+    .fileSize = fileSize,
     .read = readFile,
     .write = writeFile,
     .seekToEnd = seekFileToEnd,

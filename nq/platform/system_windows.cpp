@@ -52,8 +52,11 @@ bool closeFile(Handle handle) {
   return handle != noHandle() && CloseHandle(handle) != 0;
 }
 
-bool isRegularFile(Handle handle) {
-  return GetFileType(handle) == FILE_TYPE_DISK;
+std::int64_t fileSize(Handle handle) {
+  LARGE_INTEGER size;
+  return GetFileType(handle) == FILE_TYPE_DISK && GetFileSizeEx(handle, &size) != 0
+             ? std::int64_t{size.QuadPart}
+             : -1;
 }
 
 bool readFile(Handle handle, void* data, std::size_t count, std::size_t* transferred) {
@@ -121,7 +124,7 @@ void* moduleSymbol(void* module, const char* name) {
 constexpr System kWindowsSystem = {
     .open = openFile,
     .close = closeFile,
-    .isRegularFile = isRegularFile,
+    .fileSize = fileSize,
     .read = readFile,
     .write = writeFile,
     .seekToEnd = seekFileToEnd,

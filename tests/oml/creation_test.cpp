@@ -212,6 +212,17 @@ TEST_F(Creation, IsNotEnteredTwice) {
   EXPECT_EQ(inner, NQ_FILE_OK);
 }
 
+TEST_F(Creation, ReportsProgressOfAllFilesMetSoFar) {
+  system.files["part"] = "count 1";
+  EXPECT_EQ(read("graph 1 { include: \"part\"; }"), NQ_FILE_OK);
+  // The end of each file is one more transfer.
+  EXPECT_EQ(reader.progress, "28/28 35/35 35/35 35/35 ");
+  reader.progress.clear();
+  system.devices.insert("f");
+  EXPECT_EQ(read("graph 1"), NQ_FILE_OK);
+  EXPECT_EQ(reader.progress, "7/-1 7/-1 ");
+}
+
 TEST_F(Creation, IsBrokenOffByProgressOrException) {
   reader.stopAfter = 5;
   EXPECT_EQ(read("graph 1"), NQ_FILE_READ_ERROR);

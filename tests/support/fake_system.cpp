@@ -40,9 +40,11 @@ struct FakeCalls {
     return !inForce->failingClose;
   }
 
-  static bool isRegularFile(Handle handle) {
+  static std::int64_t fileSize(Handle handle) {
     const FakeSystem::OpenFile* const file = find(handle);
-    return file != nullptr && !inForce->devices.contains(file->name);
+    return file != nullptr && !inForce->devices.contains(file->name)
+               ? static_cast<std::int64_t>(inForce->files[file->name].size())
+               : -1;
   }
 
   static bool read(Handle handle, void* data, std::size_t count, std::size_t* moved) {
@@ -95,7 +97,7 @@ struct FakeCalls {
 FakeSystem::FakeSystem() : table_(nqdetail::hostSystem()) {
   table_.open = FakeCalls::open;
   table_.close = FakeCalls::close;
-  table_.isRegularFile = FakeCalls::isRegularFile;
+  table_.fileSize = FakeCalls::fileSize;
   table_.read = FakeCalls::read;
   table_.write = FakeCalls::write;
   table_.seekToEnd = FakeCalls::seekToEnd;

@@ -49,6 +49,7 @@ class TestReader : public NQOMLFile {
   bool leaveFields = false;  // what vReadField answers
   std::string forbidden;     // a name that is not included
   nqInt64 stopAfter = -1;    // bytes
+  std::string progress;      // "read/total " for each report
 
   using NQOMLFile::clearFatalError;
   using NQOMLFile::isFatalError;
@@ -65,7 +66,10 @@ class TestReader : public NQOMLFile {
   void vPreReadFields(NQOMLSyntaxObject* syntax, NQObject* object) override;
   void vPostReadFields(NQOMLSyntaxObject* syntax, NQObject* object) override;
   int vIncludeFile(const char* name) override;
-  int vReadProgress(nqInt64 bytes) override { return stopAfter < 0 || bytes < stopAfter; }
+  int vReadProgress(nqInt64 bytes, nqInt64 total) override {
+    progress += std::to_string(bytes) + "/" + std::to_string(total) + " ";
+    return stopAfter < 0 || bytes < stopAfter;
+  }
 
  private:
   void note(const char* hook, const NQOMLSyntaxObject* syntax, const NQObject* object);
