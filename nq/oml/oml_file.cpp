@@ -1,10 +1,12 @@
 #include "nq/oml/oml_file.h"
 
 #include <algorithm>
+#include <string_view>
 #include <utility>
 
 #include "nq/core/message_table.h"
 #include "nq/core/string_pool.h"
+#include "nq/oml/encoding_internal.h"
 #include "nq/oml/file_state_internal.h"
 #include "nq/oml/message_codes_internal.h"
 #include "nq/oml/oml_object.h"
@@ -392,6 +394,11 @@ void NQOMLFile::writeObject(const char* type, const NQOMLObject* object, int sin
     writer->object(type, object, singleLine != 0);
 }
 
+void NQOMLFile::writeNamedObjectStart(const char* type, const char* id, int singleLine) {
+  if (auto* const writer = state_->openWriter())
+    writer->objectStart(type, id == nullptr ? "" : id, singleLine != 0);
+}
+
 void NQOMLFile::writeObjectDefaultStart(const char* type) {
   if (auto* const writer = state_->openWriter()) writer->defaultsStart(type);
 }
@@ -448,6 +455,16 @@ void NQOMLFile::writeAttribute(const char* name, const NQOMLBinValue* value) {
 void NQOMLFile::writeStringAttribute(const char* name, const char* text) {
   auto* const writer = state_->openWriter();
   if (writer != nullptr && text != nullptr) writer->string(name, text);
+}
+
+void NQOMLFile::writeAddressAttribute(const char* name, const char* address) {
+  auto* const writer = state_->openWriter();
+  if (writer == nullptr || name == nullptr || address == nullptr) return;
+  std::string_view ids = address;
+  const bool full = ids.starts_with(nqdetail::kFullAddress);
+  if (full) ids.remove_prefix(1);
+  if (full && ids.starts_with(nqdetail::kScopeSeparator)) ids.remove_prefix(1);
+  writer->address(name, ids, full);
 }
 
 void NQOMLFile::writeBoolAttribute(const char* name, int value) {

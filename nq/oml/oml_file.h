@@ -158,6 +158,8 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   void writeObjectStart(const char* type, const NQOMLObject* object, int singleLine,
                         int withID);
   void writeObjectStart(const char* type, const NQObject* object, int singleLine);
+  // The same with an id that is a text; null or "" for none.
+  void writeNamedObjectStart(const char* type, const char* id, int singleLine);
   // The start of a block of defaults for objects of a type.
   void writeObjectDefaultStart(const char* type);
   void writeSectionStart(const char* section, int singleLine);
@@ -180,6 +182,9 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
                       const NQOMLObject* context, int withName);
   void writeAttribute(const char* name, const NQOMLBinValue* value);
   void writeStringAttribute(const char* name, const char* text);
+  // A reference by its address as a text: ids joined by ",", from the top if it begins
+  // with "$".
+  void writeAddressAttribute(const char* name, const char* address);
   // "true" or "false".
   void writeBoolAttribute(const char* name, int value);
   // The first byte of the address in the highest place.

@@ -67,7 +67,7 @@ TEST_F(Check, DamagedFilesAreAnsweredInEveryFormat) {
       text[random() % text.size()] = static_cast<char>(random() % 256);
     }
     options_.format = static_cast<Format>(round % 3);
-    options_.color = round % 4 == 0 ? Color::kAlways : Color::kNever;
+    options_.color = round % 4 == 0 ? When::kAlways : When::kNever;
     options_.maxErrors = round % 7 == 0 ? 1000 : 16;
     options_.binary = round % 11 == 0;
     const int code = run(text);
@@ -77,7 +77,7 @@ TEST_F(Check, DamagedFilesAreAnsweredInEveryFormat) {
     // Nothing that a terminal or a program would trip over.
     for (const char c : out_) {
       ASSERT_TRUE(c == '\n' || c == '\t' || c < 0 || c >= ' ' ||
-                  (c == '\x1b' && options_.color == Color::kAlways))
+                  (c == '\x1b' && options_.color == When::kAlways))
           << static_cast<int>(c);
     }
   }

@@ -1,6 +1,6 @@
 #include "tools/nqoml/render.h"
 
-#include "tools/nqoml/check.h"
+#include "tools/nqoml/input.h"
 #include "tools/nqoml/names.h"
 #include "tools/nqoml/source.h"
 #include "tools/nqoml/text.h"

@@ -6,7 +6,6 @@
 #include "tools/nqoml/options.h"
 
 #include <iosfwd>
-#include <string_view>
 
 namespace nqoml {
 
@@ -14,11 +13,6 @@ namespace nqoml {
 // its work goes to `err`. Returns an ExitCode, the worst of all files'.
 int runCheck(const CheckOptions& options, std::istream& in, std::ostream& out,
              std::ostream& err);
-
-// True when `content` can only be the binary encoding: it begins with a record
-// that no text begins with. A binary file may begin otherwise, so false decides
-// nothing.
-bool isSurelyBinary(std::string_view content);
 
 }  // namespace nqoml
 

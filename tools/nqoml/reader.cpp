@@ -1,5 +1,7 @@
 #include "tools/nqoml/reader.h"
 
+#include "tools/nqoml/progress.h"
+
 #include <cstring>
 #include <filesystem>
 #include <system_error>
@@ -20,6 +22,7 @@ CheckingReader::CheckingReader(std::string path, std::string shownAs,
       includeRoot_(std::move(includeRoot)) {}
 
 NQFileCodeEnum CheckingReader::read(NQOMLStatic* grammar, bool binary) {
+  root_ = nullptr;
   const NQFileCodeEnum result =
       readOMLFile(path_.c_str(), grammar, nullptr, -1, binary ? 1 : 0, 0, 0);
   takeMessage();
@@ -43,6 +46,22 @@ int CheckingReader::vIncludeFile(const char* fileName) {
   }
   refused_ = fileName;
   return 0;
+}
+
+int CheckingReader::vReadProgress(nqInt64 bytesRead, nqInt64 bytesTotal) {
+  if (progress_ != nullptr) progress_->at(bytesRead, bytesTotal);
+  return 1;
+}
+
+void CheckingReader::vSyntaxObjectCreated(NQOMLSyntaxObject* syntax, nqLong, int) {
+  if (root_ == nullptr) root_ = syntax;  // every other node comes after it
+}
+
+void CheckingReader::execute() {
+  NQOMLFile::execute();
+  if (useTree_ && root_ != nullptr && numberOfErrors() == 0 && isFatalError() == 0) {
+    useTree_(*root_);
+  }
 }
 
 NQObject* CheckingReader::vCreateObject(NQOMLSyntaxObject*, NQOMLSyntaxObject*,

@@ -6,10 +6,14 @@
 #include "nq/oml/oml_file.h"
 #include "tools/nqoml/diagnostic.h"
 
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace nqoml {
+
+class Progress;
 
 // Collects what the library reports; every object is accepted and every field
 // taken, so that nothing but the file and the grammar decides.
@@ -23,10 +27,20 @@ class CheckingReader : public NQOMLFile {
   // Reads the file; afterwards the diagnostics stand in the order in which they
   // were reported.
   NQFileCodeEnum read(NQOMLStatic* grammar, bool binary);
+  void execute() override;
   std::vector<Diagnostic>& diagnostics() { return diagnostics_; }
+  // What is called with the tree of a file without errors, whose texts are valid
+  // until it returns.
+  using TreeUser = std::function<void(const NQOMLSyntaxObject& root)>;
+  void onTree(TreeUser use) { useTree_ = std::move(use); }
+  // Where the following reads report how far they are; borrowed, null for nowhere.
+  void reportTo(Progress* progress) { progress_ = progress; }
 
  protected:
   int vIncludeFile(const char* fileName) override;
+  int vReadProgress(nqInt64 bytesRead, nqInt64 bytesTotal) override;
+  void vSyntaxObjectCreated(NQOMLSyntaxObject* syntax, nqLong line,
+                            int position) override;
   NQObject* vCreateObject(NQOMLSyntaxObject* syntax, NQOMLSyntaxObject* ownerSyntax,
                           NQObject* owner) override;
   int vReadField(NQOMLSyntaxField* field, NQOMLSyntaxObject* syntax,
@@ -45,6 +59,9 @@ class CheckingReader : public NQOMLFile {
   std::string path_;
   std::string shownAs_;
   std::string includeRoot_;
+  Progress* progress_ = nullptr;
+  TreeUser useTree_;
+  NQOMLSyntaxObject* root_ = nullptr;  // of the read under way
   NQObject object_;  // stands for every object of the file
   std::vector<Diagnostic> diagnostics_;
   std::string refused_;  // the include that was refused last

@@ -3,6 +3,8 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
+#include <system_error>
 #include <utility>
 
 #if defined(_WIN32)
@@ -10,27 +12,53 @@
 #include <io.h>
 #include <windows.h>
 #else
+#include <sys/stat.h>
 #include <unistd.h>
-#include <filesystem>
-#include <system_error>
+#include <csignal>
 #endif
 
 namespace nqoml {
 
 #if defined(_WIN32)
 
-void useBinaryStreams() {
+void prepareStreams() {
   (void)_setmode(_fileno(stdin), _O_BINARY);
   (void)_setmode(_fileno(stdout), _O_BINARY);
 }
 
-bool outputShowsColors() {
+namespace {
+
+bool showsColors(DWORD stream) {
   if (std::getenv("NO_COLOR") != nullptr) return false;
   constexpr DWORD kEscapeSequences = 0x0004;  // ENABLE_VIRTUAL_TERMINAL_PROCESSING
-  const HANDLE console = GetStdHandle(STD_OUTPUT_HANDLE);
+  const HANDLE console = GetStdHandle(stream);
   DWORD mode = 0;
   return GetConsoleMode(console, &mode) != 0 &&
          SetConsoleMode(console, mode | kEscapeSequences) != 0;
+}
+
+}  // namespace
+
+bool outputShowsColors() {
+  return showsColors(STD_OUTPUT_HANDLE);
+}
+
+bool errorsShowColors() {
+  return showsColors(STD_ERROR_HANDLE);
+}
+
+bool errorsShowProgress() {
+  DWORD mode = 0;
+  return GetConsoleMode(GetStdHandle(STD_ERROR_HANDLE), &mode) != 0;
+}
+
+std::optional<TemporaryFile> TemporaryFile::makeBeside(const std::string& path) {
+  const std::string directory = std::filesystem::path(path).parent_path().string();
+  char name[MAX_PATH + 1];
+  if (GetTempFileNameA(directory.empty() ? "." : directory.c_str(), "nqo", 0, name) == 0) {
+    return std::nullopt;
+  }
+  return TemporaryFile{std::string(name)};
 }
 
 std::optional<TemporaryFile> TemporaryFile::make(const std::string& content) {
@@ -51,12 +79,48 @@ std::optional<TemporaryFile> TemporaryFile::make(const std::string& content) {
 
 #else
 
-void useBinaryStreams() {}
+void prepareStreams() {
+  (void)std::signal(SIGPIPE, SIG_IGN);
+}
+
+namespace {
+
+bool isCapable(int stream) {
+  const char* terminal = std::getenv("TERM");
+  return isatty(stream) != 0 && terminal != nullptr && std::strcmp(terminal, "dumb") != 0;
+}
+
+}  // namespace
 
 bool outputShowsColors() {
-  const char* terminal = std::getenv("TERM");
-  return std::getenv("NO_COLOR") == nullptr && isatty(STDOUT_FILENO) != 0 &&
-         terminal != nullptr && std::strcmp(terminal, "dumb") != 0;
+  return std::getenv("NO_COLOR") == nullptr && isCapable(STDOUT_FILENO);
+}
+
+bool errorsShowColors() {
+  return std::getenv("NO_COLOR") == nullptr && isCapable(STDERR_FILENO);
+}
+
+bool errorsShowProgress() {
+  return isCapable(STDERR_FILENO);
+}
+
+std::optional<TemporaryFile> TemporaryFile::makeBeside(const std::string& path) {
+  std::string name = path + ".XXXXXX";
+  const int handle = mkstemp(name.data());
+  if (handle < 0) return std::nullopt;
+  TemporaryFile result(std::move(name));
+  struct stat status;
+  mode_t mode = 0;
+  if (stat(path.c_str(), &status) == 0) {
+    mode = status.st_mode & 07777;
+  } else {
+    mode = umask(0);
+    (void)umask(mode);
+    mode = 0666 & ~mode;
+  }
+  const bool allowed = fchmod(handle, mode) == 0;
+  if (close(handle) != 0 || !allowed) return std::nullopt;
+  return result;
 }
 
 std::optional<TemporaryFile> TemporaryFile::make(const std::string& content) {
@@ -80,10 +144,23 @@ std::optional<TemporaryFile> TemporaryFile::make(const std::string& content) {
 
 #endif
 
+bool TemporaryFile::replace(const std::string& path) {
+  std::error_code code;
+  std::filesystem::rename(path_, path, code);
+  if (code) return false;
+  path_.clear();
+  return true;
+}
+
 TemporaryFile::TemporaryFile(std::string path) : path_(std::move(path)) {}
 
 TemporaryFile::TemporaryFile(TemporaryFile&& other) noexcept
     : path_(std::exchange(other.path_, {})) {}
+
+TemporaryFile& TemporaryFile::operator=(TemporaryFile&& other) noexcept {
+  std::swap(path_, other.path_);
+  return *this;
+}
 
 TemporaryFile::~TemporaryFile() {
   if (!path_.empty()) (void)std::remove(path_.c_str());

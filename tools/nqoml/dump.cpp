@@ -1,0 +1,259 @@
+#include "tools/nqoml/dump.h"
+
+#include "nq/core/string_pool.h"
+#include "tools/nqoml/input.h"
+#include "tools/nqoml/reading.h"
+#include "tools/nqoml/source.h"
+#include "tools/nqoml/terminal.h"
+#include "tools/nqoml/text.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <optional>
+#include <ostream>
+#include <string>
+
+namespace nqoml {
+
+namespace {
+
+constexpr std::size_t kShownBytes = 16;  // of a binary value or a damaged place
+constexpr std::size_t kShownText = 72;   // bytes of a text
+constexpr std::size_t kDeepest = 40;     // levels that are indented
+
+// One kind of numbered record, by its long letter.
+struct RecordKind {
+  char letter;
+  const char* text;
+  NQStringPool* (NQOMLStatic::*names)() const;  // null for plain numbers
+};
+
+constexpr RecordKind kRecordKinds[] = {
+    {'E', "enumerator", &NQOMLStatic::pEnumPool},
+    {'F', "field", &NQOMLStatic::pFieldPool},
+    {'I', "integer", nullptr},
+    {'O', "object type", &NQOMLStatic::pObjTypePool},
+    {'P', "address", nullptr},
+    {'R', "real", nullptr},
+    {'S', "section", &NQOMLStatic::pSectionPool},
+};
+
+char upper(char letter) {
+  return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
+}
+
+const RecordKind* kindOf(char letter) {
+  const auto* const found =
+      std::find_if(std::begin(kRecordKinds), std::end(kRecordKinds),
+                   [letter](const RecordKind& kind) { return kind.letter == letter; });
+  return found == std::end(kRecordKinds) ? nullptr : found;
+}
+
+class Dumper {
+ public:
+  Dumper(std::ostream& out, std::string_view bytes, const GrammarFile* grammar)
+      : out_(out), bytes_(bytes), grammar_(grammar) {}
+
+  long dump() {
+    while (at_ < bytes_.size()) {
+      const std::size_t start = at_;
+      if (record()) continue;
+      if (damagedLength_ == 0) damagedStart_ = start;
+      at_ = start + 1;
+      ++damagedLength_;
+    }
+    showDamage();
+    return damages_;
+  }
+
+ private:
+  bool record() {
+    const std::size_t start = at_;
+    const char letter = bytes_[at_++];
+    if (std::string_view("({[<").find(letter) != std::string_view::npos) {
+      line(start) << letter << '\n';
+      ++depth_;
+    } else if (std::string_view(")}]>").find(letter) != std::string_view::npos) {
+      showDamage();
+      if (depth_ > 0) --depth_;
+      line(start) << letter << '\n';
+    } else if (letter == '"') {
+      text(start, "string");
+    } else if (letter == 'N') {
+      text(start, "id");
+    } else if (letter == '$') {
+      text(start, "address from the top");
+    } else if (letter == 'X') {
+      return binaryValue(start);
+    } else {
+      at_ = start;
+      return number();
+    }
+    return true;
+  }
+
+  // The number of a record of one of `letters`, in its long or short form.
+  std::optional<std::int32_t> readNumber(char letter) {
+    if (at_ == bytes_.size() || upper(bytes_[at_]) != letter) return std::nullopt;
+    const std::size_t length = bytes_[at_] == letter ? 4 : 1;
+    if (bytes_.size() - at_ - 1 < length) return std::nullopt;
+    std::uint32_t value = 0;
+    for (std::size_t i = 1; i <= length; ++i) {
+      value = value << 8 | static_cast<unsigned char>(bytes_[at_ + i]);
+    }
+    at_ += 1 + length;
+    return static_cast<std::int32_t>(value);
+  }
+
+  bool number() {
+    const std::size_t start = at_;
+    const RecordKind* const kind = kindOf(upper(bytes_[at_]));
+    if (kind == nullptr) return false;
+    const auto value = readNumber(kind->letter);
+    if (!value) return false;
+    if (kind->letter == 'R') return real(start, *value);
+
+    std::ostream& out = line(start) << kind->text << ' ';
+    if (kind->letter == 'P') {
+      const auto address = static_cast<std::uint32_t>(*value);
+      out << (address >> 24) << '.' << (address >> 16 & 255) << '.'
+          << (address >> 8 & 255) << '.' << (address & 255);
+    } else {
+      out << *value;
+    }
+    if (kind->names != nullptr) name(kind->names, *value);
+    out << '\n';
+    return true;
+  }
+
+  void name(NQStringPool* (NQOMLStatic::*names)() const, std::int32_t index) {
+    if (grammar_ == nullptr) return;
+    const NQStringPool& pool = *(grammar_->grammar.get()->*names)();
+    if (index < 0 || index >= pool.decodeTableMax()) {
+      out_ << " (not in the grammar)";
+    } else {
+      out_ << " `" << grammar_->names.spelling(pool.decode(index)) << '\'';
+    }
+  }
+
+  // A mantissa is followed by an exponent.
+  bool real(std::size_t start, std::int32_t mantissa) {
+    const auto exponent = readNumber('R');
+    if (!exponent) return false;
+    line(start) << "real " << mantissa << "e" << *exponent << '\n';
+    return true;
+  }
+
+  // A text and its closing quotation mark; without one it reaches to the end, as
+  // readers take it.
+  void text(std::size_t start, const char* kind) {
+    const std::size_t begin = at_;
+    while (at_ < bytes_.size() && bytes_[at_] != '"') at_ += bytes_[at_] == '\\' ? 2 : 1;
+    const bool closed = at_ < bytes_.size();
+    const std::size_t end = closed ? at_++ : bytes_.size();
+    at_ = std::min(at_, bytes_.size());
+    std::size_t length = end - begin;
+    const bool cut = length > kShownText;
+    if (cut) {
+      length = kShownText;
+      // A character is shown whole or not at all.
+      while ((bytes_[begin + length] & '\xc0') == '\x80' && length > kShownText - 4) --length;
+    }
+    line(start) << kind << " \"" << printable(bytes_.substr(begin, length))
+                << (cut ? "\"..." : "\"");
+    if (cut) out_ << " (" << end - begin << " bytes)";
+    if (!closed) {
+      out_ << " -- has no end";
+      ++damages_;
+    }
+    out_ << '\n';
+  }
+
+  bool binaryValue(std::size_t start) {
+    const auto length = readNumber('I');
+    if (!length || *length < 0) return false;
+    const auto wanted = static_cast<std::size_t>(*length);
+    const std::size_t there = std::min(wanted, bytes_.size() - at_);
+    std::ostream& out = line(start) << "binary value of " << wanted << " bytes";
+    if (there < wanted) {
+      // A length that cannot be true says nothing about what follows it.
+      out << " -- only " << there << " are there\n";
+      ++damages_;
+      return true;
+    }
+    if (wanted > 0) out << ':';
+    hex(bytes_.substr(at_, there));
+    out << '\n';
+    at_ += there;
+    return true;
+  }
+
+  void hex(std::string_view bytes) {
+    constexpr char kDigits[] = "0123456789abcdef";
+    for (const char c : bytes.substr(0, kShownBytes)) {
+      const auto byte = static_cast<unsigned char>(c);
+      out_ << ' ' << kDigits[byte >> 4] << kDigits[byte & 15];
+    }
+    if (bytes.size() > kShownBytes) out_ << " ...";
+  }
+
+  // Bytes that belong to no record, shown together.
+  void showDamage() {
+    if (damagedLength_ == 0) return;
+    const std::size_t length = damagedLength_;
+    damagedLength_ = 0;
+    ++damages_;
+    line(damagedStart_) << "-- " << length << (length == 1 ? " byte" : " bytes")
+                        << (length == 1 ? " that is no record:" : " that are no record:");
+    hex(bytes_.substr(damagedStart_, length));
+    out_ << '\n';
+  }
+
+  // The beginning of a line for the record at `offset`.
+  std::ostream& line(std::size_t offset) {
+    showDamage();
+    std::array<char, 16> digits;
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), offset, 16);
+    const auto count = static_cast<std::size_t>(end.ptr - digits.data());
+    out_ << std::string(count < 8 ? 8 - count : 0, '0')
+         << std::string_view(digits.data(), count) << "  "
+         << std::string(2 * std::min(depth_, kDeepest), ' ');
+    return out_;
+  }
+
+  std::ostream& out_;
+  std::string_view bytes_;
+  const GrammarFile* grammar_;
+  std::size_t at_ = 0;
+  std::size_t depth_ = 0;
+  std::size_t damagedStart_ = 0;
+  std::size_t damagedLength_ = 0;
+  long damages_ = 0;
+};
+
+}  // namespace
+
+long dumpRecords(std::ostream& out, std::string_view bytes, const GrammarFile* grammar) {
+  return Dumper(out, bytes, grammar).dump();
+}
+
+int runDump(const DumpOptions& options, std::istream& in, std::ostream& out,
+            std::ostream& err) {
+  LoadedGrammar grammar;
+  if (!options.grammar.empty()) {
+    grammar = loadGrammar(options.grammar);
+    if (!showGrammar(err, grammar, errorsShowColors())) return kTrouble;
+  }
+  const Content content = readContent(options.file, in);
+  if (!content.trouble.empty()) {
+    showTrouble(err, content.shownAs, content.trouble);
+    return kTrouble;
+  }
+  const long damages =
+      dumpRecords(out, content.bytes, options.grammar.empty() ? nullptr : &grammar.file);
+  return damages > 0 ? kErrorsFound : kClean;
+}
+
+}  // namespace nqoml

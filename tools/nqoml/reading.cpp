@@ -1,0 +1,82 @@
+#include "tools/nqoml/reading.h"
+
+#include "tools/nqoml/advice.h"
+#include "tools/nqoml/source.h"
+
+#include <ostream>
+#include <utility>
+
+namespace nqoml {
+
+namespace {
+
+constexpr std::size_t kLargestGrammar = std::size_t{16} << 20;  // bytes
+
+// The library reports a failing read as "something wrong" that is fatal.
+bool isReadError(const Report& report) {
+  constexpr int kSomethingWrong = 3;
+  const Diagnostic& last = report.diagnostics.back();
+  return last.severity == Severity::kFatal && last.code == kSomethingWrong;
+}
+
+}  // namespace
+
+LoadedGrammar loadGrammar(const std::string& path) {
+  LoadedGrammar loaded;
+  loaded.report.file = path;
+  const auto text = readFile(path, kLargestGrammar);
+  if (!text) {
+    loaded.report.trouble = "the grammar file cannot be read";
+    return loaded;
+  }
+  loaded.file = parseGrammar(path, *text);
+  loaded.report.diagnostics = std::move(loaded.file.problems);
+  return loaded;
+}
+
+bool readsBinary(const Input& input, const ReadOptions& options) {
+  return options.binary || isSurelyBinary(input.start);
+}
+
+Report readReport(CheckingReader& reader, const Input& input, const ReadOptions& options,
+                  const GrammarFile& grammar, SourceCache& sources) {
+  Report report;
+  report.file = input.shownAs;
+  report.binary = readsBinary(input, options);
+  if (input.content) sources.hold(input.shownAs, *input.content);
+  reader.maxNumberOfErrors(options.maxErrors);
+  reader.maxNumberOfWarnings(options.maxWarnings);
+  reader.maxNestingDepth(options.maxDepth);
+  const NQFileCodeEnum result = reader.read(grammar.grammar.get(), report.binary);
+  report.diagnostics = std::move(reader.diagnostics());
+  if (result == NQ_FILE_OPEN_ERROR && report.diagnostics.size() == 1 &&
+      !report.diagnostics[0].place.known()) {
+    report.trouble = report.diagnostics[0].text;
+    report.diagnostics.clear();
+    return report;
+  }
+  if (result != NQ_FILE_OK && (report.errors() == 0 || isReadError(report))) {
+    report.trouble = "cannot be read to its end";
+  }
+  if (!report.binary) Adviser(grammar.names, sources).advise(report.diagnostics);
+  return report;
+}
+
+int exitCodeOf(const Report& report) {
+  return !report.trouble.empty() ? kTrouble
+         : report.errors() > 0   ? kErrorsFound
+                                 : kClean;
+}
+
+bool showGrammar(std::ostream& err, const LoadedGrammar& grammar, bool color) {
+  SourceCache sources;
+  renderText(err, grammar.report, sources, color);
+  showTrouble(err, grammar.report.file, grammar.report.trouble);
+  return grammar.usable();
+}
+
+void showTrouble(std::ostream& err, const std::string& file, const std::string& trouble) {
+  if (!trouble.empty()) err << "nqoml: `" << file << "': " << trouble << '\n';
+}
+
+}  // namespace nqoml
