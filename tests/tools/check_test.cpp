@@ -1,57 +1,20 @@
 #include "tools/nqoml/check.h"
 
-#include "tools/nqoml/source.h"
-
-#include <gtest/gtest.h>
-#include <filesystem>
-#include <fstream>
-#include <random>
-#include <sstream>
-#include <string>
-#include <system_error>
-#include <vector>
+#include "tests/tools/tool_test.h"
 
 namespace nqoml {
 namespace {
 
 namespace fs = std::filesystem;
 
-// A folder of its own for each test, with the sample's grammar.
-class Check : public testing::Test {
+class Check : public ToolTest {
  protected:
-  void SetUp() override {
-    const auto* test = testing::UnitTest::GetInstance()->current_test_info();
-    folder_ = fs::temp_directory_path() / (std::string("nqoml_") + test->name() + "_" +
-                                           std::to_string(std::random_device{}()));
-    fs::create_directories(folder_ / "inner");
-    options_.grammar = NQ_SAMPLES "graph.grammar";
-  }
-  void TearDown() override {
-    std::error_code code;
-    fs::remove_all(folder_, code);
-  }
-
-  std::string write(const char* name, const std::string& text) const {
-    std::string path = (folder_ / name).string();
-    std::ofstream(path, std::ios::binary) << text;
-    return path;
-  }
-
-  // Runs the command; output and errors are in out_ and err_.
+  Check() { options_.grammar = NQ_SAMPLES "graph.grammar"; }
   int run(const std::string& input = {}) {
-    std::istringstream in(input);
-    std::ostringstream out;
-    std::ostringstream err;
-    const int code = runCheck(options_, in, out, err);
-    out_ = out.str();
-    err_ = err.str();
-    return code;
+    return ToolTest::run(runCheck, options_, input);
   }
 
-  fs::path folder_;
   CheckOptions options_;
-  std::string out_;
-  std::string err_;
 };
 
 TEST_F(Check, DamagedFilesAreAnsweredInEveryFormat) {

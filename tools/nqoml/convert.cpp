@@ -42,8 +42,8 @@ class Converter {
     }
     if (!output.commit()) return trouble(options_.output, output.trouble());
     if (rounded_ > 0) {
-      err_ << "nqoml: `" << input.shownAs << "': real numbers rounded to eight digits: "
-           << rounded_ << '\n';
+      err_ << "nqoml: `" << input.shownAs
+           << "': real numbers rounded to eight digits: " << rounded_ << '\n';
     }
     return kClean;
   }
@@ -71,8 +71,7 @@ class Converter {
       written_ = summarize(root);
       Progress writing(err_, options_.progress, "writing", kManyNodes);
       TreeWriter writer(root, grammar_, writing, written_.nodes);
-      const NQFileCodeEnum result =
-          writer.write(path, toBinary(), !options_.established);
+      const NQFileCodeEnum result = writer.write(path, toBinary(), !options_.established);
       trouble_ = !writer.trouble().empty() ? writer.trouble()
                  : result != NQ_FILE_OK    ? "its conversion cannot be written"
                                            : "";
@@ -90,7 +89,8 @@ class Converter {
     TreeSummary readBack;
     reader.onTree([&](const NQOMLSyntaxObject& root) { readBack = summarize(root); });
     const NQFileCodeEnum result = reader.read(grammar_.grammar.get(), toBinary());
-    if (result == NQ_FILE_OK && readBack.digest == written_.digest && sameReals(readBack)) {
+    if (result == NQ_FILE_OK && readBack.digest == written_.digest &&
+        sameReals(readBack)) {
       return true;
     }
     trouble_ = std::string("holds something that the ") +

@@ -159,7 +159,8 @@ class Dumper {
     if (cut) {
       length = kShownText;
       // A character is shown whole or not at all.
-      while ((bytes_[begin + length] & '\xc0') == '\x80' && length > kShownText - 4) --length;
+      while ((bytes_[begin + length] & '\xc0') == '\x80' && length > kShownText - 4)
+        --length;
     }
     line(start) << kind << " \"" << printable(bytes_.substr(begin, length))
                 << (cut ? "\"..." : "\"");
@@ -215,7 +216,8 @@ class Dumper {
   std::ostream& line(std::size_t offset) {
     showDamage();
     std::array<char, 16> digits;
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), offset, 16);
+    const auto end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), offset, 16);
     const auto count = static_cast<std::size_t>(end.ptr - digits.data());
     out_ << std::string(count < 8 ? 8 - count : 0, '0')
          << std::string_view(digits.data(), count) << "  "

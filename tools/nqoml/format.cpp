@@ -73,7 +73,8 @@ int runFormat(const FormatOptions& options, std::istream& in, std::ostream& out,
               std::ostream& err) {
   int exitCode = kClean;
   for (const std::string& file : options.files) {
-    exitCode = std::max(exitCode, static_cast<int>(formatFile(file, options, in, out, err)));
+    exitCode =
+        std::max(exitCode, static_cast<int>(formatFile(file, options, in, out, err)));
   }
   return exitCode;
 }

@@ -14,11 +14,11 @@ namespace nqoml {
 
 // The library reads regular files only: what comes from elsewhere is copied.
 struct Input {
-  std::string shownAs;    // in messages: the name as given, or "<stdin>"
-  std::string path;       // what the library is to open; "" with trouble
-  std::string directory;  // where the file's includes are looked for
-  std::string start;      // its first bytes
-  std::string trouble;    // why it cannot be read; "" when it can
+  std::string shownAs;                 // in messages: the name as given, or "<stdin>"
+  std::string path;                    // what the library is to open; "" with trouble
+  std::string directory;               // where the file's includes are looked for
+  std::string start;                   // its first bytes
+  std::string trouble;                 // why it cannot be read; "" when it can
   std::optional<std::string> content;  // of a file that was copied
   std::optional<TemporaryFile> copy;
 };

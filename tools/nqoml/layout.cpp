@@ -135,8 +135,8 @@ class Scanner {
 
  private:
   bool beginsComment(std::size_t at) const {
-    return text_[at] == '#' || (text_[at] == '/' && isIn("/*", this->at(at + 1)) &&
-                                at + 1 < text_.size());
+    return text_[at] == '#' ||
+           (text_[at] == '/' && isIn("/*", this->at(at + 1)) && at + 1 < text_.size());
   }
 
   std::size_t endOfString(std::size_t at) const {
@@ -387,11 +387,14 @@ class Layouter {
     for (; depth > 0; --depth) result_.text += indent_;
   }
 
-  const char* separator(Kind kind) const {
+  std::string separator(Kind kind) const {
     const bool emptyPair = last_ == Kind::kOpen && kind == Kind::kClose;
     if (kind == Kind::kColon || kind == Kind::kSemicolon || emptyPair) return "";
-    if (kind == Kind::kLineComment) return "  ";
-    if (kind == Kind::kEquals || last_ == Kind::kColon || last_ == Kind::kEquals) return " ";
+    if (kind == Kind::kLineComment) {
+      return std::string(std::max(blanks_, std::size_t{2}), ' ');
+    }
+    if (kind == Kind::kEquals || last_ == Kind::kColon || last_ == Kind::kEquals)
+      return " ";
     return blanks_ > 1 ? "  " : " ";
   }
 
@@ -406,7 +409,8 @@ class Layouter {
     result_.trouble = trouble;
     result_.line = 1;
     std::size_t start = 0;
-    for (std::size_t i = scanner_.restOfLine(0); i < place; i = scanner_.restOfLine(start)) {
+    for (std::size_t i = scanner_.restOfLine(0); i < place;
+         i = scanner_.restOfLine(start)) {
       start = scanner_.lineEnd(i);
       if (start > place) break;
       ++result_.line;

@@ -1,10 +1,10 @@
 // layout.h -- the canonical layout of a file in the text encoding.
 //
-// What stands on a line stays on it. Each line is indented by its open brackets;
-// between two tokens stands one blank, or two where there were more, none before
-// ":" and ";" and in an empty pair of brackets; of several empty lines one is left,
-// of those at the beginning and the end none. Line ends become those of the first
-// line.
+// What stands on a line stays on it. Each line is indented by its open brackets.
+// Between two tokens stands one blank, or two where there were more; none before ":"
+// and ";" and in an empty pair of brackets; two or more before a comment that ends a
+// line. Of several empty lines one is left, of those at the beginning and the end
+// none. Line ends become those of the first line.
 //
 // Everything a reader sees stays: tokens as they are spelt, comments, the inside of
 // strings. What a reader passes over unread is copied unchanged: blocks of "skip" and

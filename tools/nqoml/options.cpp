@@ -108,7 +108,8 @@ void addFormat(CLI::App& app, FormatOptions& options) {
       "format", "Lays text files out alike: indentation, blanks, empty lines.");
   command.footer(
       "Comments, includes and the spelling of values stay as they are, and so does the\n"
-      "division into lines. Answers 0; 1 when a bracket, string or comment of a file has\n"
+      "division into lines. Answers 0; 1 when a bracket, string or comment of a file "
+      "has\n"
       "no end, and with --check when a file would change; 2 when the command line, or\n"
       "reading or writing a file was at fault. A file that fails stays as it was.");
   command
@@ -116,7 +117,8 @@ void addFormat(CLI::App& app, FormatOptions& options) {
                   "the files to format in place; - goes from standard input to output")
       ->required()
       ->type_name("FILE");
-  command.add_flag("--check", options.check, "change nothing, only tell what would change");
+  command.add_flag("--check", options.check,
+                   "change nothing, only tell what would change");
   command.add_flag("--diff", options.diff, "change nothing, show what would change");
   command
       .add_option("--indent", options.indent,

@@ -9,7 +9,8 @@ namespace nqoml {
 
 namespace fs = std::filesystem;
 
-Output::Output(const std::string& target, std::ostream& out) : target_(target), out_(out) {
+Output::Output(const std::string& target, std::ostream& out)
+    : target_(target), out_(out) {
   std::error_code code;
   const fs::file_status status = fs::status(target, code);
   if (target == "-") {

@@ -62,7 +62,7 @@ class CheckingReader : public NQOMLFile {
   Progress* progress_ = nullptr;
   TreeUser useTree_;
   NQOMLSyntaxObject* root_ = nullptr;  // of the read under way
-  NQObject object_;  // stands for every object of the file
+  NQObject object_;                    // stands for every object of the file
   std::vector<Diagnostic> diagnostics_;
   std::string refused_;  // the include that was refused last
 };

@@ -63,9 +63,7 @@ Report readReport(CheckingReader& reader, const Input& input, const ReadOptions&
 }
 
 int exitCodeOf(const Report& report) {
-  return !report.trouble.empty() ? kTrouble
-         : report.errors() > 0   ? kErrorsFound
-                                 : kClean;
+  return !report.trouble.empty() ? kTrouble : report.errors() > 0 ? kErrorsFound : kClean;
 }
 
 bool showGrammar(std::ostream& err, const LoadedGrammar& grammar, bool color) {

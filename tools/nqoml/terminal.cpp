@@ -55,7 +55,8 @@ bool errorsShowProgress() {
 std::optional<TemporaryFile> TemporaryFile::makeBeside(const std::string& path) {
   const std::string directory = std::filesystem::path(path).parent_path().string();
   char name[MAX_PATH + 1];
-  if (GetTempFileNameA(directory.empty() ? "." : directory.c_str(), "nqo", 0, name) == 0) {
+  if (GetTempFileNameA(directory.empty() ? "." : directory.c_str(), "nqo", 0, name) ==
+      0) {
     return std::nullopt;
   }
   return TemporaryFile{std::string(name)};

@@ -55,14 +55,15 @@ TreeWriter::TreeWriter(const NQOMLSyntaxObject& root, const GrammarFile& grammar
 NQFileCodeEnum TreeWriter::write(const std::string& path, bool binary, bool lossless) {
   binary_ = binary;
   losslessWriting(lossless ? 1 : 0);
-  const NQFileCodeEnum result = writeOMLFile(path.c_str(), grammar_.grammar.get(), nullptr,
-                                             binary ? 1 : 0, 0, 0);
+  const NQFileCodeEnum result =
+      writeOMLFile(path.c_str(), grammar_.grammar.get(), nullptr, binary ? 1 : 0, 0, 0);
   return trouble_.empty() ? result : NQ_FILE_WRITE_ERROR;
 }
 
 void TreeWriter::vWriteObject(NQObject*) {
   collectDefaults(root_, nullptr);
   writeContents(root_, kTop);
+  progress_.at(nodes_, nodes_);
 }
 
 void TreeWriter::collectDefaults(const NQOMLSyntaxObject& object, const void* inherited) {
@@ -78,13 +79,14 @@ void TreeWriter::collectDefaults(const NQOMLSyntaxObject& object, const void* in
   }
 }
 
-void TreeWriter::writeContents(const NQOMLSyntaxObject& object, const std::string& scope) {
+void TreeWriter::writeContents(const NQOMLSyntaxObject& object,
+                               const std::string& scope) {
   const bool defaults = object.objectIDIndex() == kDefaults;
   // What an object's fields refer to is looked for beside the object.
   const std::size_t end = scope.find_last_of(',');
-  const std::string beside =
-      defaults || &object == &root_ || end == std::string::npos ? scope
-                                                               : scope.substr(0, end);
+  const std::string beside = defaults || &object == &root_ || end == std::string::npos
+                                 ? scope
+                                 : scope.substr(0, end);
   Block block;
   for (auto* cell = object.pFieldList(); cell != nullptr; cell = cell->pNext()) {
     const NQOMLSyntaxField& field = *cell->pField();
@@ -104,7 +106,8 @@ void TreeWriter::writeContents(const NQOMLSyntaxObject& object, const std::strin
   enter(block, object, 0, false);
 }
 
-void TreeWriter::writeDefaults(const NQOMLSyntaxObject& object, const std::string& scope) {
+void TreeWriter::writeDefaults(const NQOMLSyntaxObject& object,
+                               const std::string& scope) {
   advance();
   writeObjectDefaultStart(typeName(object));
   writeOpeningBracket();
@@ -168,11 +171,11 @@ void TreeWriter::enter(Block& block, const NQOMLSyntaxObject& object, nqULong pa
   }
   for (int level = common; level < depthOf(path); ++level) {
     const NQOMLDefSection* const section = sections[static_cast<std::size_t>(level)];
-    writeSectionStart(section == nullptr
-                          ? "_"
-                          : spelling(grammar_.grammar->pSectionPool()->decode(
-                                section->nameIndex())),
-                      0);
+    writeSectionStart(
+        section == nullptr
+            ? "_"
+            : spelling(grammar_.grammar->pSectionPool()->decode(section->nameIndex())),
+        0);
     writeOpeningBracket();
   }
   if (unchecked) {
@@ -187,10 +190,10 @@ void TreeWriter::writeField(const NQOMLSyntaxField& field, const std::string& sc
   advance();
   const NQOMLToken& token = *field.pToken();
   const char* const name = spelling(field.nameString());
-  if (binary_ &&
-      field.nameIndex() >= grammar_.grammar->pFieldPool()->decodeTableMax()) {
+  if (binary_ && field.nameIndex() >= grammar_.grammar->pFieldPool()->decodeTableMax()) {
     trouble_ = "has a field that the grammar does not know, `" +
-               std::string(field.nameString()) + "', which the binary encoding cannot name";
+               std::string(field.nameString()) +
+               "', which the binary encoding cannot name";
     return;
   }
   switch (token.tag) {
@@ -201,7 +204,8 @@ void TreeWriter::writeField(const NQOMLSyntaxField& field, const std::string& sc
       writeAttribute(name, token.real());
       break;
     case NQ_OML_ENUMERATOR:
-      writeAttribute(name, spelling(grammar_.grammar->pEnumPool()->decode(token.integer())));
+      writeAttribute(name,
+                     spelling(grammar_.grammar->pEnumPool()->decode(token.integer())));
       break;
     case NQ_OML_IP_ADDRESS:
       writeIPBytesAttribute(name, token.address());
@@ -240,7 +244,7 @@ const char* TreeWriter::spelling(const char* name) {
 
 void TreeWriter::advance() {
   constexpr std::int64_t kStride = 4096;
-  if (++written_ % kStride == 0 || written_ == nodes_) progress_.at(written_, nodes_);
+  if (++written_ % kStride == 0) progress_.at(written_, nodes_);
 }
 
 }  // namespace nqoml

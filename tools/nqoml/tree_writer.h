@@ -24,8 +24,8 @@ class Progress;
 class TreeWriter : public NQOMLFile {
  public:
   // All are borrowed; `nodes` is their number, for the progress.
-  TreeWriter(const NQOMLSyntaxObject& root, const GrammarFile& grammar, Progress& progress,
-             std::int64_t nodes);
+  TreeWriter(const NQOMLSyntaxObject& root, const GrammarFile& grammar,
+             Progress& progress, std::int64_t nodes);
 
   // Writes the file. NQ_FILE_OK when it is complete; trouble() may tell why not.
   NQFileCodeEnum write(const std::string& path, bool binary, bool lossless);
