@@ -144,6 +144,9 @@ void BinaryWriter::real(const char* name, double value) {
     for (; size < kSmallestMantissa; --exponent) size *= 10;
     for (; size > kLargestMantissa; ++exponent) size /= 10;
   }
+  // The established mantissa is cut off; rounded, a real of up to eight decimal digits
+  // reads back as it was.
+  if (lossless()) size = std::round(size);
   const auto mantissa = static_cast<nqLong>(std::signbit(value) ? -size : size);
   char* at = beginValue(name, 2 * kRecordRoom);
   at = putRecord(at, kRealRecord, mantissa);
@@ -185,7 +188,9 @@ void BinaryWriter::sibling(const char* name, nqLong id) {
 }
 
 void BinaryWriter::address(const char* name, std::string_view address) {
-  text(beginReference(name, 1), kFullAddress, address.substr(1));
+  const bool full = address.starts_with(kFullAddress);
+  if (full) address.remove_prefix(1);
+  text(beginReference(name, 1), full ? kFullAddress : kObjectIDText, address);
 }
 
 }  // namespace nqdetail

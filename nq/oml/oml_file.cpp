@@ -1,12 +1,10 @@
 #include "nq/oml/oml_file.h"
 
 #include <algorithm>
-#include <string_view>
 #include <utility>
 
 #include "nq/core/message_table.h"
 #include "nq/core/string_pool.h"
-#include "nq/oml/encoding_internal.h"
 #include "nq/oml/file_state_internal.h"
 #include "nq/oml/message_codes_internal.h"
 #include "nq/oml/oml_object.h"
@@ -460,11 +458,7 @@ void NQOMLFile::writeStringAttribute(const char* name, const char* text) {
 void NQOMLFile::writeAddressAttribute(const char* name, const char* address) {
   auto* const writer = state_->openWriter();
   if (writer == nullptr || name == nullptr || address == nullptr) return;
-  std::string_view ids = address;
-  const bool full = ids.starts_with(nqdetail::kFullAddress);
-  if (full) ids.remove_prefix(1);
-  if (full && ids.starts_with(nqdetail::kScopeSeparator)) ids.remove_prefix(1);
-  writer->address(name, ids, full);
+  writer->address(name, address);
 }
 
 void NQOMLFile::writeBoolAttribute(const char* name, int value) {

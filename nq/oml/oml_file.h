@@ -142,7 +142,7 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   //   - a binary value in the binary encoding is preceded by its length instead of
   //     the low half of its address in memory
   //   - a real in the text encoding has as many digits as it takes instead of six
-  //     behind the point; one in the binary encoding keeps its eight digits
+  //     behind the point; one in the binary encoding keeps eight, rounded
   //   - ids are the numbers from 1 in the order in which objects are first mentioned
   //     instead of the low 32 bits of graphFileID(), which may coincide
   int losslessWriting() const;

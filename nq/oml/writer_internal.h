@@ -112,8 +112,8 @@ class Writer {
   virtual void string(const char* name, std::string_view text) = 0;
   virtual void ipAddress(const char* name, nqULong address) = 0;
   virtual void binaryValue(const char* name, const NQOMLBinValue& value) = 0;
-  // A reference to a sibling by its number, or by an address from the top, which
-  // begins with "$"; a null name is left out.
+  // A reference to a sibling by its number, or by an address, which begins with "$" if
+  // it is one from the top; a null name is left out.
   virtual void sibling(const char* name, nqLong id) = 0;
   virtual void address(const char* name, std::string_view address) = 0;
 

@@ -27,7 +27,7 @@ TEST_F(ConvertTest, SaysTheSameInBothEncodings) {
   // Each within graph g { ... }.
   const char* const kRows[] = {
       "title: \"a\\\"b\\\\c\\t\\x1b\xff\"",
-      "title: \"\" layout spacing: 1e300 layout spacing 0.1",
+      "title: \"\" layout spacing { 1e300 0.1 9906.48 -4.35e-7 }",
       "layout { seed: -2147483648 seed 2147483647 }",
       "origin { digest { 0x 0x00ff22 0x5c } server 255.0.0.1 }",
       "origin { digest 0x000102030405060708090a0b0c0d0e0f1011 }",
@@ -42,7 +42,8 @@ TEST_F(ConvertTest, SaysTheSameInBothEncodings) {
       "node a { group 2 } node defaults { group 1 node a node b { title \"b\" } }",
       "node a node defaults { group 1 node a } node defaults { group 2 node b node a }",
       "node defaults { node a parent b } node b",
-      "edge defaults { from: a to: b edge { } edge e { subject f } } node a node b edge f { "
+      "edge defaults { from: a to: b edge { } edge e { subject f } } node a node b edge "
+      "f { "
       "from e2 to a } node e2",
       // Sections, with wildcards, and multiple values.
       "node a { drawing _ points: 3 drawing { line stroke dashed shape box } layout { x "
@@ -55,6 +56,7 @@ TEST_F(ConvertTest, SaysTheSameInBothEncodings) {
     const std::string binary = converted(text, Encoding::kBinary);
     EXPECT_EQ(before.errors, std::vector<std::string>()) << row;
     EXPECT_EQ(code_, kClean) << row << "\n" << err_;
+    EXPECT_EQ(err_, "") << row;
     EXPECT_TRUE(read(binary, true) == before) << row;
     const std::string direct = converted(text, Encoding::kText);
     EXPECT_EQ(code_, kClean) << row << "\n" << err_;

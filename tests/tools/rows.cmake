@@ -34,3 +34,16 @@ nqoml_row(grammar_missing 2 check --grammar missing.grammar too_many.oml)
 nqoml_row(no_command 2)
 nqoml_row(no_grammar 2 check too_many.oml)
 nqoml_row(bad_format 2 check ${graph} --format xml too_many.oml)
+
+# A binary file, whole and damaged, with names and without.
+nqoml_row(dump 0 dump ${graph} binary.bin)
+nqoml_row(dump_broken 1 dump binary_broken.bin)
+nqoml_row(dump_missing 2 dump missing.bin)
+
+# What is written goes to standard output.
+nqoml_row(format 0 format -)
+nqoml_row(format_diff 1 format --diff --check format.oml)
+nqoml_row(convert 0 convert ${graph} --to text binary.bin)
+nqoml_row(convert_faulty 1 convert ${graph} --to binary unknown_field.oml)
+nqoml_row(keys 0 keys keys.grammar)
+nqoml_row(keys_unwritable 2 keys keys.grammar -o missing/keys.h)
