@@ -6,13 +6,24 @@
 #include "nq/oml/encoding_internal.h"
 #include "nq/oml/escapes_internal.h"
 #include "nq/oml/message_codes_internal.h"
+#include "nq/oml/number_scan_internal.h"
 
 namespace nqdetail {
 
 namespace {
 
+// The powers of ten that a double holds exactly.
+constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                              1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                              1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+constexpr nqLong kLargestPower = 22;
+
 // mantissa * 10^exponent, rounded once; false when it is out of range.
 bool scaled(nqLong mantissa, nqLong exponent, double& value) {
+  if (exponent >= -kLargestPower && exponent <= kLargestPower) {
+    value = exponent < 0 ? mantissa / kPowers[-exponent] : mantissa * kPowers[exponent];
+    return true;
+  }
   char text[32];
   char* end = std::to_chars(text, text + 12, mantissa).ptr;
   *end++ = 'e';
@@ -197,7 +208,24 @@ void BinaryLexer::readText(const NQOMLToken& token) {
   unterminated(placeOf(token), kUnterminatedString);
 }
 
+// Nearly every id is a number, which the window shows whole.
+bool BinaryLexer::readNumberedID(NQOMLToken& token, nqLong scope) {
+  Source& file = source();
+  const char* at = file.at;
+  while (isOf(*at, kDigit) || *at == '-') ++at;
+  const std::string_view text(file.at, static_cast<std::size_t>(at - file.at));
+  nqLong number = 0;
+  if (*at != kQuote || !scanInteger(text, number)) return false;
+  // A number with needless zeros is a name.
+  if (text.size() > 1 && text[text[0] == '-' ? 1 : 0] == '0') return false;
+  file.at = at + 1;
+  token.tag = NQ_OML_OBJECT_ID;
+  token.integer(names_.ids.withNumber(number, scope));
+  return true;
+}
+
 void BinaryLexer::readID(NQOMLToken& token, nqLong scope) {
+  if (readNumberedID(token, scope)) return;
   readText(token);
   const UnescapedText rest = removeEscapeSequences(scratch_.data(), scratch_.size());
   std::string_view text(scratch_.data(), rest.length);

@@ -36,6 +36,7 @@ class BinaryLexer final : public Lexer {
   void readBinValue(NQOMLToken& token);
   // The bytes up to the closing quotation mark, escapes and all, to scratch_.
   void readText(const NQOMLToken& token);
+  bool readNumberedID(NQOMLToken& token, nqLong scope);
   void readID(NQOMLToken& token, nqLong scope);
 
   std::string scratch_;

@@ -126,21 +126,13 @@ void BinaryWriter::integer(const char* name, nqLong value) {
 }
 
 // The steps are multiplications and divisions by ten, one after the other, which
-// decides about the last digit. The first ones are taken without a branch, which no
-// processor would foresee.
+// decides about the last digit.
 void BinaryWriter::real(const char* name, double value) {
-  constexpr int kCommonSteps = 9;
-  constexpr double kFactors[] = {1, 10};
   value = finite(value);
   if (name == nullptr) return;
   double size = std::fabs(value);
   nqLong exponent = 0;
   if (size != 0) {
-    for (int i = 0; i < kCommonSteps; ++i) {
-      const int small = size < kSmallestMantissa ? 1 : 0;
-      size *= kFactors[small];
-      exponent -= small;
-    }
     for (; size < kSmallestMantissa; --exponent) size *= 10;
     for (; size > kLargestMantissa; ++exponent) size /= 10;
   }
