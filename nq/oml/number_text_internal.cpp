@@ -14,16 +14,16 @@ namespace {
 // "00" to "99".
 constexpr std::array<char, 200> makePairs() {
   std::array<char, 200> pairs{};
-  for (int i = 0; i < 100; ++i) {
-    pairs[static_cast<std::size_t>(2 * i)] = static_cast<char>('0' + i / 10);
-    pairs[static_cast<std::size_t>(2 * i + 1)] = static_cast<char>('0' + i % 10);
+  for (std::size_t i = 0; i < 100; ++i) {
+    pairs[2 * i] = static_cast<char>('0' + i / 10);
+    pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
   }
   return pairs;
 }
 constexpr std::array<char, 200> kPairs = makePairs();
 
 char* putPair(char* to, std::uint32_t pair) {
-  std::memcpy(to, &kPairs[2 * pair], 2);
+  std::memcpy(to, &kPairs[std::size_t{2} * pair], 2);
   return to + 2;
 }
 
