@@ -1,6 +1,6 @@
 #include "nq/resources/color_resource.h"
 
-#include <new>
+#include "nq/containers/cell_pool_internal.h"
 
 NQ_COPY_PROTOCOL_IMPL(NQColorResource)
 NQ_COPY_ALIKE_IMPL(NQColorResource, NQResource)
@@ -26,6 +26,18 @@ nqLong NQColorResource::sortKey() const {
 
 int NQColorResource::isEqual(const NQResource* other) const {
   return other == nullptr ? 0 : color_.compare(castDown(other)->pColor());
+}
+
+void* NQColorResource::operator new(std::size_t size) noexcept {
+  return nqdetail::allocateCell<NQColorResource>(size);
+}
+
+void* NQColorResource::operator new(std::size_t size, const std::nothrow_t&) noexcept {
+  return nqdetail::allocateCell<NQColorResource>(size);
+}
+
+void NQColorResource::operator delete(void* place, std::size_t size) noexcept {
+  nqdetail::releaseCell<NQColorResource>(place, size);
 }
 
 NQColorResourceDB::~NQColorResourceDB() = default;

@@ -3,6 +3,9 @@
 #ifndef NQ_RESOURCES_COLOR_RESOURCE_H
 #define NQ_RESOURCES_COLOR_RESOURCE_H
 
+#include <cstddef>
+#include <new>
+
 #include "nq/resources/color.h"
 #include "nq/resources/resource.h"
 
@@ -23,6 +26,13 @@ class NQ_EXPORT NQColorResource : public NQResource {
   // The channels, red highest, without the transparency.
   nqLong sortKey() const override;
   int isEqual(const NQResource* other) const override;
+
+  // Memory is pooled, as that of list cells is: a resource comes with each insertion,
+  // and mostly goes with it. Null when it is exhausted.
+  static void* operator new(std::size_t size) noexcept;
+  static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
+  static void* operator new(std::size_t, void* place) noexcept { return place; }
+  static void operator delete(void* place, std::size_t size) noexcept;
 
  protected:
   void init();
