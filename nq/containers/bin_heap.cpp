@@ -1,5 +1,9 @@
 #include "nq/containers/bin_heap.h"
 
+#include <type_traits>
+#include <typeinfo>
+#include <utility>
+
 #include "nq/containers/cell_pool_internal.h"
 #include "nq/containers/list_sort_internal.h"
 
@@ -48,6 +52,167 @@ void NQBinHeapCell::operator delete(void* place, std::size_t size) noexcept {
 
 NQ_COPY_PROTOCOL_IMPL(NQBinHeap)
 
+namespace {
+
+// No way from the root to a leaf is longer, since a length has 31 bits.
+constexpr int kMaxDepth = 31;
+
+}  // namespace
+
+// The links of the cell in a place, but for the one to its parent.
+struct NQBinHeap::Place {
+  explicit Place(const NQBinHeapCell* cell)
+      : previous(cell->pPreviousCell()),
+        next(nqdetail::ListLinks<NQDList, NQDListCell>::next(cell)),
+        left(cell->pLeft_),
+        right(cell->pRight_) {}
+
+  // Without a branch: the side cannot be predicted.
+  void replaceChild(const NQBinHeapCell* child, NQBinHeapCell* other) {
+    left = left == child ? other : left;
+    right = right == child ? other : right;
+  }
+
+  NQDListCell* previous;
+  NQDListCell* next;
+  NQBinHeapCell* left;
+  NQBinHeapCell* right;
+};
+
+struct NQBinHeap::ByValue {
+  bool less(const NQBinHeapCell* a, const NQBinHeapCell* b) const {
+    return a->value_ < b->value_;
+  }
+};
+
+struct NQBinHeap::ByHook {
+  bool less(NQBinHeapCell* a, NQBinHeapCell* b) const {
+    return heap->virtualCompare(a, b) < 0;
+  }
+  NQBinHeap* heap;
+};
+
+// Nothing can have been overridden in an NQBinHeap itself.
+template <class Operation>
+auto NQBinHeap::ordered(Operation operation) {
+  return typeid(*this) == typeid(NQBinHeap) ? operation(ByValue{})
+                                            : operation(ByHook{this});
+}
+
+// ---- Places
+
+// The first cell with fewer than two children; null in an empty heap.
+NQBinHeapCell* NQBinHeap::pInsertionParent() const {
+  NQBinHeapCell* const last = pLastCell();
+  if (last == nullptr || last->pParent_ == nullptr) return last;
+  NQBinHeapCell* const parent = last->pParent_;
+  return parent->pRight_ == last ? parent->pNextCell() : parent;
+}
+
+NQBinHeapCell* NQBinHeap::removeLastBinHeapCell() {
+  NQBinHeapCell* const last = pLastCell();
+  if (NQBinHeapCell* const parent = last->pParent_) {
+    (parent->pRight_ == last ? parent->pRight_ : parent->pLeft_) = nullptr;
+    last->pParent_ = nullptr;
+    // It will be the last but one.
+    nqdetail::prefetchCell(last->pPreviousCell()->pPreviousCell());
+  }
+  NQDList::removeCell(last);
+  return last;
+}
+
+inline void NQBinHeap::put(NQBinHeapCell* cell, NQBinHeapCell* parent,
+                           const Place& place) {
+  using Links = nqdetail::ListLinks<NQDList, NQDListCell>;
+  Links::connect(*this, cell, place.next);
+  Links::connect(*this, place.previous, cell);
+  cell->pParent_ = parent;
+  cell->pLeft_ = place.left;
+  cell->pRight_ = place.right;
+  if (place.left != nullptr) place.left->pParent_ = cell;
+  if (place.right != nullptr) place.right->pParent_ = cell;
+}
+
+// Moves `cell` from the place of `old`, which may be itself, up to where its
+// parent is not greater, and answers whether that is another place.
+template <class Order>
+bool NQBinHeap::bubbleUp(Order order, NQBinHeapCell* old, NQBinHeapCell* cell) {
+  NQBinHeapCell* parent = old->pParent_;
+  if (parent == nullptr || !order.less(cell, parent)) return false;
+  Place free(old);
+  do {
+    NQBinHeapCell* const sinker = parent;
+    Place vacated(sinker);
+    parent = sinker->pParent_;
+    vacated.replaceChild(old, sinker);
+    // Of places above each other only the root and its left child are neighbours
+    // in the list; `cell` becomes the root then.
+    if (free.previous == sinker) {
+      free.previous = cell;
+      vacated.next = sinker;
+    }
+    put(sinker, cell, free);
+    free = vacated;
+    old = sinker;
+  } while (parent != nullptr && order.less(cell, parent));
+  if (parent != nullptr) {
+    (parent->pLeft_ == old ? parent->pLeft_ : parent->pRight_) = cell;
+  }
+  put(cell, parent, free);
+  return true;
+}
+
+// Moves `cell` from the place of `old`, which may be itself, down to where no child
+// is smaller.
+template <class Order>
+void NQBinHeap::heapify(Order order, NQBinHeapCell* old, NQBinHeapCell* cell) {
+  NQBinHeapCell* way[kMaxDepth] = {old};
+  int count = 1;
+  for (; count < kMaxDepth; ++count) {
+    NQBinHeapCell* const left = way[count - 1]->pLeft_;
+    NQBinHeapCell* const right = way[count - 1]->pRight_;
+    if (left == nullptr) break;
+    NQBinHeapCell* smaller = left;
+    if (right != nullptr) {
+      // Whichever is smaller, its children will be compared next. (Chosen without
+      // a branch, which could not be predicted.)
+      NQBinHeapCell* const children[] = {left, right};
+      for (const NQBinHeapCell* const child : children) {
+        nqdetail::prefetchCell(child->pLeft_);
+        nqdetail::prefetchCell(child->pRight_);
+      }
+      smaller = children[order.less(right, left) ? 1 : 0];
+    }
+    if (!order.less(smaller, cell)) break;
+    way[count] = smaller;
+  }
+  if (count > 1 || old != cell) moveDown(way, count, cell);
+}
+
+// Moves each cell of a way down, but for the first, to the place before its own,
+// and `cell` to the last place.
+void NQBinHeap::moveDown(NQBinHeapCell* const* way, int count, NQBinHeapCell* cell) {
+  NQBinHeapCell* parent = way[0]->pParent_;
+  if (parent != nullptr) {
+    (parent->pLeft_ == way[0] ? parent->pLeft_ : parent->pRight_) =
+        count > 1 ? way[1] : cell;
+  }
+  Place free(way[0]);
+  for (int i = 1; i < count; ++i) {
+    NQBinHeapCell* const riser = way[i];
+    Place vacated(riser);
+    free.replaceChild(riser, i + 1 < count ? way[i + 1] : cell);
+    // As above; the other direction is set when the place is filled.
+    if (vacated.previous == way[0]) vacated.previous = riser;
+    put(riser, parent, free);
+    free = vacated;
+    parent = riser;
+  }
+  put(cell, parent, free);
+}
+
+// ---- Operations
+
 // The list's deep copy would make cells without values.
 void NQBinHeap::NQBinHeapdeepCopy(const NQBinHeap& source) {
   NQCopyAccess::deep<NQObject>(*this, source);
@@ -70,7 +235,7 @@ NQBinHeapCell* NQBinHeap::insertCell(NQBinHeapCell* cell) {
   cell->pParent_ = parent;
   if (parent != nullptr) {
     (parent->pLeft_ == nullptr ? parent->pLeft_ : parent->pRight_) = cell;
-    bubbleUp(cell, cell);
+    ordered([&](auto order) { return bubbleUp(order, cell, cell); });
   }
   return cell;
 }
@@ -87,7 +252,9 @@ NQBinHeapCell* NQBinHeap::removeCell(NQBinHeapCell* cell) {
   if (cell == nullptr) return nullptr;
   NQBinHeapCell* const last = removeLastBinHeapCell();
   if (cell != last) {
-    fillPlace(cell, last);
+    ordered([&](auto order) {
+      if (!bubbleUp(order, cell, last)) heapify(order, cell, last);
+    });
     cell->pLeft_ = cell->pRight_ = cell->pParent_ = nullptr;
   }
   return cell;
@@ -107,8 +274,12 @@ void NQBinHeap::discardCell(NQBinHeapCell* cell) {
 
 void NQBinHeap::changeValue(NQBinHeapCell* cell, nqLong value) {
   if (cell == nullptr) return;
-  cell->value_ = value;
-  if (!bubbleUp(cell, cell)) heapify(cell);
+  const nqLong before = std::exchange(cell->value_, value);
+  ordered([&](auto order) {
+    constexpr bool byValue = std::is_same_v<decltype(order), ByValue>;
+    const bool knownSmaller = byValue && value < before;
+    if (!bubbleUp(order, cell, cell) && !knownSmaller) heapify(order, cell, cell);
+  });
 }
 
 int NQBinHeap::copyAllCells(const NQBinHeap* source) {
@@ -137,132 +308,4 @@ int NQBinHeap::copyAllCellsAndObjects(const NQBinHeap* source) {
 
 int NQBinHeap::virtualCompare(NQBinHeapCell* a, NQBinHeapCell* b) {
   return a->value_ < b->value_ ? -1 : a->value_ > b->value_ ? 1 : 0;
-}
-
-// ---- Places
-
-namespace {
-
-// No way from the root to a leaf is longer, since a length has 31 bits.
-constexpr int kMaxDepth = 31;
-
-}  // namespace
-
-// The first cell with fewer than two children; null in an empty heap.
-NQBinHeapCell* NQBinHeap::pInsertionParent() const {
-  NQBinHeapCell* const last = pLastCell();
-  if (last == nullptr || last->pParent_ == nullptr) return last;
-  NQBinHeapCell* const parent = last->pParent_;
-  return parent->pRight_ == last ? parent->pNextCell() : parent;
-}
-
-NQBinHeapCell* NQBinHeap::removeLastBinHeapCell() {
-  NQBinHeapCell* const last = pLastCell();
-  if (NQBinHeapCell* const parent = last->pParent_) {
-    (parent->pRight_ == last ? parent->pRight_ : parent->pLeft_) = nullptr;
-    last->pParent_ = nullptr;
-  }
-  NQDList::removeCell(last);
-  return last;
-}
-
-// Moves `cell` from the place of `place`, which may be itself, up to where its
-// parent is not greater, and answers whether that is another place.
-bool NQBinHeap::bubbleUp(NQBinHeapCell* place, NQBinHeapCell* cell) {
-  NQBinHeapCell* way[kMaxDepth + 1];
-  NQBinHeapCell** top = way + kMaxDepth;
-  *top = place;
-  while (top != way + 1) {
-    NQBinHeapCell* const parent = (*top)->pParent_;
-    if (parent == nullptr || virtualCompare(parent, cell) <= 0) break;
-    *--top = parent;
-  }
-  if (*top == place) return false;
-  const auto count = static_cast<int>(way + kMaxDepth + 1 - top);
-  // One further up than the places: the cells that come there.
-  *--top = cell;
-  movePlaces(top + 1, top, count);
-  return true;
-}
-
-// Moves `cell` down to where no child is smaller.
-void NQBinHeap::heapify(NQBinHeapCell* cell) {
-  NQBinHeapCell* way[kMaxDepth + 1] = {cell};
-  int count = 1;
-  while (count < kMaxDepth) {
-    NQBinHeapCell* const above = way[count - 1];
-    NQBinHeapCell* smallest = cell;
-    for (NQBinHeapCell* const child : {above->pLeft_, above->pRight_}) {
-      if (child != nullptr && virtualCompare(child, smallest) < 0) smallest = child;
-    }
-    if (smallest == cell) break;
-    way[count++] = smallest;
-  }
-  if (count == 1) return;
-  way[count] = cell;
-  movePlaces(way, way + 1, count);
-}
-
-// Puts `cell`, which comes from the end, into the order at or around the place of
-// `place`, which leaves the heap.
-void NQBinHeap::fillPlace(NQBinHeapCell* place, NQBinHeapCell* cell) {
-  if (bubbleUp(place, cell)) return;
-  NQBinHeapCell* way[kMaxDepth + 1] = {place};
-  int count = 1;
-  while (count < kMaxDepth) {
-    NQBinHeapCell* const left = way[count - 1]->pLeft_;
-    NQBinHeapCell* const right = way[count - 1]->pRight_;
-    if (left == nullptr) break;
-    nqdetail::prefetchCell(left->pLeft_);
-    nqdetail::prefetchCell(left->pRight_);
-    if (right == nullptr) {
-      way[count++] = left;
-      break;
-    }
-    nqdetail::prefetchCell(right->pLeft_);
-    nqdetail::prefetchCell(right->pRight_);
-    way[count++] = virtualCompare(right, left) < 0 ? right : left;
-  }
-  while (count > 1 && virtualCompare(way[count - 1], cell) >= 0) --count;
-  way[count] = cell;
-  movePlaces(way, way + 1, count);
-}
-
-// Gives each place of a way down the tree, known by the cell that is or was in it,
-// the cell that stands for it in `cells`.
-void NQBinHeap::movePlaces(NQBinHeapCell* const* places, NQBinHeapCell* const* cells,
-                           int count) {
-  struct Links {
-    NQBinHeapCell *previous, *next, *left, *right;
-  };
-  Links links[kMaxDepth];
-  for (int i = 0; i < count; ++i) {
-    const NQBinHeapCell* const place = places[i];
-    links[i] = {place->pPreviousCell(), place->pNextCell(), place->pLeft_,
-                place->pRight_};
-  }
-  NQBinHeapCell* parent = places[0]->pParent_;
-  if (parent != nullptr) {
-    (parent->pLeft_ == places[0] ? parent->pLeft_ : parent->pRight_) = cells[0];
-  }
-  using ListLinks = nqdetail::ListLinks<NQDList, NQDListCell>;
-  for (int i = 0; i < count; ++i) {
-    NQBinHeapCell* const cell = cells[i];
-    const bool hasNext = i + 1 < count;
-    auto [previous, next, left, right] = links[i];
-    // Of places above each other only the root and its left child are neighbours
-    // in the list.
-    if (i == 1 && previous == places[0]) previous = cells[0];
-    if (i == 0 && hasNext && next == places[1]) next = cells[1];
-    ListLinks::connect(*this, previous, cell);
-    ListLinks::connect(*this, cell, next);
-    cell->pParent_ = parent;
-    NQBinHeapCell* const below = hasNext ? cells[i + 1] : nullptr;
-    if (hasNext) (left == places[i + 1] ? left : right) = below;
-    cell->pLeft_ = left;
-    cell->pRight_ = right;
-    if (left != nullptr) left->pParent_ = cell;
-    if (right != nullptr) right->pParent_ = cell;
-    parent = cell;
-  }
 }

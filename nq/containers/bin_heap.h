@@ -23,11 +23,7 @@
 //   than its parent. The order of the list tells where the next cell goes: beside
 //   the last one, or below the next parent. A cell that moves up or down is given
 //   its new place at once, and the cells that it passes move by one place each:
-//   cells move, values and objects stay in them. What takes the place of a removed
-//   cell comes from the end and most often goes back there; so the way of the
-//   smaller children is followed down to a leaf first, with one comparison on each
-//   level, and the place found from there upward. (I. Wegener, "Bottom-up heapsort",
-//   1993.)
+//   cells move, values and objects stay in them.
 
 #ifndef NQ_CONTAINERS_BIN_HEAP_H
 #define NQ_CONTAINERS_BIN_HEAP_H
@@ -155,12 +151,20 @@ class NQ_EXPORT NQBinHeap : public NQDList {
     return static_cast<NQBinHeapCell*>(listCell);
   }
 
+  struct Place;
+  struct ByValue;
+  struct ByHook;
+
   NQBinHeapCell* pInsertionParent() const;
   NQBinHeapCell* removeLastBinHeapCell();
-  bool bubbleUp(NQBinHeapCell* place, NQBinHeapCell* cell);
-  void heapify(NQBinHeapCell* cell);
-  void fillPlace(NQBinHeapCell* place, NQBinHeapCell* cell);
-  void movePlaces(NQBinHeapCell* const* places, NQBinHeapCell* const* cells, int count);
+  template <class Operation>
+  auto ordered(Operation operation);
+  template <class Order>
+  bool bubbleUp(Order order, NQBinHeapCell* old, NQBinHeapCell* cell);
+  template <class Order>
+  void heapify(Order order, NQBinHeapCell* old, NQBinHeapCell* cell);
+  void moveDown(NQBinHeapCell* const* way, int count, NQBinHeapCell* cell);
+  void put(NQBinHeapCell* cell, NQBinHeapCell* parent, const Place& place);
 };
 
 #endif  // NQ_CONTAINERS_BIN_HEAP_H

@@ -20,9 +20,24 @@
 //
 // Depth. The established colours of this library accumulate: a cell that becomes
 // red stays black if it was, and the other way round. That keeps every order
-// right, but not the depth. exclusiveColors(1) makes each colour clear the other:
-// the textbook red-black tree, at most 2 log2(n + 1) deep whatever happens. Set it
-// wherever nothing depends on the established shape.
+// right, but not the depth, which every insertion, removal and comparison of order
+// may cost. exclusiveColors(1) makes each colour clear the other: the textbook
+// red-black tree, at most 2 log2(n + 1) deep whatever happens. Set it wherever
+// nothing depends on the established shape. Depths found:
+//
+//                                    established          exclusive
+//   cells                            1000    10000        1000   10000   100000
+//   inserted at random               16      23           12     16      20
+//   inserted in order, either way    501     5001         17     24      31
+//   in order, first half removed     500     5000         15     22      28
+//   the same, while it went on       899     8999         17     24      31
+//   random, then removals and        998     9983         13     17      21
+//     insertions in turn
+//   in order, each time the first    999     9999         17     24      30
+//     removed and one appended
+//
+// Copies, transfers and reversal insert in order: with established colours they
+// take quadratic time.
 //
 // How it works
 //   A cell without a left or right child has the sentinel there, a cell that the

@@ -56,7 +56,7 @@ Cell* choose(std::size_t second, Cell* a, Cell* b) {
 // The links of a list's cells.
 template <class List, class Cell>
 struct ListLinks {
-  static Cell* next(Cell* cell) { return cell->pNext_; }
+  static Cell* next(const Cell* cell) { return cell->pNext_; }
   static void setNext(Cell* cell, Cell* next) { cell->pNext_ = next; }
   // Makes two cells neighbours; null stands for either end of the list.
   static void connect(List& list, Cell* left, Cell* right) { list.connect(left, right); }
