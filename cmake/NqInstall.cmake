@@ -1,4 +1,5 @@
-# Installation: headers, library, CMake package, pkg-config file.
+# Installation: headers, library, CMake package, pkg-config file, what debuggers
+# need to show the library's values, and the documents.
 
 include(CMakePackageConfigHelpers)
 
@@ -23,6 +24,36 @@ install(FILES
   ${PROJECT_BINARY_DIR}/nqConfigVersion.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/nq)
 
+file(RELATIVE_PATH NQ_PC_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+string(REGEX REPLACE "/$" "" NQ_PC_PREFIX ${NQ_PC_PREFIX})
+set(NQ_PC_LIBS_PRIVATE)
+foreach(library IN LISTS CMAKE_DL_LIBS)
+  string(APPEND NQ_PC_LIBS_PRIVATE "-l${library}")
+endforeach()
+set(NQ_PC_FLAGS -fno-delete-null-pointer-checks)
+if(NOT BUILD_SHARED_LIBS)
+  string(APPEND NQ_PC_FLAGS " -DNQ_STATIC")
+endif()
 configure_file(${PROJECT_SOURCE_DIR}/cmake/nq.pc.in ${PROJECT_BINARY_DIR}/nq.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/nq.pc
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+install(FILES ${PROJECT_SOURCE_DIR}/debug/nq_gdb.py ${PROJECT_SOURCE_DIR}/debug/nq.natvis
+  DESTINATION ${CMAKE_INSTALL_DATADIR}/nq)
+# gdb loads the printers of a library by itself from one folder of its own,
+# where they lie under the library's full name.
+if(UNIX AND BUILD_SHARED_LIBS)
+  install(CODE "
+    if(CMAKE_INSTALL_PREFIX STREQUAL \"/usr\")
+      file(INSTALL \"${PROJECT_SOURCE_DIR}/debug/nq_gdb.py\"
+        DESTINATION \"/usr/share/gdb/auto-load/usr/${CMAKE_INSTALL_LIBDIR}\"
+        RENAME \"libnq.so.${PROJECT_VERSION}-gdb.py\")
+    endif()")
+endif()
+
+# The documents refer to one another as they lie in the source tree.
+install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
+  DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
+  DESTINATION ${CMAKE_INSTALL_DOCDIR}
+  PATTERN CMakeLists.txt EXCLUDE)
