@@ -1,0 +1,69 @@
+// Lists: cells that move without being copied, sorting by a comparison of one's
+// own, and a table from objects to numbers.
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+
+#include "nq/nq.h"
+
+namespace {
+
+nqLong value(const NQObject* object) {
+  return NQLong::castDown(object)->value();
+}
+
+class BySize : public NQDListSort {
+ protected:
+  int virtualCompare(NQDListCell* a, NQDListCell* b) override {
+    const nqLong left = value(a->pObject());
+    const nqLong right = value(b->pObject());
+    return left < right ? -1 : left > right;
+  }
+  void virtualDebugOutputElement(NQDListCell*) override {}
+};
+
+void print(const char* name, const NQDList& list) {
+  std::printf("%s:", name);
+  for (const NQObject* const object : list) std::printf(" %d", int(value(object)));
+  std::printf("\n");
+}
+
+}  // namespace
+
+int main() {
+  NQDList waiting;
+  for (const int size : {70, 20, 50, 10, 40}) waiting.appendObject(new NQLong(size));
+
+  // A cell is a position: it stays valid while others come and go.
+  NQDListCell* const fifty = waiting.pCellInPosition(3);
+  waiting.addObject(fifty, new NQLong(55));
+  print("waiting", waiting);
+
+  // Runs of cells move to other lists without allocation.
+  NQDList served;
+  served.transferListPart(nullptr, &waiting, fifty, waiting.pLastCell());
+  print("waiting", waiting);
+  print("served", served);
+
+  BySize sorter;
+  sorter.mergeSort(&served);
+  print("sorted", served);
+
+  // The standard algorithms take the objects.
+  const auto large = std::count_if(served.begin(), served.end(),
+                                   [](const NQObject* o) { return value(o) >= 50; });
+  std::printf("%d are large\n", int(large));
+
+  // What belongs to an object, without a field in it: addresses are good keys.
+  const auto key = [](const NQObject* o) { return reinterpret_cast<std::intptr_t>(o); };
+  NQIndexHashTable place(nextPrimeNumber(100), /*divisor=*/8, /*errorValue=*/-1);
+  nqLong i = 0;
+  for (const NQObject* const object : served) place.update(key(object), ++i);
+  std::printf("55 is number %d, 70 number %d\n",
+              int(place.lookup(key(served.pObjectInPosition(4)))),
+              int(place.lookup(key(waiting.pObjectInPosition(1)))));
+
+  waiting.deleteAllCellsAndObjects();
+  served.deleteAllCellsAndObjects();
+}

@@ -1,0 +1,45 @@
+// Writes a text file and reads it again, asking every time how it went.
+
+#include <cstdio>
+
+#include "nq/nq.h"
+
+namespace {
+
+int failed(const char* what) {
+  std::printf("cannot %s\n", what);
+  return 1;
+}
+
+}  // namespace
+
+int main() {
+  const char name[] = "files_example.txt";
+
+  NQTextFile out;
+  if (out.open(name, NQ_WRITE) != NQ_FILE_OK) return failed("create the file");
+  (void)out.writeLine("stations");
+  (void)out.writeLine(3);
+  (void)out.writeLine(12.5, "%.3f");
+  (void)out.writeLineTrueOrFalse(1);
+  // Output is gathered: only a close that succeeds says that all of it is there.
+  if (out.close() != NQ_FILE_OK) return failed("write the file");
+
+  NQTextFile in;
+  if (in.open(name, NQ_READ) != NQ_FILE_OK) return failed("open the file");
+  NQStringHandle title;
+  int count = 0;
+  double length = 0;
+  int open = 0;
+  if (in.readLine(title) != NQ_FILE_OK || in.readLine(count) != NQ_FILE_OK ||
+      in.readLine(length) != NQ_FILE_OK || in.readLineTrueOrFalse(open) != NQ_FILE_OK) {
+    return failed("read the file");
+  }
+  std::printf("%d %s, %.1f km, %s\n", count, title.pString(), length,
+              open != 0 ? "open" : "closed");
+  // No more lines is a result like any other; an error would set error().
+  const bool more = in.readLine(title) == NQ_FILE_OK;
+  std::printf("%s, %s\n", more ? "more" : "no more", in.error() ? "error" : "no error");
+  (void)in.close();
+  return std::remove(name);
+}
