@@ -53,7 +53,7 @@ def object_at(pointer):
 
 
 class List:
-    """NQDList, NQSList and the lists derived from them."""
+    """NQDList, NQSList, and the lists, trees and heaps derived from them."""
 
     def __init__(self, value):
         self.value = value
@@ -86,6 +86,16 @@ class Cell:
 
     def children(self):
         yield "object", object_at(self.value["pObject_"])
+
+
+class TreeCell(Cell):
+    """A cell of a tree: its colour, too, which may be both."""
+
+    COLOURS = {0: "none", 2: "red", 4: "black", 6: "red and black"}
+
+    def children(self):
+        yield from super().children()
+        yield "colour", self.COLOURS[int(self.value["flags_"]) & 6]
 
 
 class Text:
@@ -187,6 +197,7 @@ PRINTERS = {
     "NQSList": List,
     "NQDListCell": Cell,
     "NQSListCell": Cell,
+    "NQBinTreeCell": TreeCell,
     "NQInternalText": Text,
     "NQText": Text,
     "NQStringHandle": StringHandle,

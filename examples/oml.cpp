@@ -15,35 +15,28 @@ const char* const kTypes[] = {"graph", "node", "edge", nullptr};
 const char* const kSections[] = {"layout", nullptr};
 NQOMLStaticVEStruct kEnumerators[] = {{"box", 0}, {"ellipse", 1}, {nullptr, 0}};
 
-// What may stand where; each line is one entry.
-const char* const kDefinitions[] = {"O $toplevel$",
-                                    "[",
-                                    "T graph",
-                                    "]",
+// What may stand where; each text is one entry.
+// clang-format off
+const char* const kDefinitions[] = {
+    "O $toplevel$", "[", "T graph", "]",
 
-                                    "O graph",
-                                    "[",
-                                    "F title S",
-                                    "T node",
-                                    "T edge",
-                                    "]",
+    "O graph", "[",
+      "F title S",
+      "T node",
+      "T edge", "]",
 
-                                    "O node",
-                                    "[",
-                                    "E shape [box ellipse]",
-                                    "S layout",
-                                    "[",
-                                    "F x R",
-                                    "F y R",
-                                    "]",
-                                    "]",
+    "O node", "[",
+      "E shape [box ellipse]",
+      "S layout", "[",
+        "F x R",
+        "F y R", "]", "]",
 
-                                    "O edge",
-                                    "[",
-                                    "R from node R",  // a reference to a node; required
-                                    "R to node R",
-                                    "]",
-                                    nullptr};
+    "O edge", "[",
+      "R from node R",  // a reference to a node, and required
+      "R to node R", "]",
+
+    nullptr};
+// clang-format on
 
 struct Node : NQObject {
   NQText name;

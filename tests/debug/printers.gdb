@@ -8,6 +8,8 @@ print values.emptyList
 print values.list
 print values.singleList
 print values.points
+print values.tree
+print *values.tree.pRoot_
 # A list that promises more than its links hold.
 set var values.damaged.length_ = 2
 print values.damaged

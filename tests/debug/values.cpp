@@ -18,6 +18,7 @@ struct Values {
   NQDList list;
   NQSList singleList;
   NQPointDList points;
+  NQBinTree tree;
   NQDList damaged;
   NQInternalText noText;
   NQInternalText emptyText{""};
@@ -49,6 +50,7 @@ int main() {
   for (NQObject* const object : objects) {
     values.list.appendObject(object);
     values.singleList.prependObject(object);
+    values.tree.appendObject(object);
   }
   values.points.appendPoint(&values.point);
   values.damaged.appendObject(&values.real);
