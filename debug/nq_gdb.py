@@ -53,7 +53,7 @@ def object_at(pointer):
 
 
 class List:
-    """NQDList, NQSList, and the lists, trees and heaps derived from them."""
+    """NQDList, NQSList, and the lists and trees derived from them."""
 
     def __init__(self, value):
         self.value = value
@@ -86,6 +86,30 @@ class Cell:
 
     def children(self):
         yield "object", object_at(self.value["pObject_"])
+
+
+class Heap(List):
+    """NQBinHeap: its objects by their values, in the order of the heap."""
+
+    def children(self):
+        cell = field(self.value, "pFirst_")
+        heap_cell = gdb.lookup_type("NQBinHeapCell").pointer()
+        for name, shown in super().children():
+            if int(cell):
+                yield f"{name} value", cell.cast(heap_cell)["value_"]
+                cell = cell["pNext_"]
+            else:
+                yield f"{name} value", "?"
+            yield name, shown
+
+    def display_hint(self):
+        return "map"
+
+
+class HeapCell(Cell):
+    def children(self):
+        yield from super().children()
+        yield "value", self.value["value_"]
 
 
 class TreeCell(Cell):
@@ -198,6 +222,8 @@ PRINTERS = {
     "NQDListCell": Cell,
     "NQSListCell": Cell,
     "NQBinTreeCell": TreeCell,
+    "NQBinHeap": Heap,
+    "NQBinHeapCell": HeapCell,
     "NQInternalText": Text,
     "NQText": Text,
     "NQStringHandle": StringHandle,

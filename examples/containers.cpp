@@ -1,5 +1,5 @@
 // Lists: cells that move without being copied, sorting by a comparison of one's
-// own, and a table from objects to numbers.
+// own, a table from objects to numbers, a heap and a tree.
 
 #include <algorithm>
 #include <cstdint>
@@ -63,6 +63,24 @@ int main() {
   std::printf("55 is number %d, 70 number %d\n",
               int(place.lookup(key(served.pObjectInPosition(4)))),
               int(place.lookup(key(waiting.pObjectInPosition(1)))));
+
+  // A heap hands out the smallest value first; values may change meanwhile.
+  NQBinHeap due;
+  NQBinHeapCell* const seventy = due.addObject(waiting.pObjectInPosition(1), 30);
+  due.addObject(waiting.pObjectInPosition(2), 10);
+  due.changeValue(seventy, 5);
+  NQBinHeapCell* const next = due.pExtractMinCell();  // handed over
+  std::printf("next is %d\n", int(value(next->pObject())));
+  delete next;
+
+  // A tree is a list that tells the order of two cells without walking.
+  NQBinTree queue;
+  queue.exclusiveColors(1);  // never deeper than 2 log2(n + 1)
+  queue.copyAppendList(&served);
+  const NQBinTreeCell* const early = queue.pCellInPosition(2);
+  const NQBinTreeCell* const late = queue.insertBefore(
+      queue.pLastCell(), new NQBinTreeCell(waiting.pObjectInPosition(1)));
+  std::printf("40 comes %s 70\n", queue.compare(early, late) < 0 ? "before" : "after");
 
   waiting.deleteAllCellsAndObjects();
   served.deleteAllCellsAndObjects();

@@ -10,6 +10,8 @@ print values.singleList
 print values.points
 print values.tree
 print *values.tree.pRoot_
+print values.heap
+print *(NQBinHeapCell*)values.heap.pLast_
 # A list that promises more than its links hold.
 set var values.damaged.length_ = 2
 print values.damaged

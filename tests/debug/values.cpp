@@ -19,6 +19,7 @@ struct Values {
   NQSList singleList;
   NQPointDList points;
   NQBinTree tree;
+  NQBinHeap heap;
   NQDList damaged;
   NQInternalText noText;
   NQInternalText emptyText{""};
@@ -52,6 +53,8 @@ int main() {
     values.singleList.prependObject(object);
     values.tree.appendObject(object);
   }
+  values.heap.addObject(&values.text, 20);
+  values.heap.addObject(&values.number, 10);
   values.points.appendPoint(&values.point);
   values.damaged.appendObject(&values.real);
   values.handle.appendString("built");
