@@ -1,5 +1,7 @@
 #include "nq/oml/id_table_internal.h"
 
+#include <algorithm>
+#include <bit>
 #include <charconv>
 #include <limits>
 
@@ -20,53 +22,102 @@ bool isPrintedInteger(std::string_view text, nqLong& value) {
   return digits[0] != '0' || text == "0";
 }
 
-constexpr std::uint32_t kRow = 64;  // numbers that are filed side by side
+// The number that ends a name, cut off it: digits that begin with none that is 0,
+// so that stem and number always make the same text again. -1 when there is none.
+nqLong takeNumber(std::string_view& name) {
+  constexpr std::size_t kMostDigits = 9;  // any such number is an nqLong
+  const std::size_t least = name.size() - std::min(name.size(), kMostDigits);
+  std::size_t start = name.size();
+  while (start > least && isOf(name[start - 1], kDigit)) --start;
+  while (start < name.size() && name[start] == '0') ++start;
+  if (start == name.size()) return -1;
+  nqLong number = 0;
+  for (const char digit : name.substr(start)) number = 10 * number + (digit - '0');
+  name = name.substr(0, start);
+  return number;
+}
+
+constexpr std::uint32_t kRow = 8;  // numbers that are filed side by side
 
 }  // namespace
 
-IDTable::IDTable() : index_(this), names_(kNamesAtFirst, kNamesAtFirst, 1, 0) {
+IDTable::IDTable()
+    : index_(this), names_(kNamesAtFirst, kNamesAtFirst, 1, 0), families_(1) {
   (void)withName(kDefaultsID);
   (void)withName(std::string_view(&kFullAddress, 1));
 }
 
-nqLong IDTable::enter(nqLong scope, nqLong component, std::uint32_t flags) {
-  // Neighbouring numbers are filed side by side, so that ids in a row are found in
-  // the same few lines of the cache. Which rows meet, nobody outside can choose; a
-  // step of 64 or more from number to number still fills all places of the rows.
-  const auto number = static_cast<std::uint32_t>(component);
-  const std::uint32_t row = number / kRow;
-  const auto key =
-      static_cast<std::uint64_t>(static_cast<std::uint32_t>(scope)) << 32 | row;
-  const std::uint64_t mixed =
-      mix((key ^ index_.seed().first) + (flags & kNumber), index_.seed().second);
-  const std::uint32_t hash =
-      static_cast<std::uint32_t>(mixed) / kRow * kRow + (number ^ row) % kRow;
-  const nqLong found = index_.find(hash, [&](nqLong index) {
-    const Entry& entry = entries_[index];
-    return entry.scope == scope && entry.component == component &&
-           (entry.flags & kNumber) == (flags & kNumber);
-  });
-  if (found >= 0) return found;
+nqLong* IDTable::placeOf(const Component& component) {
+  Family& family = families_[component.stem];
+  if (isBare(component)) return &family.bare;
+  const auto number = static_cast<std::uint32_t>(component.number);
+  if (number >= family.numbered.size()) {
+    // No larger than in proportion to what is there, whatever the numbers.
+    if (number / 4 > family.count) return nullptr;
+    family.numbered.resize(std::bit_ceil(number + 1), kNone);
+  }
+  return &family.numbered[number];
+}
+
+nqLong IDTable::enter(nqLong scope, const Component& component) {
+  Family& family = families_[component.stem];
+  nqLong* const place = scope == kNone ? placeOf(component) : nullptr;
+  if (place != nullptr && *place != kNone) return *place;
+  std::uint32_t hash = 0;
+  if (place == nullptr || family.scattered) {
+    // Neighbouring numbers are filed side by side, so that ids in a row are found in
+    // the same few lines of the cache; so are stems by themselves. Which rows meet,
+    // nobody outside can choose; a step of 8 or more from number to number still
+    // fills all places of the rows.
+    const bool bare = isBare(component);
+    const auto number =
+        bare ? component.stem : static_cast<std::uint32_t>(component.number);
+    const std::uint32_t row = number / kRow;
+    const HashSeed& seed = index_.seed();
+    const std::uint64_t mixed =
+        mix(seed.first ^ (std::uint64_t{static_cast<std::uint32_t>(scope)} << 32 | row),
+            seed.second ^ (bare ? kMostStems + 1 : component.stem));
+    hash = static_cast<std::uint32_t>(mixed) / kRow * kRow + (number ^ row) % kRow;
+    const nqLong found = index_.find(hash, [&](nqLong index) {
+      const Entry& entry = entries_[index];
+      return entry.scope == scope && entry.number == component.number &&
+             entry.stem == component.stem;
+    });
+    if (found >= 0) return found;
+  }
 
   const nqLong index = entries_.size();
-  if (isEntry(scope)) flags |= entries_[scope].flags & kFull;
-  if (!index_.reserve(static_cast<std::size_t>(index) + 1) ||
-      entries_.append({scope, component, flags, -1, nullptr, nullptr}) == nullptr) {
+  const bool full =
+      isEntry(scope) ? entries_[scope].full : *stemOf(component.stem) == kFullAddress;
+  Entry entry = {scope,     component.number, component.stem & kMostStems, full, 0, -1,
+                 {nullptr}, nullptr};
+  if (entry.isSimple()) entry.placed = {kNone, kNone};
+  if (place == nullptr && !index_.reserve(numberInIndex_ + 1)) {
     return kNone;
   }
-  index_.insert(hash, index);
+  if (entries_.append(entry) == nullptr) return kNone;
+  if (scope == kNone && !isBare(component)) ++family.count;
+  if (place != nullptr) {
+    *place = index;
+  } else {
+    index_.insert(hash, index);
+    ++numberInIndex_;
+    if (scope == kNone) family.scattered = true;
+  }
   return index;
 }
 
 nqLong IDTable::withName(std::string_view name, nqLong scope) {
-  const nqLong component = names_.update(name);
-  if (component < 0) return kNone;
-  const bool full = scope == kNone && !name.empty() && name[0] == kFullAddress;
-  return enter(scope, component, full ? std::uint32_t{kFull} : 0);
+  const nqLong number = takeNumber(name);
+  const nqLong index = names_.update(name);
+  const std::uint32_t stem = static_cast<std::uint32_t>(index) + 1;
+  if (index < 0 || stem > kMostStems) return kNone;
+  if (stem == families_.size()) families_.emplace_back();
+  return enter(scope, {stem, number});
 }
 
 nqLong IDTable::withNumber(nqLong number, nqLong scope) {
-  return enter(scope, number, kNumber);
+  return enter(scope, {kNoStem, number});
 }
 
 nqLong IDTable::withText(std::string_view text, nqLong scope) {
@@ -91,11 +142,19 @@ void IDTable::walkChain(nqLong id) const {
 
 nqLong IDTable::inScope(nqLong id, nqLong scope) {
   if (!isEntry(id)) return kNone;
+  Entry& last = entries_[id];
+  if (last.isSimple()) {
+    if (scope == kNone) return id;
+    if (last.placed.scope != scope) {
+      last.placed = {scope, enter(scope, {last.stem, last.number})};
+    }
+    return last.placed.id;
+  }
   walkChain(id);
   nqLong result = scope;
   for (auto link = chain_.rbegin(); link != chain_.rend(); ++link) {
     const Entry& entry = entries_[*link];
-    result = enter(result, entry.component, entry.flags & kNumber);
+    result = enter(result, {entry.stem, entry.number});
     if (result == kNone) return kNone;
   }
   return result;
@@ -104,8 +163,9 @@ nqLong IDTable::inScope(nqLong id, nqLong scope) {
 nqInt64 IDTable::trailingNumber(nqLong id) const {
   if (!isEntry(id)) return 0;
   const Entry& entry = entries_[id];
-  if ((entry.flags & kNumber) != 0) return entry.component;
-  const std::string_view name = names_.decode(entry.component);
+  if (entry.stem == kNoStem) return entry.number;
+  std::string name;
+  appendComponent(name, entry);
   std::size_t digits = name.size();
   while (digits > 0 && isOf(name[digits - 1], kDigit)) --digits;
   if (digits == name.size()) return 0;
@@ -118,6 +178,11 @@ nqInt64 IDTable::trailingNumber(nqLong id) const {
                              : std::numeric_limits<nqInt64>::max();
 }
 
+void IDTable::appendComponent(std::string& text, const Entry& entry) const {
+  text += stemOf(entry.stem);
+  if (!isBare({entry.stem, entry.number})) text += std::to_string(entry.number);
+}
+
 const char* IDTable::text(nqLong index) const {
   if (!isEntry(index)) return "";
   const auto [place, isNew] = texts_.try_emplace(index);
@@ -127,11 +192,7 @@ const char* IDTable::text(nqLong index) const {
     for (auto link = chain_.rbegin(); link != chain_.rend(); ++link) {
       const Entry& entry = entries_[*link];
       if (link != chain_.rbegin()) text += kScopeSeparator;
-      if ((entry.flags & kNumber) != 0) {
-        text += std::to_string(entry.component);
-      } else {
-        text += names_.decode(entry.component);
-      }
+      appendComponent(text, entry);
     }
   }
   return text.c_str();

@@ -4,7 +4,11 @@
 // chain has one entry, found by its last component and the entry of what stands
 // before it, so that placing an id into a scope costs one look-up for each of its
 // components and no text is put together. A component that is a 32-bit integer
-// as "%ld" prints it is kept as that integer. Full ids begin with "$".
+// as "%ld" prints it is kept as that integer. Programs number what they write: of
+// names such as "n17" the stem is stored once, and those that are numbered closely
+// are found in a table by their number. An id of one component remembers where it
+// was placed last, for most references are met in the same scope. Full ids begin
+// with "$".
 //
 // Texts are made when somebody asks for them and stay valid as long as the table.
 
@@ -34,7 +38,7 @@ class IDTable final : public ObjectIDs {
   IDTable();
 
   // The id that consists of one more component behind `scope`; it is entered when
-  // it is new, and kNone when memory is exhausted.
+  // it is new, and kNone when memory is exhausted. A name has no zero byte.
   nqLong withName(std::string_view name, nqLong scope = kNone);
   nqLong withNumber(nqLong number, nqLong scope = kNone);
   // The id of a text whose components are joined by ",".
@@ -43,27 +47,22 @@ class IDTable final : public ObjectIDs {
   nqLong inScope(nqLong id, nqLong scope);
 
   // Whether the text begins with "$".
-  bool isFull(nqLong id) const {
-    return isEntry(id) && (entries_[id].flags & kFull) != 0;
-  }
+  bool isFull(nqLong id) const { return isEntry(id) && entries_[id].full; }
   // Whether it is one component that does not begin so.
-  bool isSimple(nqLong id) const {
-    return isEntry(id) && entries_[id].scope == kNone && !isFull(id);
-  }
+  bool isSimple(nqLong id) const { return isEntry(id) && entries_[id].isSimple(); }
   // The digits that end the text, with a sign that stands before them; 0 without.
   nqInt64 trailingNumber(nqLong id) const;
 
   // Ids that objects bear in the file by their own words.
   void markWritten(nqLong id) {
-    if (isEntry(id)) entries_[id].flags |= kWritten;
+    if (isEntry(id)) entries_[id].written = 1;
   }
-  bool isWritten(nqLong id) const {
-    return isEntry(id) && (entries_[id].flags & kWritten) != 0;
-  }
+  bool isWritten(nqLong id) const { return isEntry(id) && entries_[id].written; }
 
   const char* text(nqLong index) const override;
   NQOMLSyntaxObject* pSyntaxObject(nqLong index) const override {
-    return isEntry(index) ? entries_[index].syntax : nullptr;
+    return isEntry(index) && !entries_[index].isSimple() ? entries_[index].syntax
+                                                         : nullptr;
   }
   // The type of that node, told without a visit to it; -1 when there is none.
   nqLong typeIndex(nqLong index) const {
@@ -72,9 +71,9 @@ class IDTable final : public ObjectIDs {
   NQObject* pObject(nqLong index) const override {
     return isEntry(index) ? entries_[index].object : nullptr;
   }
-  // Nothing when there is no such entry.
+  // Nothing when there is no such entry; an id of one component has no node.
   void pSyntaxObject(nqLong index, NQOMLSyntaxObject* syntax) {
-    if (!isEntry(index)) return;
+    if (!isEntry(index) || entries_[index].isSimple()) return;
     entries_[index].syntax = syntax;
     entries_[index].typeIndex = syntax->typeIndex();
   }
@@ -83,26 +82,65 @@ class IDTable final : public ObjectIDs {
   }
 
  private:
-  enum Flag : std::uint32_t { kNumber = 1, kFull = 2, kWritten = 4 };
+  // A name, with the number that ends it, or a number by itself.
+  struct Component {
+    std::uint32_t stem;  // kNoStem, or the name's index in names_ plus one
+    nqLong number;       // kNoNumber behind a stem that is the whole name
+  };
+  static constexpr std::uint32_t kNoStem = 0;
+  static constexpr std::uint32_t kMostStems = (std::uint32_t{1} << 30) - 1;
+  static constexpr nqLong kNoNumber = -1;
 
+  // The ids of one component that share a stem. Numbers that lie close enough are
+  // found in a table, which is smaller than the index and needs no comparison.
+  struct Family {
+    std::vector<nqLong> numbered;  // by number; kNone where there is none yet
+    nqLong bare = kNone;           // the stem by itself
+    std::uint32_t count = 0;       // of those with a number
+    bool scattered = false;        // some of these are in the index
+  };
+
+  struct Placed {
+    nqLong scope;
+    nqLong id;
+  };
   struct Entry {
     nqLong scope;
-    nqLong component;  // a number, or an index in names_
-    std::uint32_t flags;
+    nqLong number;
+    std::uint32_t stem : 30;
+    std::uint32_t full : 1;
+    std::uint32_t written : 1;
     nqLong typeIndex;  // of the node
-    NQOMLSyntaxObject* syntax;
+    union {
+      NQOMLSyntaxObject* syntax;  // unless the id is simple:
+      Placed placed;              // the id that it was in a scope the last time
+    };
     NQObject* object;
+
+    bool isSimple() const { return scope == kNone && !full; }
   };
   static_assert(sizeof(Entry) == 32, "two entries to a cache line");
 
   bool isEntry(nqLong index) const { return index >= 0 && index < entries_.size(); }
-  nqLong enter(nqLong scope, nqLong component, std::uint32_t flags);
+  nqLong enter(nqLong scope, const Component& component);
+  // Where the id of that component alone is noted; null when it is in the index.
+  nqLong* placeOf(const Component& component);
+  static bool isBare(const Component& component) {
+    return component.stem != kNoStem && component.number == kNoNumber;
+  }
+  const char* stemOf(std::uint32_t stem) const {
+    return names_.decode(static_cast<nqLong>(stem) - 1);  // "" for kNoStem
+  }
+  // Adds the text of an entry's component.
+  void appendComponent(std::string& text, const Entry& entry) const;
   // Puts the entries of an id's components into chain_, the last one first.
   void walkChain(nqLong id) const;
 
   BlockArray<Entry> entries_;
-  HashIndex index_;
-  NQStringPool names_;
+  HashIndex index_;  // of ids of more than one component, and of scattered ones
+  std::size_t numberInIndex_ = 0;
+  NQStringPool names_;                                     // stems
+  std::vector<Family> families_;                           // by stem
   mutable std::unordered_map<nqLong, std::string> texts_;  // those asked for
   mutable std::vector<nqLong> chain_;                      // the last one walked
 };

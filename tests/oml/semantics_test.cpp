@@ -1,5 +1,7 @@
 #include <gtest/gtest.h>
 
+#include <map>
+#include <set>
 #include <string>
 
 #include "nq/oml/id_table_internal.h"
@@ -115,7 +117,8 @@ TEST(IDTable, KeepsChainsOfComponents) {
   EXPECT_EQ(ids.withText("b", ids.withText("a")), ab);
   EXPECT_EQ(ids.inScope(ab, ids.withText("$,x")), ids.withText("$,x,a,b"));
   EXPECT_EQ(ids.withText("-7,0"), ids.withNumber(0, ids.withNumber(-7)));
-  for (const char* const text : {"07", "+7", "-0", "2147483648", "", "7a", " 7", "--7"}) {
+  for (const char* const text : {"07", "+7", "-0", "2147483648", "", "7a", " 7", "--7",
+                                 "a0", "a01", "a10", "a4294967295", "$12"}) {
     EXPECT_EQ(ids.withText(text), ids.withName(text)) << text;
     EXPECT_STREQ(ids.text(ids.withText(text)), text);
   }
@@ -144,6 +147,42 @@ TEST(IDTable, KeepsChainsOfComponents) {
   EXPECT_FALSE(ids.isSimple(-1) || ids.isFull(1'000'000));
   EXPECT_EQ(ids.inScope(-1, 1), -1);
   EXPECT_EQ(ids.pObject(1'000'000), nullptr);
+}
+
+// Ids that end in numbers are found wherever they were filed: far from the others,
+// before they came, or among them.
+TEST(IDTable, KnowsNumberedNamesInAnyOrder) {
+  constexpr nqLong kNumbers = 3000;
+  const auto text = [](std::string stem, nqLong number) {
+    return stem + std::to_string(number);
+  };
+  const nqLong orders[][2] = {
+      {1, 0}, {kNumbers - 1, kNumbers - 1}, {1009, 17}};  // step, start
+  for (const auto& [step, start] : orders) {
+    nqdetail::IDTable ids;
+    std::map<std::string, nqLong> known;
+    const nqLong scope = ids.withText("$,s");
+    nqLong number = start;
+    for (nqLong i = 0; i < kNumbers; ++i, number = (number + step) % kNumbers) {
+      for (const char* const stem : {"", "-", "n", "$,s,n", "n-0", "n,"}) {
+        const std::string name = text(stem, number);
+        EXPECT_TRUE(known.emplace(name, ids.withText(name)).second) << name;
+      }
+    }
+    std::set<nqLong> all;
+    for (const auto& [name, id] : known) {
+      EXPECT_TRUE(all.insert(id).second) << name;
+      EXPECT_EQ(ids.withText(name), id) << name;
+      ASSERT_STREQ(ids.text(id), name.c_str());
+    }
+    for (number = 0; number < kNumbers; ++number) {
+      const nqLong id = known[text("n", number)];
+      EXPECT_EQ(ids.inScope(id, scope), known[text("$,s,n", number)]);
+      EXPECT_EQ(ids.inScope(id, nqdetail::IDTable::kTop),
+                ids.withText(text("$,n", number)));
+      EXPECT_EQ(ids.inScope(id, nqdetail::IDTable::kNone), id);
+    }
+  }
 }
 
 // Objects of several types with required fields of their own may meet in one block
