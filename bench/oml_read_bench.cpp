@@ -5,7 +5,13 @@
 
 #include <benchmark/benchmark.h>
 
+#include <filesystem>
+
 namespace {
+
+std::string graphFile(std::int64_t nodes, const char* ending) {
+  return NQ_BENCH_DATA "graph_" + std::to_string(nodes) + "." + ending;
+}
 
 using Reader = std::unique_ptr<Graph> (*)(const std::string& path);
 
@@ -14,8 +20,7 @@ std::unique_ptr<Graph> readText(const std::string& path) {
 }
 
 void read(benchmark::State& state, Reader reader, const char* ending) {
-  const std::string path =
-      NQ_BENCH_DATA "graph_" + std::to_string(state.range(0)) + "." + ending;
+  const std::string path = graphFile(state.range(0), ending);
   double sum = 0;
   for (auto _ : state) {
     auto graph = reader(path);
@@ -38,6 +43,8 @@ void read(benchmark::State& state, Reader reader, const char* ending) {
 
 void sizes(benchmark::internal::Benchmark* bench) {
   bench->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
+  // 700 MB, which nobody has to make for a build.
+  if (std::filesystem::exists(graphFile(1000000, "oml"))) bench->Arg(1000000);
 }
 
 BENCHMARK_CAPTURE(read, nq, readText, "oml")->Apply(sizes);
