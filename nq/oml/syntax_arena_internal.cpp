@@ -6,11 +6,10 @@ namespace nqdetail {
 
 struct SyntaxArena::FieldRecord final : NQOMLSyntaxField {
   template <class... Arguments>
-  explicit FieldRecord(const NQOMLToken& value, Arguments... arguments)
-      : NQOMLSyntaxField(arguments...), cell(nullptr), token(value) {}
+  explicit FieldRecord(Arguments... arguments)
+      : NQOMLSyntaxField(arguments...), cell(nullptr) {}
 
   NQOMLSyntaxFieldList cell;
-  NQOMLToken token;
 };
 
 namespace {
@@ -45,13 +44,13 @@ NQOMLSyntaxField* SyntaxArena::makeField(NQOMLFile* file, nqLong line, int posit
                                          nqLong sectionIDIndex, nqULong sectionPath,
                                          const NQOMLToken& token, NQOMLDefField* defField,
                                          int unchecked) {
-  static_assert(sizeof(FieldRecord) <= 96, "files hold fields by the million");
+  static_assert(sizeof(FieldRecord) <= 88, "files hold fields by the million");
   void* const place = allocate<FieldRecord>(memory_);
   if (place == nullptr) return nullptr;
   auto* const field =
-      new (place) FieldRecord(token, file, line, position, fileNameIndex, nameIndex,
+      new (place) FieldRecord(file, line, position, fileNameIndex, nameIndex,
                               sectionIDIndex, sectionPath, nullptr, defField, unchecked);
-  field->token_ = &field->token;
+  new (&field->token_) NQOMLToken(token);
   field->storage(NQOMLSyntaxField::Storage::kArena);
   if (NQOMLBinValue* const value = token.pBinValue()) binValues_.emplace_back(value);
   return field;

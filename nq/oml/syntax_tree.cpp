@@ -47,8 +47,8 @@ NQOMLSyntaxField::NQOMLSyntaxField(NQOMLFile* file, nqLong line, int position,
       nameIndex_(nameIndex),
       sectionIDIndex_(sectionIDIndex),
       sectionPath_(sectionPath),
-      token_(token),
-      defField_(defField) {}
+      defField_(defField),
+      kept_(token) {}
 
 NQOMLSyntaxField::NQOMLSyntaxField(const NQOMLSyntaxField& field,
                                    const NQOMLDefSection& section,
@@ -58,15 +58,15 @@ NQOMLSyntaxField::NQOMLSyntaxField(const NQOMLSyntaxField& field,
       nameIndex_(field.nameIndex_),
       sectionIDIndex_(section.nameIndex()),
       sectionPath_(section.path()),
-      token_(field.token_),
-      defField_(defField) {
+      defField_(defField),
+      kept_(field.pToken()) {
   storage(Storage::kView);
 }
 
 NQOMLSyntaxField::~NQOMLSyntaxField() {
-  if (storage() != Storage::kHeap || token_ == nullptr) return;
-  token_->deleteValue();
-  delete token_;
+  if (storage() != Storage::kHeap || kept_ == nullptr) return;
+  kept_->deleteValue();
+  delete kept_;
 }
 
 const char* NQOMLSyntaxField::nameString() const {
@@ -78,8 +78,9 @@ const char* NQOMLSyntaxField::sectionString() const {
 }
 
 NQOMLFieldTypeEnum NQOMLSyntaxField::valueType() const {
-  if (token_ == nullptr) return NQ_OML_VALUE_OTHER;
-  switch (token_->tag) {
+  const NQOMLToken* const token = pToken();
+  if (token == nullptr) return NQ_OML_VALUE_OTHER;
+  switch (token->tag) {
     case NQ_OML_INTEGER:
       return NQ_OML_VALUE_INTEGER;
     case NQ_OML_REAL:
@@ -98,7 +99,8 @@ NQOMLFieldTypeEnum NQOMLSyntaxField::valueType() const {
 }
 
 int NQOMLSyntaxField::intValue() const {
-  return token_ == nullptr ? 0 : token_->integer();
+  const NQOMLToken* const token = pToken();
+  return token == nullptr ? 0 : token->integer();
 }
 
 short NQOMLSyntaxField::shortValue() const {
@@ -106,7 +108,8 @@ short NQOMLSyntaxField::shortValue() const {
 }
 
 double NQOMLSyntaxField::doubleValue() const {
-  return token_ == nullptr ? 0.0 : token_->real();
+  const NQOMLToken* const token = pToken();
+  return token == nullptr ? 0.0 : token->real();
 }
 
 float NQOMLSyntaxField::floatValue() const {
@@ -114,9 +117,10 @@ float NQOMLSyntaxField::floatValue() const {
 }
 
 int NQOMLSyntaxField::enumValue() const {
+  const NQOMLToken* const token = pToken();
   const ReadTables* const tables = readTables(pFile());
-  if (token_ == nullptr || tables == nullptr || tables->pGrammar == nullptr) return 0;
-  return tables->pGrammar->enumValue(token_->integer());
+  if (token == nullptr || tables == nullptr || tables->pGrammar == nullptr) return 0;
+  return tables->pGrammar->enumValue(token->integer());
 }
 
 int NQOMLSyntaxField::boolValue() const {
@@ -124,23 +128,26 @@ int NQOMLSyntaxField::boolValue() const {
 }
 
 const char* NQOMLSyntaxField::stringValue() const {
-  if (token_ == nullptr) return "";
-  return nqdetail::stringText(readTables(pFile()), token_->integer());
+  const NQOMLToken* const token = pToken();
+  if (token == nullptr) return "";
+  return nqdetail::stringText(readTables(pFile()), token->integer());
 }
 
 NQObject* NQOMLSyntaxField::objectValue() const {
+  const NQOMLToken* const token = pToken();
   const ReadTables* const tables = readTables(pFile());
-  if (token_ == nullptr || tables == nullptr || tables->pObjectIDs == nullptr) {
+  if (token == nullptr || tables == nullptr || tables->pObjectIDs == nullptr) {
     return nullptr;
   }
-  return tables->pObjectIDs->pObject(token_->integer());
+  return tables->pObjectIDs->pObject(token->integer());
 }
 
 nqLong NQOMLSyntaxField::objectTypeIndex() const {
+  const NQOMLToken* const token = pToken();
   const ReadTables* const tables = readTables(pFile());
-  if (token_ == nullptr || tables == nullptr || tables->pObjectIDs == nullptr) return -1;
+  if (token == nullptr || tables == nullptr || tables->pObjectIDs == nullptr) return -1;
   const NQOMLSyntaxObject* const object =
-      tables->pObjectIDs->pSyntaxObject(token_->integer());
+      tables->pObjectIDs->pSyntaxObject(token->integer());
   return object == nullptr ? -1 : object->typeIndex();
 }
 
@@ -149,7 +156,8 @@ const char* NQOMLSyntaxField::objectTypeString() const {
 }
 
 NQOMLBinValue* NQOMLSyntaxField::pBinValue() const {
-  return token_ == nullptr ? nullptr : token_->pBinValue();
+  const NQOMLToken* const token = pToken();
+  return token == nullptr ? nullptr : token->pBinValue();
 }
 
 NQOMLSyntaxField* NQOMLSyntaxField::castDown(const NQObject* object) {

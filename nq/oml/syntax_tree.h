@@ -117,7 +117,9 @@ class NQ_EXPORT NQOMLSyntaxField : public NQOMLSyntaxStruct {
   int unchecked() const { return unchecked_ ? 1 : 0; }
 
   // The value token, owned by the field; may be null.
-  NQOMLToken* pToken() const { return token_; }
+  NQOMLToken* pToken() const {
+    return storage() == Storage::kArena ? const_cast<NQOMLToken*>(&token_) : kept_;
+  }
   NQOMLFieldTypeEnum valueType() const;
 
   // The value, read as what the caller knows it to be; see valueType(). Without
@@ -154,8 +156,11 @@ class NQ_EXPORT NQOMLSyntaxField : public NQOMLSyntaxStruct {
   nqLong nameIndex_;
   nqLong sectionIDIndex_;
   nqULong sectionPath_;
-  NQOMLToken* token_;
   NQOMLDefField* defField_;
+  union {
+    NQOMLToken* kept_;  // unless the field lies in an arena:
+    NQOMLToken token_;  // a word less, files hold fields by the million
+  };
 };
 
 // One object block, or a block of defaults.
