@@ -20,6 +20,7 @@
 #include <memory>
 #include <type_traits>
 
+#include "nq/platform/system_internal.h"
 #include "nq/platform/types.h"
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -111,16 +112,19 @@ class Arena {
     std::size_t size;  // with this header
   };
   static constexpr std::size_t kFirstBlock = 1024;
-  static constexpr std::size_t kLargestBlock = std::size_t{64} * 1024;
+  static constexpr std::size_t kLargestBlock = std::size_t{1024} * 1024;
+  static constexpr std::size_t kLargestPiece = std::size_t{16} * 1024;
 
   char* allocateFromNewBlock(std::size_t step) {
     // A large piece gets a block of its own, and the current one stays in use.
-    const bool large = step > kLargestBlock / 4;
+    const bool large = step > kLargestPiece;
     const std::size_t room = large ? step : std::max(step, nextBlock_);
     auto* const block = static_cast<Block*>(std::malloc(sizeof(Block) + room));
     if (block == nullptr) return nullptr;
     *block = {blocks_, sizeof(Block) + room};
     blocks_ = block;
+    // An arena that came so far will fill this one too.
+    if (room == kLargestBlock) prepareMemory(block, block->size);
     auto* const start = reinterpret_cast<char*>(block + 1);
     poison(start, room);
     if (!large) {

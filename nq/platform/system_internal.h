@@ -77,6 +77,12 @@ const System& hostSystem();
 // restores the host's table. Not to be called while files are open elsewhere.
 void replaceSystem(const System* replacement);
 
+// A hint: the `size` bytes from `memory` on, not used yet, will be written soon and
+// nearly all. Where the system can, it provides the pages now, which costs less than
+// one by one as they are touched. Not in the table, since all that can come of it is
+// time.
+void prepareMemory(void* memory, std::size_t size);
+
 // Writes all of `data`, in as many transfers as it takes; `written` tells how
 // much arrived. False when a transfer fails or makes no progress.
 bool writeAll(Handle handle, const char* data, std::size_t count, std::size_t* written);

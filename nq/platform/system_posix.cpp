@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <link.h>
 #include <sys/file.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -175,6 +176,18 @@ constexpr System kPosixSystem = {
 
 const System& hostSystem() {
   return kPosixSystem;
+}
+
+// Whole pages only; a kernel that does not know the request changes nothing.
+void prepareMemory([[maybe_unused]] void* memory, [[maybe_unused]] std::size_t size) {
+#if defined(MADV_POPULATE_WRITE)
+  static const auto page = static_cast<std::uintptr_t>(sysconf(_SC_PAGESIZE));
+  const auto start = reinterpret_cast<std::uintptr_t>(memory);
+  const std::uintptr_t before = (page - start % page) % page;
+  if (before >= size) return;
+  (void)madvise(static_cast<char*>(memory) + before, (size - before) / page * page,
+                MADV_POPULATE_WRITE);
+#endif
 }
 
 }  // namespace nqdetail

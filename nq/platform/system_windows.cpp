@@ -145,4 +145,6 @@ const System& hostSystem() {
   return kWindowsSystem;
 }
 
+void prepareMemory(void*, std::size_t) {}
+
 }  // namespace nqdetail
