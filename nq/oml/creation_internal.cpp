@@ -80,6 +80,7 @@ bool ObjectCreation::setOwnedFields(NQOMLSyntaxObject& syntax,
     hooks_.postReadFields(&ownerSyntax, objectOf(ownerSyntax));
   }
   for (NQOMLSyntaxObjectIter iter(&syntax); iter && !diagnostics_.ended(); ++iter) {
+    ids_.prefetchReferencesBehind(iter);
     NQOMLSyntaxObject& child = *iter.pObject();
     const bool taken = child.objectIDIndex() == IDTable::kDefaults
                            ? setOwnedFields(child, ownerSyntax)

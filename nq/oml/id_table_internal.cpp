@@ -147,6 +147,7 @@ nqLong IDTable::inScope(nqLong id, nqLong scope) {
     if (scope == kNone) return id;
     if (last.placed.scope != scope) {
       last.placed = {scope, enter(scope, {last.stem, last.number})};
+      last.typeIndex = -1;
     }
     return last.placed.id;
   }
@@ -158,6 +159,32 @@ nqLong IDTable::inScope(nqLong id, nqLong scope) {
     if (result == kNone) return kNone;
   }
   return result;
+}
+
+nqLong IDTable::referenceInScope(nqLong id, nqLong scope, nqLong& typeIndex) {
+  const nqLong result = isFull(id) ? id : inScope(id, scope);
+  typeIndex = -1;
+  if (!isEntry(result)) return result;
+  // Noted with a simple id, the type spares the way to the other entry.
+  Entry& written = entries_[id];
+  const bool isNoted = written.isSimple() && written.typeIndex >= 0;
+  typeIndex = isNoted ? written.typeIndex : entries_[result].typeIndex;
+  if (written.isSimple()) written.typeIndex = typeIndex;
+  return result;
+}
+
+void IDTable::prefetchReferencesBehind(const NQOMLSyntaxObjectIter& current) const {
+  constexpr int kFields = 2;  // an edge begins with its two ends
+  const NQOMLSyntaxObjectList* const next = current.pCell()->pNext();
+  if (next == nullptr) return;
+  const NQOMLSyntaxFieldList* cell = next->pObject()->pFieldList();
+  for (int i = 0; i < kFields && cell != nullptr; ++i, cell = cell->pNext()) {
+    const NQOMLSyntaxField* const field = cell->pField();
+    const NQOMLToken* const token = field == nullptr ? nullptr : field->pToken();
+    if (token == nullptr || token->tag != NQ_OML_OBJECT_ID || !isEntry(token->integer()))
+      continue;
+    __builtin_prefetch(&entries_[token->integer()]);
+  }
 }
 
 nqInt64 IDTable::trailingNumber(nqLong id) const {

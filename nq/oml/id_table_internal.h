@@ -45,6 +45,13 @@ class IDTable final : public ObjectIDs {
   nqLong withText(std::string_view text, nqLong scope = kNone);
   // The id in that scope: the scope's components, then those of `id`.
   nqLong inScope(nqLong id, nqLong scope);
+  // The same for a reference in an object's scope, with the type of the node of the
+  // id that results, -1 when there is none; a full id stays. What was told of an id
+  // must not change any more.
+  nqLong referenceInScope(nqLong id, nqLong scope, nqLong& typeIndex);
+  // Has the processor fetch what is known of the ids that the first fields of the
+  // object behind the current one name: references lead all over the table.
+  void prefetchReferencesBehind(const NQOMLSyntaxObjectIter& current) const;
 
   // Whether the text begins with "$".
   bool isFull(nqLong id) const { return isEntry(id) && entries_[id].full; }
@@ -63,10 +70,6 @@ class IDTable final : public ObjectIDs {
   NQOMLSyntaxObject* pSyntaxObject(nqLong index) const override {
     return isEntry(index) && !entries_[index].isSimple() ? entries_[index].syntax
                                                          : nullptr;
-  }
-  // The type of that node, told without a visit to it; -1 when there is none.
-  nqLong typeIndex(nqLong index) const {
-    return isEntry(index) ? entries_[index].typeIndex : -1;
   }
   NQObject* pObject(nqLong index) const override {
     return isEntry(index) ? entries_[index].object : nullptr;
@@ -110,7 +113,7 @@ class IDTable final : public ObjectIDs {
     std::uint32_t stem : 30;
     std::uint32_t full : 1;
     std::uint32_t written : 1;
-    nqLong typeIndex;  // of the node
+    nqLong typeIndex;  // of the node; of a simple id, of that of the id in `placed`
     union {
       NQOMLSyntaxObject* syntax;  // unless the id is simple:
       Placed placed;              // the id that it was in a scope the last time

@@ -125,19 +125,20 @@ void SemanticPass::checkRequiredFields(NQOMLSyntaxObject& object, nqLong objectI
   }
   const nqLong inner = objectID == IDTable::kDefaults ? scope : objectID;
   for (NQOMLSyntaxObjectIter child(&object); child; ++child) {
+    ids_.prefetchReferencesBehind(child);
     checkRequiredFields(*child.pObject(), child.pObject()->objectIDIndex(), inner);
   }
 }
 
 void SemanticPass::checkObjectDefinition(NQOMLSyntaxField& field, nqLong scope) {
   NQOMLToken& token = *field.pToken();
+  nqLong id = token.integer();
   if (token.tag == NQ_OML_INTEGER) {
     token.tag = NQ_OML_OBJECT_ID;
-    token.integer(ids_.withNumber(token.integer(), scope));
-  } else if (!ids_.isFull(token.integer())) {
-    token.integer(ids_.inScope(token.integer(), scope));
+    id = ids_.withNumber(id);
   }
-  const nqLong type = ids_.typeIndex(token.integer());
+  nqLong type = -1;
+  token.integer(ids_.referenceInScope(id, scope, type));
   const nqLong expected = field.pDefField()->referencedTypeIndex();
   if (type < 0) {
     error(field, kUndefinedObject);
