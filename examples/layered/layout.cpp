@@ -1,0 +1,228 @@
+#include "layout.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+
+#include "hierarchy.h"
+#include "text_size.h"
+
+namespace {
+
+// Where a place across and along is on paper.
+NQPoint onPaper(Flow flow, nqLong across, nqLong along) {
+  switch (flow) {
+    case Flow::kUp:
+      return {across, along};
+    case Flow::kRightward:
+      return {along, -across};
+    case Flow::kLeftward:
+      return {-along, -across};
+    default:
+      return {across, -along};
+  }
+}
+
+// Makes a node so large that its outline has room for what it shows.
+void fitToText(Node& node) {
+  const NQSize text = sizeOf(linesOf(node));
+  NQRect bounds;
+  const NQRect inner(NQPoint(), text.width() + 14, text.height() + 8);
+  if (node.outline().fitBoundingRectToInnerRect(bounds, inner) != 0) {
+    node.size = bounds.size();
+  }
+}
+
+// How wide a layer is along the flow, and where its middle is.
+struct Band {
+  nqLong depth = 0;
+  nqLong middle = 0;
+  nqLong start() const { return middle - depth / 2; }
+  nqLong end() const { return start() + depth; }
+};
+
+class Drawing {
+ public:
+  Drawing(Graph& graph, const Hierarchy& h)
+      : graph_(graph), h_(h), adjacency_(h.arcs, h.vertices.size()) {}
+
+  void placeNodes() {
+    makeBands();
+    for (const Vertex& v : h_.vertices) {
+      if (v.node == nullptr) continue;
+      v.node->center = paper(v.across, band(v).middle);
+    }
+  }
+
+  void routeEdges(const std::vector<std::vector<Vertex*>>& ways) {
+    spreadPorts();
+    std::size_t piece = 0;  // of the way that comes next
+    for (const std::vector<Vertex*>& way : ways) {
+      const std::size_t last = piece + way.size() - 2;
+      Edge& edge = *h_.arcs[piece].edge;
+      edge.route = route(way, outPort_[piece], inPort_[last]);
+      if (h_.arcs[piece].flipped) std::reverse(edge.route.begin(), edge.route.end());
+      const Vertex& middle = *way[way.size() / 2];
+      edge.labelCenter = paper(middle.across, band(middle).middle);
+      piece = last + 1;
+    }
+    for (const Arc& arc : h_.far) {
+      arc.edge->route = route({arc.from, arc.to}, 0, 0);
+      if (arc.flipped) std::reverse(arc.edge->route.begin(), arc.edge->route.end());
+      arc.edge->labelCenter = arc.edge->route[1];
+    }
+  }
+
+ private:
+  NQPoint paper(nqLong across, nqLong along) const {
+    return onPaper(graph_.flow, across, along);
+  }
+  const Band& band(const Vertex& v) const {
+    return bands_[static_cast<std::size_t>(v.layer)];
+  }
+
+  // Layers stand farther apart where edges between them go far across.
+  void makeBands() {
+    bands_.resize(h_.layers.size());
+    std::vector<nqLong> reach(h_.layers.size());
+    for (const Vertex& v : h_.vertices) {
+      Band& own = bands_[static_cast<std::size_t>(v.layer)];
+      own.depth = std::max(own.depth, v.depth);
+    }
+    for (const Arc& arc : h_.arcs) {
+      nqLong& most = reach[static_cast<std::size_t>(arc.from->layer)];
+      most = std::max(most, std::abs(arc.from->across - arc.to->across));
+    }
+    nqLong at = 0;
+    for (std::size_t i = 0; i < bands_.size(); ++i) {
+      bands_[i].middle = at + bands_[i].depth / 2;
+      at += bands_[i].depth + std::clamp(reach[i] / 6, 2 * h_.spacing, 6 * h_.spacing);
+    }
+  }
+
+  // Where each edge leaves and enters its nodes, from their middle: side by side,
+  // in the order of the other ends.
+  void spreadPorts() {
+    outPort_.assign(h_.arcs.size(), 0);
+    inPort_.assign(h_.arcs.size(), 0);
+    std::vector<std::size_t> arcs;
+    const auto spread = [&](const Vertex& v, std::span<const std::size_t> some,
+                            Vertex* Arc::*other, std::vector<nqLong>& port) {
+      if (some.empty()) return;
+      arcs.assign(some.begin(), some.end());
+      std::sort(arcs.begin(), arcs.end(), [&](std::size_t a, std::size_t b) {
+        return (h_.arcs[a].*other)->position < (h_.arcs[b].*other)->position;
+      });
+      const bool straight = v.node->shape() == ShapeKind::kBox;
+      const nqLong room = v.breadth * (straight ? 2 : 1) / 5;  // to either side
+      if (arcs.size() == 1) {
+        port[arcs[0]] =
+            std::clamp((h_.arcs[arcs[0]].*other)->across - v.across, -room, room);
+      } else {
+        const auto count = static_cast<nqLong>(arcs.size());
+        const nqLong used = std::min(2 * room * (count - 1) / count, 16 * (count - 1));
+        for (nqLong i = 0; i < count; ++i) {
+          port[arcs[static_cast<std::size_t>(i)]] = used * i / (count - 1) - used / 2;
+        }
+      }
+    };
+    for (const Vertex& v : h_.vertices) {
+      if (v.node == nullptr) continue;
+      spread(v, adjacency_.out(v), &Arc::to, outPort_);
+      spread(v, adjacency_.in(v), &Arc::from, inPort_);
+    }
+  }
+
+  // Straight through each layer; the ends stand on the outlines.
+  std::vector<NQPoint> route(const std::vector<Vertex*>& way, nqLong outPort,
+                             nqLong inPort) const {
+    std::vector<NQPoint> points;
+    const Vertex& first = *way.front();
+    const Vertex& last = *way.back();
+    const nqLong start = first.across + outPort;
+    const nqLong end = last.across + inPort;
+    points.push_back(clipped(first, start, band(first).end()));
+    points.push_back(paper(start, band(first).end()));
+    for (std::size_t i = 1; i + 1 < way.size(); ++i) {
+      const Band& layer = band(*way[i]);
+      points.push_back(paper(way[i]->across, layer.start()));
+      if (layer.depth > 0) points.push_back(paper(way[i]->across, layer.end()));
+    }
+    points.push_back(paper(end, band(last).start()));
+    points.push_back(clipped(last, end, band(last).start()));
+    return points;
+  }
+
+  // Where the way into a node from the border of its layer meets the outline.
+  NQPoint clipped(const Vertex& v, nqLong across, nqLong border) const {
+    NQPoint point = paper(across, border);
+    const NQPoint inside = paper(across, band(v).middle);
+    v.node->outline().intersectsSegment(point, inside, v.node->center, v.node->size);
+    return point;
+  }
+
+  Graph& graph_;
+  const Hierarchy& h_;
+  Adjacency adjacency_;
+  std::vector<Band> bands_;
+  std::vector<nqLong> outPort_;  // for each piece of an edge
+  std::vector<nqLong> inPort_;
+};
+
+// An edge from a node to itself: a handle beside it.
+std::vector<NQPoint> loop(const NQRect& box) {
+  const nqLong x = box.right();
+  const nqLong y = box.y();
+  return {{x, y + 4}, {x + 12, y + 8}, {x + 12, y - 8}, {x, y - 4}};
+}
+
+}  // namespace
+
+void LayeredLayout::emptyInformation() {
+  result_ = {};
+  for (Edge* edge : Range<Edge>(graph_.edges)) edge->route.clear();
+}
+
+void LayeredLayout::algorithmBody() {
+  Hierarchy h;
+  h.spacing = std::max<nqLong>(4, static_cast<nqLong>(std::lround(graph_.spacing)));
+  h.vertical = graph_.flow == Flow::kDown || graph_.flow == Flow::kUp;
+
+  // Addresses lead from nodes to vertices by way of a table made for them.
+  NQIndexHashTable numbers(nextPrimeNumber(graph_.nodes.length()), 16, -1);
+  for (Node* node : Range<Node>(graph_.nodes)) {
+    fitToText(*node);
+    Vertex& v = h.vertices.emplace_back();
+    v.node = node;
+    v.number = static_cast<nqLong>(h.vertices.size() - 1);
+    h.measure(v, node->size);
+    numbers.update(reinterpret_cast<nqInt64>(node), v.number);
+  }
+  const auto vertexOf = [&](const Node* node) {
+    return &h.vertices[static_cast<std::size_t>(
+        numbers.lookup(reinterpret_cast<nqInt64>(node)))];
+  };
+  for (Edge* edge : Range<Edge>(graph_.edges)) {
+    if (edge->from == edge->to) continue;
+    const nqLong span = edge->labels.length() > 0 ? 2 : 1;
+    h.arcs.push_back({vertexOf(edge->from), vertexOf(edge->to), edge, span, false});
+  }
+
+  const std::size_t nodes = h.vertices.size();
+  result_.reversed = breakCycles(h, graph_.directed);
+  if (hideImplied_) result_.hidden = removeImplied(h);
+  assignLayers(h);
+  const std::vector<std::vector<Vertex*>> ways = addBends(h);
+  result_.far = static_cast<int>(h.far.size());
+  result_.bends = h.vertices.size() - nodes;
+  result_.layers = static_cast<int>(h.layers.size());
+  result_.crossings = reduceCrossings(h);
+  placeAcross(h);
+
+  Drawing drawing(graph_, h);
+  drawing.placeNodes();
+  drawing.routeEdges(ways);
+  for (Edge* edge : Range<Edge>(graph_.edges)) {
+    if (edge->from == edge->to) edge->route = loop(edge->from->box());
+  }
+}

@@ -1,0 +1,298 @@
+#include "svg.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+
+#include "text_size.h"
+
+namespace {
+
+constexpr nqLong kMargin = 24;
+constexpr nqLong kTitleHeight = 34;
+
+// Light colours, far from each other, on which dark text can be read.
+constexpr std::array<const char*, 12> kPalette = {
+    "#cfe3f4", "#f6dcc4", "#d5ecd0", "#f4cfd6", "#e3d7f0", "#f7efb9",
+    "#c9ece9", "#ecd9e7", "#e2e6c3", "#d9d4cb", "#c8d3ee", "#fbe0de"};
+
+std::string escaped(std::string_view text) {
+  std::string out;
+  for (const char c : text) {
+    switch (c) {
+      case '&':
+        out += "&amp;";
+        break;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      default:
+        // Control characters must not stand in XML.
+        out += static_cast<unsigned char>(c) < 0x20 ? ' ' : c;
+    }
+  }
+  return out;
+}
+
+// A name for nodes that get the same colour.
+class Group : public NQObject {
+ public:
+  Group(nqLong itsCode, const char* itsName) : code(itsCode), name(itsName) {}
+  const nqLong code;
+  const std::string_view name;
+};
+
+// The folders in which the nodes of a graph are, by their titles, or their groups
+// where titles name none. A pool gives each name a small number, which chooses the
+// colour; a tree keeps them in the order of the legend.
+class Groups {
+ public:
+  explicit Groups(const Graph& graph) : names_(16, 16, 1, 0) {
+    for (const Node* node : Range<Node>(graph.nodes)) {
+      const std::string_view folder = folderOf(*node);
+      if (folder.empty()) continue;
+      const nqLong known = names_.decodeTableMax();
+      const nqLong code = names_.update(folder);
+      if (code == known) legend_.addObject(new Group(code, names_.decode(code)));
+    }
+  }
+  ~Groups() { legend_.deleteAllCellsAndObjects(); }
+  Groups(const Groups&) = delete;
+  Groups& operator=(const Groups&) = delete;
+
+  // Of those that have names.
+  Range<Group> legend() const { return Range<Group>(legend_); }
+  bool named() const { return legend_.length() > 0; }
+
+  const char* colorOf(const Node& node) const {
+    const std::string_view folder = folderOf(node);
+    return color(folder.empty() ? node.group & 0xffff : names_.lookup(folder));
+  }
+  static const char* color(nqLong code) {
+    return kPalette.at(static_cast<std::size_t>(code) % kPalette.size());
+  }
+  static std::string_view folderOf(const Node& node) {
+    return std::string_view(node.title).substr(0, node.title.rfind('/') + 1);
+  }
+
+ private:
+  class ByName : public NQSortedBinTree {
+   public:
+    ByName() { exclusiveColors(1); }
+
+   protected:
+    int virtualObjectCompare(const NQObject* a, const NQObject* b) const override {
+      return static_cast<const Group*>(a)->name.compare(
+          static_cast<const Group*>(b)->name);
+    }
+  };
+
+  NQStringPool names_;
+  ByName legend_;  // owns its groups
+};
+
+class Picture {
+ public:
+  explicit Picture(const Graph& graph) : graph_(graph), groups_(graph) {}
+
+  std::string draw() {
+    open();
+    for (const Edge* edge : Range<Edge>(graph_.edges)) {
+      if (edge->route.size() > 1) drawEdge(*edge);
+    }
+    for (const Node* node : Range<Node>(graph_.nodes)) drawNode(*node);
+    for (const Edge* edge : Range<Edge>(graph_.edges)) {
+      if (!edge->route.empty()) drawLines(linesOf(*edge), edge->labelCenter, "halo");
+    }
+    drawTitle();
+    out_ += "</svg>\n";
+    return std::move(out_);
+  }
+
+ private:
+  // From the graph's coordinates, where y grows upward, to the picture's.
+  void open() {
+    NQRect bounds;
+    bounds.setZero();
+    for (const Node* node : Range<Node>(graph_.nodes)) bounds |= node->box();
+    for (const Edge* edge : Range<Edge>(graph_.edges)) {
+      for (const NQPoint& point : edge->route) bounds |= NQRect(point, point);
+    }
+    paper_.sourceOriginX(bounds.left());
+    paper_.sourceOriginY(bounds.top());
+    paper_.targetOriginX(kMargin);
+    paper_.targetOriginY(kMargin + kTitleHeight);
+    paper_.targetExtentY(-1);
+    width_ = std::max(bounds.width(), widthOf(graph_.title) * 3 / 2) + 2 * kMargin;
+    height_ = bounds.height() + 2 * kMargin + kTitleHeight +
+              (groups_.named() ? kLineHeight * 2 : 0);
+    if (groups_.named()) width_ = std::max(width_, legendWidth() + 2 * kMargin);
+
+    add("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"", width_, "\" height=\"",
+        height_, "\" viewBox=\"0 0 ", width_, " ", height_,
+        "\">\n<style>\nsvg { background: white; font: ", kFontSize,
+        "px Helvetica, Arial, sans-serif }\n"
+        "text { text-anchor: middle; fill: #222 }\n"
+        ".title { font-size: 17px; text-anchor: start }\n"
+        ".legend { text-anchor: start }\n"
+        ".halo { stroke: white; stroke-width: 4; paint-order: stroke }\n"
+        ".edge { fill: none; stroke: #5b6b7d; stroke-width: 1; stroke-opacity: 0.75 }\n"
+        "</style>\n<defs>"
+        "<marker id=\"arrow\" viewBox=\"0 0 10 8\" refX=\"9\" refY=\"4\" "
+        "markerWidth=\"8\" markerHeight=\"7\" orient=\"auto\">"
+        "<path d=\"M0,0 L10,4 L0,8 L2.5,4 z\" fill=\"#4a5866\"/></marker>"
+        "<marker id=\"dot\" viewBox=\"0 0 8 8\" refX=\"4\" refY=\"4\" "
+        "markerWidth=\"6\" markerHeight=\"6\">"
+        "<circle cx=\"4\" cy=\"4\" r=\"4\" fill=\"#4a5866\"/></marker></defs>\n");
+  }
+
+  void drawEdge(const Edge& edge) {
+    out_ += "<path class=\"edge\" d=\"M";
+    NQPoint last = onPaper(edge.route.front());
+    addPoint(last);
+    const bool vertical = graph_.flow == Flow::kDown || graph_.flow == Flow::kUp;
+    for (std::size_t i = 1; i < edge.route.size(); ++i) {
+      const NQPoint next = onPaper(edge.route[i]);
+      // Edges leave and reach each layer along the flow.
+      if (last.x() == next.x() || last.y() == next.y()) {
+        out_ += " L";
+      } else {
+        const NQPoint middle((last.x() + next.x()) / 2, (last.y() + next.y()) / 2);
+        out_ += " C";
+        addPoint(vertical ? NQPoint(last.x(), middle.y())
+                          : NQPoint(middle.x(), last.y()));
+        out_ += ' ';
+        addPoint(vertical ? NQPoint(next.x(), middle.y())
+                          : NQPoint(middle.x(), next.y()));
+        out_ += ' ';
+      }
+      addPoint(next);
+      last = next;
+    }
+    out_ += '"';
+    if (graph_.directed && edge.head == Head::kArrow)
+      out_ += " marker-end=\"url(#arrow)\"";
+    if (edge.head == Head::kDot) out_ += " marker-end=\"url(#dot)\"";
+    out_ += "/>\n";
+  }
+
+  void drawNode(const Node& node) {
+    NQRect box;
+    paper_.transformRect(node.box(), box);
+    const std::string fill =
+        node.fill() != nullptr ? hexOf(*node.fill()) : groups_.colorOf(node);
+    const std::string style =
+        " fill=\"" + fill + "\" stroke=\"#5b6b7d\" stroke-width=\"" +
+        shortReal(node.thickness) + "\"" + dashesOf(node.stroke) + "/>\n";
+    // On paper y grows downward: the rectangle's bottom is what is drawn on top.
+    switch (node.shape()) {
+      case ShapeKind::kEllipse:
+        add("<ellipse cx=\"", shortReal((box.left() + box.right()) / 2.0), "\" cy=\"",
+            shortReal((box.bottom() + box.top()) / 2.0), "\" rx=\"",
+            shortReal(box.width() / 2.0), "\" ry=\"", shortReal(box.height() / 2.0), "\"",
+            style);
+        break;
+      case ShapeKind::kDiamond:
+        add("<polygon points=\"", box.x(), ",", box.bottom(), " ", box.right(), ",",
+            box.y(), " ", box.x(), ",", box.top(), " ", box.left(), ",", box.y(), "\"",
+            style);
+        break;
+      default:
+        add("<rect x=\"", box.left(), "\" y=\"", box.bottom(), "\" width=\"", box.width(),
+            "\" height=\"", box.height(), "\" rx=\"",
+            node.shape() == ShapeKind::kRounded ? 7 : 2, "\"", style);
+    }
+    std::vector<std::string_view> lines = linesOf(node);
+    lines.front().remove_prefix(Groups::folderOf(node).size());  // the legend tells it
+    NQRect inner;
+    node.outline().getCurrentInnerRect(inner, node.center, node.size);
+    drawLines(lines, inner.center(), "");
+  }
+
+  void drawLines(const std::vector<std::string_view>& lines, const NQPoint& center,
+                 const char* kind) {
+    const NQPoint at = onPaper(center);
+    const auto count = static_cast<nqLong>(lines.size());
+    nqLong y = at.y() - count * kLineHeight / 2 + kLineHeight * 3 / 4;
+    for (const std::string_view line : lines) {
+      add("<text class=\"", kind, "\" x=\"", at.x(), "\" y=\"", y, "\">", escaped(line),
+          "</text>\n");
+      y += kLineHeight;
+    }
+  }
+
+  void drawTitle() {
+    std::string title = graph_.title;
+    for (const Label* label : Range<Label>(graph_.labels))
+      title += " \u2013 " + label->text;
+    add("<text class=\"title\" x=\"", kMargin, "\" y=\"", kMargin + 10, "\">",
+        escaped(title), "</text>\n");
+    if (!groups_.named()) return;
+    nqLong x = kMargin;
+    const nqLong y = height_ - kMargin;
+    for (const Group* group : groups_.legend()) {
+      const std::string name(group->name);
+      add("<rect x=\"", x, "\" y=\"", y - 10, "\" width=\"12\" height=\"12\" fill=\"",
+          Groups::color(group->code),
+          "\" stroke=\"#5b6b7d\"/>\n<text class=\"legend\" x=\"", x + 17, "\" y=\"", y,
+          "\">", escaped(name), "</text>\n");
+      x += widthOf(name) + 36;
+    }
+  }
+
+  nqLong legendWidth() const {
+    nqLong width = 0;
+    for (const Group* group : groups_.legend()) width += widthOf(group->name) + 36;
+    return width;
+  }
+
+  static std::string dashesOf(Stroke stroke) {
+    switch (stroke) {
+      case Stroke::kDashed:
+        return " stroke-dasharray=\"6 3\"";
+      case Stroke::kDotted:
+        return " stroke-dasharray=\"1.5 3\"";
+      default:
+        return {};
+    }
+  }
+  static std::string shortReal(double value) {
+    char text[254];  // the most that one conversion writes
+    nq_vs8_nqprintf(text, "%.1f", value);
+    return text;
+  }
+
+  NQPoint onPaper(const NQPoint& point) const {
+    NQPoint to;
+    paper_.transformPoint(point, to);
+    return to;
+  }
+  void addPoint(const NQPoint& point) { add(point.x(), ",", point.y()); }
+
+  void addOne(nqLong number) { out_ += std::to_string(number); }
+  void addOne(const std::string& text) { out_ += text; }
+  void addOne(const char* text) { out_ += text; }
+  template <class... Piece>
+  void add(const Piece&... piece) {
+    (addOne(piece), ...);
+  }
+
+  const Graph& graph_;
+  Groups groups_;
+  NQTransform paper_;
+  nqLong width_ = 0;
+  nqLong height_ = 0;
+  std::string out_;
+};
+
+}  // namespace
+
+std::string svgOf(const Graph& graph) {
+  return Picture(graph).draw();
+}
