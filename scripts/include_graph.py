@@ -55,7 +55,7 @@ def main():
     out = sys.stdout
     out.reconfigure(newline="\n")
     out.write("graph includes\n{\n  title: \"Which file includes which\"\n"
-              "  directed: true\n  layout { algorithm: layered  flow: down }\n")
+              "  directed: true\n  layout { algorithm: layered  flow: rightward  spacing: 10.0 }\n")
     for number, (folder, members) in enumerate(sorted(groups.items()), start=1):
         out.write(f"\n  // {folder}\n  node defaults\n  {{\n    group: {number}\n")
         for name in members:
