@@ -31,9 +31,7 @@ class Converter {
     if (!output.trouble().empty()) return trouble(options_.output, output.trouble());
 
     const Report report = write(input, output.path());
-    SourceCache sources;
-    if (input.content) sources.hold(input.shownAs, *input.content);
-    renderText(err_, report, sources, color());
+    renderText(err_, report, sources_, color());
     showTrouble(err_, report.file, report.trouble);
     if (exitCodeOf(report) != kClean) return exitCodeOf(report);
     if (!trouble_.empty()) return trouble(input.shownAs, trouble_);
@@ -66,7 +64,7 @@ class Converter {
                           options_.allowIncludes ? "" : input.directory);
     Progress progress(err_, options_.progress, "reading " + input.shownAs);
     reader.reportTo(&progress);
-    trouble_ = "has no objects";
+    trouble_ = "cannot be converted";
     reader.onTree([&](const NQOMLSyntaxObject& root) {
       written_ = summarize(root);
       Progress writing(err_, options_.progress, "writing", kManyNodes);
@@ -76,8 +74,7 @@ class Converter {
                  : result != NQ_FILE_OK    ? "its conversion cannot be written"
                                            : "";
     });
-    SourceCache sources;
-    return readReport(reader, input, options_, grammar_, sources);
+    return readReport(reader, input, options_, grammar_, sources_);
   }
 
   // Whether the file at `path` says what was written to it.
@@ -120,6 +117,7 @@ class Converter {
   const ConvertOptions& options_;
   const GrammarFile& grammar_;
   std::ostream& err_;
+  SourceCache sources_;
   TreeSummary written_;
   std::int64_t rounded_ = 0;
   std::string trouble_;

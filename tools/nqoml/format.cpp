@@ -9,8 +9,10 @@
 #include "tools/nqoml/terminal.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <ostream>
 #include <string>
+#include <system_error>
 #include <utility>
 
 namespace nqoml {
@@ -37,6 +39,9 @@ int formatFile(const std::string& name, const FormatOptions& options, std::istre
     showTrouble(err, file, text);
     return kTrouble;
   };
+  if (std::error_code code; std::filesystem::is_other(name, code)) {
+    return trouble(name, "is a device, which cannot be replaced");
+  }
   const Content content = readContent(name, in);
   if (!content.trouble.empty()) return trouble(content.shownAs, content.trouble.c_str());
   if (isSurelyBinary(content.bytes) || content.bytes.find('\0') != std::string::npos) {

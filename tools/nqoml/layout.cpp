@@ -429,7 +429,7 @@ class Layouter {
   std::string_view text_;
   Scanner scanner_;
   std::string indent_;
-  std::string lineEnd_ = "\n";
+  std::string_view lineEnd_ = "\n";
   Layout result_;
   std::size_t at_ = 0;
   std::size_t blanks_ = 0;  // before what stands at at_
