@@ -87,7 +87,7 @@ struct ListLinks {
   static void setEnds(List& list, Cell* first, Cell* last) {
     list.pFirst_ = first;
     list.pLast_ = last;
-    if (first == nullptr) return;
+    if (first == nullptr || last == nullptr) return;
     if constexpr (kHasPrevious<Cell>) first->pPrevious_ = nullptr;
     last->pNext_ = nullptr;
   }
@@ -225,8 +225,8 @@ class ListSort {
 
     // Appends cells that have their final order, as these have.
     void append(const Chain& other) {
-      if (other.length == 0) return;
-      if (length == 0) {
+      if (other.first == nullptr) return;
+      if (last == nullptr) {
         *this = other;
         return;
       }
