@@ -36,17 +36,7 @@ void NQBinHeapCell::NQBinHeapCellattributeCopy(const NQBinHeapCell& source) {
   value_ = source.value_;
 }
 
-void* NQBinHeapCell::operator new(std::size_t size) noexcept {
-  return nqdetail::allocateCell<NQBinHeapCell>(size);
-}
-
-void* NQBinHeapCell::operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return nqdetail::allocateCell<NQBinHeapCell>(size);
-}
-
-void NQBinHeapCell::operator delete(void* place, std::size_t size) noexcept {
-  nqdetail::releaseCell<NQBinHeapCell>(place, size);
-}
+NQ_CELL_MEMORY_IMPL(NQBinHeapCell)
 
 // ---- NQBinHeap
 

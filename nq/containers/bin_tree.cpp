@@ -32,17 +32,7 @@ void NQBinTreeCell::NQBinTreeCellattributeCopy(const NQBinTreeCell& source) {
   NQCopyAccess::attributes<NQDListCell>(*this, source);
 }
 
-void* NQBinTreeCell::operator new(std::size_t size) noexcept {
-  return nqdetail::allocateCell<NQBinTreeCell>(size);
-}
-
-void* NQBinTreeCell::operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return nqdetail::allocateCell<NQBinTreeCell>(size);
-}
-
-void NQBinTreeCell::operator delete(void* place, std::size_t size) noexcept {
-  nqdetail::releaseCell<NQBinTreeCell>(place, size);
-}
+NQ_CELL_MEMORY_IMPL(NQBinTreeCell)
 
 // ---- NQBinTree
 

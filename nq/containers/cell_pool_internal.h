@@ -269,4 +269,17 @@ void releaseCell(void* place, std::size_t size) noexcept {
 
 }  // namespace nqdetail
 
+// The memory of a class whose instances come from slabs of their own: defines the
+// operators that it declares.
+#define NQ_CELL_MEMORY_IMPL(Class)                                              \
+  void* Class::operator new(std::size_t size) noexcept {                        \
+    return nqdetail::allocateCell<Class>(size);                                 \
+  }                                                                             \
+  void* Class::operator new(std::size_t size, const std::nothrow_t&) noexcept { \
+    return nqdetail::allocateCell<Class>(size);                                 \
+  }                                                                             \
+  void Class::operator delete(void* place, std::size_t size) noexcept {         \
+    nqdetail::releaseCell<Class>(place, size);                                  \
+  }
+
 #endif  // NQ_CONTAINERS_CELL_POOL_INTERNAL_H

@@ -30,17 +30,7 @@ nqLong NQDListCell::sizeOf() const {
   return 32;
 }
 
-void* NQDListCell::operator new(std::size_t size) noexcept {
-  return nqdetail::allocateCell<NQDListCell>(size);
-}
-
-void* NQDListCell::operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return nqdetail::allocateCell<NQDListCell>(size);
-}
-
-void NQDListCell::operator delete(void* place, std::size_t size) noexcept {
-  nqdetail::releaseCell<NQDListCell>(place, size);
-}
+NQ_CELL_MEMORY_IMPL(NQDListCell)
 
 // ---- NQDList
 

@@ -36,17 +36,7 @@ nqLong NQSListCell::sizeOf() const {
 
 void NQSListCell::debugOutput(int) {}
 
-void* NQSListCell::operator new(std::size_t size) noexcept {
-  return nqdetail::allocateCell<NQSListCell>(size);
-}
-
-void* NQSListCell::operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return nqdetail::allocateCell<NQSListCell>(size);
-}
-
-void NQSListCell::operator delete(void* place, std::size_t size) noexcept {
-  nqdetail::releaseCell<NQSListCell>(place, size);
-}
+NQ_CELL_MEMORY_IMPL(NQSListCell)
 
 // ---- NQSList
 

@@ -28,17 +28,7 @@ int NQColorResource::isEqual(const NQResource* other) const {
   return other == nullptr ? 0 : color_.compare(castDown(other)->pColor());
 }
 
-void* NQColorResource::operator new(std::size_t size) noexcept {
-  return nqdetail::allocateCell<NQColorResource>(size);
-}
-
-void* NQColorResource::operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return nqdetail::allocateCell<NQColorResource>(size);
-}
-
-void NQColorResource::operator delete(void* place, std::size_t size) noexcept {
-  nqdetail::releaseCell<NQColorResource>(place, size);
-}
+NQ_CELL_MEMORY_IMPL(NQColorResource)
 
 NQColorResourceDB::~NQColorResourceDB() = default;
 
