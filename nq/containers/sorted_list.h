@@ -146,6 +146,8 @@ class NQ_EXPORT NQSortedSList : public NQSortedList<NQSList, NQSListCell> {
   NQSListCell* searchPreviousObject(const NQObject* object) const;
 
  private:
+  using NQSList::transferNextListPart;  // would break the order
+
   NQSortedSList(const NQSortedSList&) : NQSortedSList() {}
 };
 

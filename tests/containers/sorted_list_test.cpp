@@ -295,6 +295,29 @@ TYPED_TEST(SortedList, FollowsTheCopyProtocol) {
   EXPECT_EQ(values(third), values(sample));
 }
 
+template <class List, class Cell>
+constexpr bool kOffersPlaces = requires(List list, Cell* cell, NQObject* object) {
+  list.addObject(cell, object);
+}
+|| requires(List list, Cell* cell) {
+  list.insertCell(cell, cell);
+}
+|| requires(List list) {
+  list.reverse();
+}
+|| requires(List list, Cell* cell) {
+  list.swapPosition(cell, cell);
+}
+|| requires(List list, Cell* cell) {
+  list.transferListPart(cell, &list, cell, cell);
+}
+|| requires(List list, Cell* cell) {
+  list.transferNextListPart(cell, &list, cell, cell);
+};
+static_assert(kOffersPlaces<NQDList, NQDListCell> && kOffersPlaces<NQSList, NQSListCell>);
+static_assert(!kOffersPlaces<SortedD, NQDListCell>);
+static_assert(!kOffersPlaces<SortedS, NQSListCell>);
+
 // Beside a model: a stably sorted vector.
 TYPED_TEST(SortedList, BehavesLikeAStablySortedVector) {
   using Plain = typename TypeParam::Plain;
