@@ -69,15 +69,34 @@ struct NQBinHeap::Place {
   NQBinHeapCell* right;
 };
 
+// What the moves ask: whether a parent is greater than a cell below it, and which
+// is the smallest of a cell and its children (`right` may be null), where ties leave
+// the cell where it is and prefer the left child. Hooks are asked just that, as what
+// they answer may be less than a full order.
 struct NQBinHeap::ByValue {
-  bool less(const NQBinHeapCell* a, const NQBinHeapCell* b) const {
-    return a->value_ < b->value_;
+  bool greater(const NQBinHeapCell* parent, const NQBinHeapCell* cell) const {
+    return parent->value_ > cell->value_;
+  }
+  NQBinHeapCell* smallest(NQBinHeapCell* cell, NQBinHeapCell* left,
+                          NQBinHeapCell* right) const {
+    // Chosen without a branch, which could not be predicted.
+    NQBinHeapCell* const children[] = {left, right};
+    NQBinHeapCell* const child =
+        right == nullptr ? left : children[right->value_ < left->value_ ? 1 : 0];
+    return child->value_ < cell->value_ ? child : cell;
   }
 };
 
 struct NQBinHeap::ByHook {
-  bool less(NQBinHeapCell* a, NQBinHeapCell* b) const {
-    return heap->virtualCompare(a, b) < 0;
+  bool greater(NQBinHeapCell* parent, NQBinHeapCell* cell) const {
+    return heap->virtualCompare(parent, cell) > 0;
+  }
+  NQBinHeapCell* smallest(NQBinHeapCell* cell, NQBinHeapCell* left,
+                          NQBinHeapCell* right) const {
+    NQBinHeapCell* least = cell;
+    if (heap->virtualCompare(left, least) < 0) least = left;
+    if (right != nullptr && heap->virtualCompare(right, least) < 0) least = right;
+    return least;
   }
   NQBinHeap* heap;
 };
@@ -128,7 +147,7 @@ inline void NQBinHeap::put(NQBinHeapCell* cell, NQBinHeapCell* parent,
 template <class Order>
 bool NQBinHeap::bubbleUp(Order order, NQBinHeapCell* old, NQBinHeapCell* cell) {
   NQBinHeapCell* parent = old->pParent_;
-  if (parent == nullptr || !order.less(cell, parent)) return false;
+  if (parent == nullptr || !order.greater(parent, cell)) return false;
   Place free(old);
   do {
     NQBinHeapCell* const sinker = parent;
@@ -144,7 +163,7 @@ bool NQBinHeap::bubbleUp(Order order, NQBinHeapCell* old, NQBinHeapCell* cell) {
     put(sinker, cell, free);
     free = vacated;
     old = sinker;
-  } while (parent != nullptr && order.less(cell, parent));
+  } while (parent != nullptr && order.greater(parent, cell));
   if (parent != nullptr) {
     (parent->pLeft_ == old ? parent->pLeft_ : parent->pRight_) = cell;
   }
@@ -162,19 +181,16 @@ void NQBinHeap::heapify(Order order, NQBinHeapCell* old, NQBinHeapCell* cell) {
     NQBinHeapCell* const left = way[count - 1]->pLeft_;
     NQBinHeapCell* const right = way[count - 1]->pRight_;
     if (left == nullptr) break;
-    NQBinHeapCell* smaller = left;
     if (right != nullptr) {
-      // Whichever is smaller, its children will be compared next. (Chosen without
-      // a branch, which could not be predicted.)
-      NQBinHeapCell* const children[] = {left, right};
-      for (const NQBinHeapCell* const child : children) {
+      // Whichever is smaller, its children will be compared next.
+      for (const NQBinHeapCell* const child : {left, right}) {
         nqdetail::prefetchCell(child->pLeft_);
         nqdetail::prefetchCell(child->pRight_);
       }
-      smaller = children[order.less(right, left) ? 1 : 0];
     }
-    if (!order.less(smaller, cell)) break;
-    way[count] = smaller;
+    NQBinHeapCell* const smallest = order.smallest(cell, left, right);
+    if (smallest == cell) break;
+    way[count] = smallest;
   }
   if (count > 1 || old != cell) moveDown(way, count, cell);
 }

@@ -195,6 +195,28 @@ TEST(NQBinHeap, DerivedHeapsOrderOtherwise) {
   EXPECT_EQ(values.size(), 6u);
 }
 
+// One that tells odd values from even ones only, and one that tells only what is
+// greater: cells move as far as the answers go.
+TEST(NQBinHeap, MovesCellsAsFarAsTheirComparisonTells) {
+  class Parities : public NQBinHeap {
+    int virtualCompare(NQBinHeapCell* a, NQBinHeapCell* b) override {
+      return (a->value() & 1) != (b->value() & 1) ? 0 : NQBinHeap::virtualCompare(a, b);
+    }
+  } parities;
+  for (const nqLong value : {0, 3, 2}) parities.addObject(nullptr, value);
+  NQBinHeapCell* const even = parities.pLastCell();
+  parities.changeValue(parities.pFirstCell(), 8);
+  EXPECT_EQ(parities.pFirstCell(), even) << "though not smaller than its sibling";
+
+  class Greater : public NQBinHeap {
+    int virtualCompare(NQBinHeapCell* a, NQBinHeapCell* b) override {
+      return a->value() > b->value() ? 1 : 0;
+    }
+  } greater;
+  for (const nqLong value : {5, 4, 3, 2}) greater.addObject(nullptr, value);
+  EXPECT_EQ(greater.pFirstCell()->value(), 2);
+}
+
 TEST(NQBinHeap, SurvivesComparisonsThatContradictThemselves) {
   class Fickle : public NQBinHeap {
     int virtualCompare(NQBinHeapCell*, NQBinHeapCell*) override {
