@@ -84,7 +84,11 @@ void NQSweep::initialize() {
 void NQSweep::algorithmBody() {
   if (pSweepLine_ == nullptr) return;
   sortEvents(starts_, &NQSweep::virtualStartValue);
-  sortEvents(ends_, &NQSweep::virtualEndValue);
+  if (endsAreShown_) {
+    NQSweepSegmentSort(this, 1).quickSort(&ends_, 0);
+  } else {
+    sortEvents(ends_, &NQSweep::virtualEndValue);
+  }
   while (starts_.length() > 0 || ends_.length() > 0) {
     fetchAhead();
     if (endComesFirst()) {
@@ -96,8 +100,8 @@ void NQSweep::algorithmBody() {
 }
 
 // The order that NQSweepSegmentSort gives, but each value is asked for once only,
-// and the objects move instead of the cells: these are then met, and deleted, in
-// the order in which they lie in memory.
+// and the objects move instead of the cells, which nobody may know yet: these are
+// then met, and deleted, in the order in which they lie in memory.
 void NQSweep::sortEvents(NQDList& events, int (NQSweep::*value)(NQObject*)) {
   struct Event {
     int value;

@@ -95,8 +95,11 @@ class NQ_EXPORT NQSweep : public NQMORAlgorithm {
   // Null before the first initialize().
   NQSegSortedBinTree* pSweepLine() const { return pSweepLine_.get(); }
   // The segments that have not ended yet, during a run in the order in which they
-  // will.
-  NQDList* pEndSegmentList() { return &ends_; }
+  // will. From the first call on, each stays in its cell.
+  NQDList* pEndSegmentList() {
+    endsAreShown_ = true;
+    return &ends_;
+  }
 
   // Begins with an empty sweep line.
   void initialize() override;
@@ -141,6 +144,7 @@ class NQ_EXPORT NQSweep : public NQMORAlgorithm {
   NQSweepTypeEnum type_;
   NQDList starts_;  // the events to come; sorted during a run
   NQDList ends_;
+  bool endsAreShown_ = false;
   std::unique_ptr<NQSegSortedBinTree> pSweepLine_;
   NQBinTreeCell* pInsertedCell_ = nullptr;
 };

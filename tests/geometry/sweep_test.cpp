@@ -171,6 +171,16 @@ TEST(NQSweep, BearsHooksThatInterfere) {
     EXPECT_EQ(onTheLine(sweep), "ab");
   }
   {
+    Diary sweep(&list);  // cancels one end, by the cell that it had from the beginning
+    NQDListCell* const endOfA = sweep.pEndSegmentList()->pFirstCell();
+    sweep.atInsertion = [&](NQObject* object) {
+      if (segment(object).name == 'c') sweep.pEndSegmentList()->discardCell(endOfA);
+    };
+    sweep.run();
+    EXPECT_EQ(sweep.text, "+a+b+c-c-b");
+    EXPECT_EQ(onTheLine(sweep), "a");
+  }
+  {
     Diary sweep(&list);  // begins anew within the run
     sweep.atInsertion = [&](NQObject* object) {
       if (segment(object).name == 'b') sweep.run();
