@@ -47,8 +47,12 @@ void NQBinTree::NQBinTreedeepCopy(const NQBinTree& source) {
   copyAllCellsAndObjects(&source);
 }
 
+// The cells of a tree that has any belong to its type and colours.
 void NQBinTree::NQBinTreeattributeCopy(const NQBinTree& source) {
   NQCopyAccess::attributes<NQDList>(*this, source);
+  if (length() > 0) return;
+  type_ = source.type_;
+  keptFlags_ = source.keptFlags_;
 }
 
 void NQBinTree::init() {

@@ -249,8 +249,8 @@ class NQ_EXPORT NQBinTree : public NQDList {
   // Empty this tree, whatever the source; its objects are left alone by both. The
   // second form fills it with clones (null for null). 0 for a null source and for
   // the tree itself, which is empty then. A deep copy of a tree is made by the
-  // second form, and takes over type and exclusiveColors(); an attribute copy is
-  // empty.
+  // second form. Type and exclusiveColors() go with it, and with an attribute copy,
+  // which is empty otherwise (and which leaves a tree that has cells as it is).
   int copyAllCells(const NQDList* source);
   int copyAllCellsAndObjects(const NQDList* source);
 
