@@ -296,17 +296,8 @@ TYPED_TEST(SortedList, FollowsTheCopyProtocol) {
 }
 
 template <class List, class Cell>
-constexpr bool kOffersPlaces = requires(List list, Cell* cell, NQObject* object) {
-  list.addObject(cell, object);
-}
-|| requires(List list, Cell* cell) {
+constexpr bool kOffersPlaces = requires(List list, Cell* cell) {
   list.insertCell(cell, cell);
-}
-|| requires(List list) {
-  list.reverse();
-}
-|| requires(List list, Cell* cell) {
-  list.swapPosition(cell, cell);
 }
 || requires(List list, Cell* cell) {
   list.transferListPart(cell, &list, cell, cell);
