@@ -332,6 +332,42 @@ TEST(NQBinTree, TellsItsSettingsAndFigures) {
   EXPECT_EQ(tree.exclusiveColors(0), 0);
 }
 
+// With the established colours, the depth of each cell and its colour, m for both,
+// as worked out by a model of its own. Their order would survive other rules.
+TEST(NQBinTree, KeepsTheEstablishedShapes) {
+  const struct {
+    int insertionStep, insertions, removals, removalStep;
+    const char* shape;
+  } kRows[] = {
+      {0, 8, 0, 0, "4r 3m 2m 3m 1m 2m 0m 1m"},
+      {1, 9, 2, 0, "6m 5m 4m 3m 2m 1m 0m"},
+      {5, 14, 0, 0, "2m 1m 3m 2m 4m 3m 5m 4m 6r 5m 6m 0m 1m 2r"},
+      {5, 14, 4, 3, "7m 9m 8m 6m 5m 4m 3m 2m 1m 0m"},
+      {7, 20, 9, 3, "10m 9m 8m 7m 6m 5m 4m 3m 2m 1m 0m"},
+      {13, 24, 10, 11, "13m 12m 11m 10m 9m 8m 7m 6m 5m 4m 3m 2m 1m 0m"},
+      {9, 26, 12, 17, "9m 11m 13m 12m 10m 8m 7m 6m 5m 4m 3m 2m 1m 0m"},
+      {3, 30, 20, 5, "8m 9m 7m 6m 5m 4m 3m 2m 1m 0m"},
+  };
+  for (const auto& row : kRows) {
+    NQBinTree tree;
+    for (int i = 0; i < row.insertions; ++i) {
+      tree.addObject(tree.pCellInPosition(i * row.insertionStep % (i + 1)), nullptr);
+    }
+    for (int i = 0; i < row.removals; ++i) {
+      tree.discardCell(tree.pCellInPosition(i * row.removalStep % tree.length() + 1));
+    }
+    std::string shape;
+    for (const auto* cell : cellsOf(tree)) {
+      int depth = 0;
+      for (auto* above = cell; (above = NQTestPeer::parent(above)) != nullptr;) ++depth;
+      shape += shape.empty() ? "" : " ";
+      shape += std::to_string(depth);
+      shape += !NQTestPeer::isRed(cell) ? 'b' : NQTestPeer::isBlack(cell) ? 'm' : 'r';
+    }
+    EXPECT_EQ(shape, row.shape);
+  }
+}
+
 // The depths that the header promises.
 TEST(NQBinTree, IsAsDeepAsItsColoursAllow) {
   for (const auto& kind : kKinds) {
