@@ -506,8 +506,9 @@ int NQBinTree::isValidRedBlackTree() const {
                           : parent->pLeft_ != cell && parent->pRight_ != cell) {
       return 0;
     }
-    const NQBinTreeCell* next = isReal(cell->pRight_) ? cell->pRight_ : parent;
-    if (next == cell->pRight_) {
+    const NQBinTreeCell* next = parent;
+    if (isReal(cell->pRight_)) {
+      next = cell->pRight_;
       while (isReal(next->pLeft_) && steps-- > 0) next = next->pLeft_;
     } else {
       for (const NQBinTreeCell* from = cell; next != nullptr && next->pRight_ == from;) {
