@@ -42,7 +42,7 @@ def anchors(document):
 
 
 def main():
-    sources = {"cpp": [read(name) for name in glob.glob("examples/*.cpp")],
+    sources = {"cpp": [read(name) for name in glob.glob("examples/**/*.cpp", recursive=True)],
                "text": [read(name) for name in glob.glob("examples/*.expected")]}
     faults = []
     for name in ["README.md", *sorted(glob.glob("docs/*.md"))]:

@@ -33,6 +33,15 @@ NQRect textPlace(ShapeKind kind) {
   }
 }
 
+void addLines(std::string_view text, std::vector<std::string_view>& lines) {
+  for (;;) {
+    const std::size_t end = text.find('\n');
+    lines.push_back(text.substr(0, end));
+    if (end == std::string_view::npos) return;
+    text.remove_prefix(end + 1);
+  }
+}
+
 NQPointDList* diamondCorners() {
   auto* const corners = new NQPointDList;
   corners->appendPoint(new NQPoint(0, -1000));
@@ -127,14 +136,15 @@ void Node::write(NQOMLFile& file) const {
 }
 
 std::vector<std::string_view> linesOf(const Node& node) {
-  std::vector<std::string_view> lines = {node.title};
-  for (const Label* label : Range<Label>(node.labels)) lines.emplace_back(label->text);
+  std::vector<std::string_view> lines;
+  addLines(node.title, lines);
+  for (const Label* label : Range<Label>(node.labels)) addLines(label->text, lines);
   return lines;
 }
 
 std::vector<std::string_view> linesOf(const Edge& edge) {
   std::vector<std::string_view> lines;
-  for (const Label* label : Range<Label>(edge.labels)) lines.emplace_back(label->text);
+  for (const Label* label : Range<Label>(edge.labels)) addLines(label->text, lines);
   return lines;
 }
 

@@ -155,7 +155,7 @@ class Graph : public Element {
   NQShapeResourceDB shapes_;
 };
 
-// What is shown, a line each: of a node its title and then its labels.
+// The lines of what is shown: of a node its title and then its labels.
 std::vector<std::string_view> linesOf(const Node& node);
 std::vector<std::string_view> linesOf(const Edge& edge);
 

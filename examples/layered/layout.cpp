@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <map>
 
 #include "hierarchy.h"
 #include "text_size.h"
@@ -41,6 +42,17 @@ struct Band {
   nqLong end() const { return start() + depth; }
 };
 
+// Of a way of one piece across.
+NQPoint middleOf(const std::vector<NQPoint>& route) {
+  const NQPoint& a = route[(route.size() - 1) / 2];
+  const NQPoint& b = route[route.size() / 2];
+  return {(a.x() + b.x()) / 2, (a.y() + b.y()) / 2};
+}
+
+bool inLine(const NQPoint& a, const NQPoint& b, const NQPoint& c) {
+  return (a.x() == b.x() && b.x() == c.x()) || (a.y() == b.y() && b.y() == c.y());
+}
+
 class Drawing {
  public:
   Drawing(Graph& graph, const Hierarchy& h)
@@ -69,7 +81,7 @@ class Drawing {
     for (const Arc& arc : h_.far) {
       arc.edge->route = route({arc.from, arc.to}, 0, 0);
       if (arc.flipped) std::reverse(arc.edge->route.begin(), arc.edge->route.end());
-      arc.edge->labelCenter = arc.edge->route[1];
+      arc.edge->labelCenter = middleOf(arc.edge->route);
     }
   }
 
@@ -137,19 +149,26 @@ class Drawing {
   std::vector<NQPoint> route(const std::vector<Vertex*>& way, nqLong outPort,
                              nqLong inPort) const {
     std::vector<NQPoint> points;
+    // Ends that meet and pieces that go on straight are one.
+    const auto lead = [&](const NQPoint& point) {
+      const std::size_t n = points.size();
+      if (n > 0 && points[n - 1] == point) return;
+      if (n > 1 && inLine(points[n - 2], points[n - 1], point)) points.pop_back();
+      points.push_back(point);
+    };
     const Vertex& first = *way.front();
     const Vertex& last = *way.back();
     const nqLong start = first.across + outPort;
     const nqLong end = last.across + inPort;
-    points.push_back(clipped(first, start, band(first).end()));
-    points.push_back(paper(start, band(first).end()));
+    lead(clipped(first, start, band(first).end()));
+    lead(paper(start, band(first).end()));
     for (std::size_t i = 1; i + 1 < way.size(); ++i) {
       const Band& layer = band(*way[i]);
-      points.push_back(paper(way[i]->across, layer.start()));
-      if (layer.depth > 0) points.push_back(paper(way[i]->across, layer.end()));
+      lead(paper(way[i]->across, layer.start()));
+      lead(paper(way[i]->across, layer.end()));
     }
-    points.push_back(paper(end, band(last).start()));
-    points.push_back(clipped(last, end, band(last).start()));
+    lead(paper(end, band(last).start()));
+    lead(clipped(last, end, band(last).start()));
     return points;
   }
 
@@ -169,11 +188,20 @@ class Drawing {
   std::vector<nqLong> inPort_;
 };
 
-// An edge from a node to itself: a handle beside it.
-std::vector<NQPoint> loop(const NQRect& box) {
-  const nqLong x = box.right();
-  const nqLong y = box.y();
-  return {{x, y + 4}, {x + 12, y + 8}, {x + 12, y - 8}, {x, y - 4}};
+// An edge from a node to itself: a handle beside it, around `inner` others.
+void routeLoop(Edge& edge, nqLong inner) {
+  const Node& node = *edge.from;
+  const nqLong right = node.box().right() + 12 + 6 * inner;
+  const nqLong half = std::min(5 + 3 * inner, node.size.height() / 2 - 1);
+  const auto end = [&](nqLong y) {
+    NQPoint point(right, y);
+    node.outline().intersectsSegment(point, {node.center.x(), y}, node.center, node.size);
+    return point;
+  };
+  const nqLong above = node.center.y() + half;
+  const nqLong below = node.center.y() - half;
+  edge.route = {end(above), {right, above}, {right, below}, end(below)};
+  edge.labelCenter = {right + sizeOf(linesOf(edge)).width() / 2 + 5, node.center.y()};
 }
 
 }  // namespace
@@ -222,7 +250,8 @@ void LayeredLayout::algorithmBody() {
   Drawing drawing(graph_, h);
   drawing.placeNodes();
   drawing.routeEdges(ways);
+  std::map<const Node*, nqLong> loops;
   for (Edge* edge : Range<Edge>(graph_.edges)) {
-    if (edge->from == edge->to) edge->route = loop(edge->from->box());
+    if (edge->from == edge->to) routeLoop(*edge, loops[edge->from]++);
   }
 }

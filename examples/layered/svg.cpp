@@ -14,7 +14,7 @@ constexpr nqLong kTitleHeight = 34;
 // Light colours, far from each other, on which dark text can be read.
 constexpr std::array<const char*, 12> kPalette = {
     "#cfe3f4", "#f6dcc4", "#d5ecd0", "#f4cfd6", "#e3d7f0", "#f7efb9",
-    "#c9ece9", "#ecd9e7", "#e2e6c3", "#d9d4cb", "#c8d3ee", "#fbe0de"};
+    "#c9ece9", "#d6d6d6", "#e2e6c3", "#ecd9e7", "#c8d3ee", "#fbe0de"};
 
 std::string escaped(std::string_view text) {
   std::string out;
@@ -78,7 +78,8 @@ class Groups {
     return kPalette.at(static_cast<std::size_t>(code) % kPalette.size());
   }
   static std::string_view folderOf(const Node& node) {
-    return std::string_view(node.title).substr(0, node.title.rfind('/') + 1);
+    const std::string_view line = linesOf(node).front();
+    return line.substr(0, line.rfind('/') + 1);
   }
 
  private:
@@ -123,6 +124,8 @@ class Picture {
     for (const Node* node : Range<Node>(graph_.nodes)) bounds |= node->box();
     for (const Edge* edge : Range<Edge>(graph_.edges)) {
       for (const NQPoint& point : edge->route) bounds |= NQRect(point, point);
+      if (!edge->route.empty() && edge->labels.length() > 0)
+        bounds |= NQRect(edge->labelCenter, sizeOf(linesOf(*edge)));
     }
     paper_.sourceOriginX(bounds.left());
     paper_.sourceOriginY(bounds.top());
@@ -147,8 +150,8 @@ class Picture {
         "<marker id=\"arrow\" viewBox=\"0 0 10 8\" refX=\"9\" refY=\"4\" "
         "markerWidth=\"8\" markerHeight=\"7\" orient=\"auto\">"
         "<path d=\"M0,0 L10,4 L0,8 L2.5,4 z\" fill=\"#4a5866\"/></marker>"
-        "<marker id=\"dot\" viewBox=\"0 0 8 8\" refX=\"4\" refY=\"4\" "
-        "markerWidth=\"6\" markerHeight=\"6\">"
+        "<marker id=\"dot\" viewBox=\"0 0 8 8\" refX=\"8\" refY=\"4\" "
+        "markerWidth=\"6\" markerHeight=\"6\" orient=\"auto\">"
         "<circle cx=\"4\" cy=\"4\" r=\"4\" fill=\"#4a5866\"/></marker></defs>\n");
   }
 
