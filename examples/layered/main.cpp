@@ -6,6 +6,7 @@
 #include <CLI/CLI.hpp>
 #include <chrono>
 #include <cstdio>
+#include <exception>
 #include <string>
 
 #include "graph_file.h"
@@ -43,9 +44,7 @@ int fail(const char* what, const std::string& name) {
   return 2;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   std::string input, oml, omlb, svg;
   bool binary = false, hideImplied = false, quiet = false;
   CLI::App app("Lays out a graph in layers.");
@@ -57,7 +56,11 @@ int main(int argc, char** argv) {
   app.add_option("--omlb", omlb, "the same in the binary encoding");
   app.add_option("--svg", svg, "draw the graph");
   app.add_flag("--quiet", quiet, "say nothing when all is well");
-  CLI11_PARSE(app, argc, argv);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : 2;  // 0 after --help
+  }
 
   GraphFactory factory;
   const std::unique_ptr<NQOMLStatic> made(factory.nqNewGrammar());
@@ -107,4 +110,16 @@ int main(int argc, char** argv) {
       "seconds: reading %.3f, layout %.3f, checking %.3f, writing %.3f, "
       "drawing %.3f\n",
       reading, computing, checking, writing, drawing);
+  return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& error) {  // no memory left, for one
+    std::fprintf(stderr, "nq_layered: %s\n", error.what());
+    return 2;
+  }
 }
