@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <limits>
-#include <unordered_map>
 #include <unordered_set>
 #include <utility>
+#include <vector>
 
 #include "nq/containers/dlist.h"
 #include "nq/containers/index_hash_table.h"
@@ -31,24 +31,28 @@ class NQOMLObject::Walk {
   Walk(const Walk&) = delete;
   Walk& operator=(const Walk&) = delete;
   ~Walk() {
-    for (const auto& [object, entered] : objects_) object->walk_ = nullptr;
+    for (NQOMLObject* const object : objects_) {
+      if (object != nullptr) object->walk_ = nullptr;
+    }
   }
 
   // Makes calls of the object part of this walk, unless another one has it.
   void reach(NQOMLObject& object) {
     if (object.walk_ != nullptr) return;
     object.walk_ = this;
-    objects_[&object] = false;
+    object.walkEntered_ = false;
+    object.walkIndex_ = objects_.size();
+    objects_.push_back(&object);
   }
   // Whether the parts of the object are still to be visited; asked once.
   bool enter(NQOMLObject& object) {
     reach(object);
-    return !std::exchange(objects_[&object], true);
+    return !std::exchange(object.walkEntered_, true);
   }
-  void leave(NQOMLObject& object) { objects_.erase(&object); }
+  void leave(const NQOMLObject& object) { objects_[object.walkIndex_] = nullptr; }
 
  private:
-  std::unordered_map<NQOMLObject*, bool> objects_;  // true once entered
+  std::vector<NQOMLObject*> objects_;  // null for those destroyed since
 };
 
 NQ_COPY_PROTOCOL_IMPL(NQOMLObject)
