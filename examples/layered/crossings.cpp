@@ -165,7 +165,7 @@ class Ordering {
 // a graph of a million vertices is swept through a few times only.
 long long reduceCrossings(Hierarchy& h) {
   Ordering ordering(h);
-  constexpr std::size_t kVisits = 4'000'000;
+  constexpr std::size_t kVisits = 10'000'000;
   constexpr std::size_t kFew = 20'000;  // pieces, for which every exchange is tried
   const auto sweeps =
       static_cast<int>(std::clamp<std::size_t>(kVisits / (h.vertices.size() + 1), 2, 40));

@@ -75,19 +75,14 @@ void Label::write(NQOMLFile& file) const {
 
 // ---- Nodes
 
-Node::Node(Graph* graph) : Element(graph), outline_(graph->shared(outlineOf(kind_))) {}
+Node::Node(Graph* graph) : Element(graph) {}
 
 Graph& Node::graph() const {
   return static_cast<Graph&>(*pOMLOwner());
 }
 
 const NQShape& Node::outline() const {
-  return *static_cast<const NQShapeResource*>(outline_)->pShape();
-}
-
-void Node::shape(ShapeKind kind) {
-  kind_ = kind;
-  outline_ = graph().shared(outlineOf(kind));
+  return graph().outline(shape);
 }
 
 const NQColor* Node::fill() const {
@@ -124,7 +119,7 @@ void Node::write(NQOMLFile& file) const {
   file.writeAttribute("height", static_cast<int>(size.height()));
   file.writeClosingBracket();
   writeSection(file, "drawing");
-  file.writeAttribute("shape", wordOf(kind_));
+  file.writeAttribute("shape", wordOf(shape));
   if (fill_ != nullptr) file.writeStringAttribute("fill", hexOf(*fill()).c_str());
   writeSection(file, "line");
   file.writeAttribute("stroke", wordOf(stroke));
@@ -182,6 +177,13 @@ void Edge::write(NQOMLFile& file) const {
 
 // ---- The graph
 
+Graph::Graph() : Element(nullptr) {
+  for (std::size_t kind = 0; kind < outlines_.size(); ++kind) {
+    const NQShape shape = outlineOf(static_cast<ShapeKind>(kind));
+    outlines_[kind] = shapes_.insert(new NQShapeResource(&shapes_, &shape));
+  }
+}
+
 Graph::~Graph() {
   edges.deleteAllCellsAndObjects();
   nodes.deleteAllCellsAndObjects();
@@ -222,8 +224,9 @@ const NQResource* Graph::shared(const NQColor& color) {
   return colors_.insert(new NQColorResource(&colors_, &color));
 }
 
-const NQResource* Graph::shared(const NQShape& shape) {
-  return shapes_.insert(new NQShapeResource(&shapes_, &shape));
+const NQShape& Graph::outline(ShapeKind kind) const {
+  const NQResource* const outline = outlines_.at(static_cast<std::size_t>(kind));
+  return *static_cast<const NQShapeResource*>(outline)->pShape();
 }
 
 // ---- Colours

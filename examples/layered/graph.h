@@ -7,6 +7,7 @@
 #ifndef LAYERED_GRAPH_H
 #define LAYERED_GRAPH_H
 
+#include <array>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -83,10 +84,8 @@ class Node : public Element {
   void collectOwnedOMLObjects(NQDList& parts) override;
   void write(NQOMLFile& file) const override;
 
-  // The outline and the colour, shared with other nodes.
+  // The outline and the colour are shared with other nodes.
   const NQShape& outline() const;
-  void shape(ShapeKind kind);
-  ShapeKind shape() const { return kind_; }
   const NQColor* fill() const;  // null for none
   void fill(const NQColor& color);
 
@@ -96,6 +95,7 @@ class Node : public Element {
   std::string title;
   int group = 0;
   double importance = 1;
+  ShapeKind shape = ShapeKind::kBox;
   Stroke stroke = Stroke::kSolid;
   double thickness = 1;
   NQPoint center;
@@ -103,8 +103,6 @@ class Node : public Element {
   NQDList labels;  // of Label, owned
 
  private:
-  ShapeKind kind_ = ShapeKind::kBox;
-  const NQResource* outline_;
   const NQResource* fill_ = nullptr;
 };
 
@@ -129,7 +127,7 @@ class Edge : public Element {
 
 class Graph : public Element {
  public:
-  Graph() : Element(nullptr) {}
+  Graph();
   ~Graph() override;
 
   int readField(NQOMLSyntaxField* field, NQOMLSyntaxObject* syntax,
@@ -139,7 +137,8 @@ class Graph : public Element {
 
   // The one copy of a value that all its users share.
   const NQResource* shared(const NQColor& color);
-  const NQResource* shared(const NQShape& shape);
+  // That of all nodes of a kind; equal ones are shared by kinds, too.
+  const NQShape& outline(ShapeKind kind) const;
 
   std::string title;
   std::string citation;
@@ -153,6 +152,7 @@ class Graph : public Element {
  private:
   NQColorResourceDB colors_;
   NQShapeResourceDB shapes_;
+  std::array<const NQResource*, 4> outlines_{};  // by kind
 };
 
 // The lines of what is shown: of a node its title and then its labels.

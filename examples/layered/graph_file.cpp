@@ -108,7 +108,7 @@ GraphGrammar::GraphGrammar()
   add(nodeFields, "importance",
       [](Node& n, Field f, NQOMLFile&) { n.importance = f.doubleValue(); });
   add(nodeFields, "shape", [](Node& n, Field f, NQOMLFile&) {
-    n.shape(static_cast<ShapeKind>(f.enumValue()));
+    n.shape = static_cast<ShapeKind>(f.enumValue());
   });
   add(nodeFields, "fill", [](Node& n, Field f, NQOMLFile& file) {
     NQColor color;

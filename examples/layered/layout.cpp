@@ -125,7 +125,7 @@ class Drawing {
       std::sort(arcs.begin(), arcs.end(), [&](std::size_t a, std::size_t b) {
         return (h_.arcs[a].*other)->position < (h_.arcs[b].*other)->position;
       });
-      const bool straight = v.node->shape() == ShapeKind::kBox;
+      const bool straight = v.node->shape == ShapeKind::kBox;
       const nqLong room = v.breadth * (straight ? 2 : 1) / 5;  // to either side
       if (arcs.size() == 1) {
         port[arcs[0]] =

@@ -194,7 +194,7 @@ class Picture {
         " fill=\"" + fill + "\" stroke=\"#5b6b7d\" stroke-width=\"" +
         shortReal(node.thickness) + "\"" + dashesOf(node.stroke) + "/>\n";
     // On paper y grows downward: the rectangle's bottom is what is drawn on top.
-    switch (node.shape()) {
+    switch (node.shape) {
       case ShapeKind::kEllipse:
         add("<ellipse cx=\"", shortReal((box.left() + box.right()) / 2.0), "\" cy=\"",
             shortReal((box.bottom() + box.top()) / 2.0), "\" rx=\"",
@@ -209,7 +209,7 @@ class Picture {
       default:
         add("<rect x=\"", box.left(), "\" y=\"", box.bottom(), "\" width=\"", box.width(),
             "\" height=\"", box.height(), "\" rx=\"",
-            node.shape() == ShapeKind::kRounded ? 7 : 2, "\"", style);
+            node.shape == ShapeKind::kRounded ? 7 : 2, "\"", style);
     }
     std::vector<std::string_view> lines = linesOf(node);
     lines.front().remove_prefix(Groups::folderOf(node).size());  // the legend tells it
