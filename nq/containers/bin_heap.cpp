@@ -124,7 +124,7 @@ NQBinHeapCell* NQBinHeap::removeLastBinHeapCell() {
     (parent->pRight_ == last ? parent->pRight_ : parent->pLeft_) = nullptr;
     last->pParent_ = nullptr;
     // It will be the last but one.
-    nqdetail::prefetchCell(last->pPreviousCell()->pPreviousCell());
+    nqdetail::prefetch(last->pPreviousCell()->pPreviousCell());
   }
   NQDList::removeCell(last);
   return last;
@@ -184,8 +184,8 @@ void NQBinHeap::heapify(Order order, NQBinHeapCell* old, NQBinHeapCell* cell) {
     if (right != nullptr) {
       // Whichever is smaller, its children will be compared next.
       for (const NQBinHeapCell* const child : {left, right}) {
-        nqdetail::prefetchCell(child->pLeft_);
-        nqdetail::prefetchCell(child->pRight_);
+        nqdetail::prefetch(child->pLeft_);
+        nqdetail::prefetch(child->pRight_);
       }
     }
     NQBinHeapCell* const smallest = order.smallest(cell, left, right);

@@ -35,15 +35,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#if defined(__SANITIZE_ADDRESS__)
-#define NQ_ADDRESS_SANITIZER
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define NQ_ADDRESS_SANITIZER
-#endif
-#endif
-#if defined(NQ_ADDRESS_SANITIZER)
-#include <sanitizer/asan_interface.h>
+#include "nq/core/memory_internal.h"
+
+#if defined(NQ_POISONING)
 #define NQ_NO_SANITIZE_ADDRESS __attribute__((no_sanitize("address")))
 #else
 #define NQ_NO_SANITIZE_ADDRESS
@@ -139,16 +133,6 @@ class alignas(64) CellSlab {
   NQ_NO_SANITIZE_ADDRESS static void setNextHandedBack(void* place, void* next) {
     *static_cast<void**>(place) = next;
   }
-  static void poison([[maybe_unused]] void* place, [[maybe_unused]] std::size_t size) {
-#if defined(NQ_ADDRESS_SANITIZER)
-    __asan_poison_memory_region(place, size);
-#endif
-  }
-  static void unpoison([[maybe_unused]] void* place, [[maybe_unused]] std::size_t size) {
-#if defined(NQ_ADDRESS_SANITIZER)
-    __asan_unpoison_memory_region(place, size);
-#endif
-  }
 
   std::atomic<CellHeap*> pOwner_;  // null when the owner's thread has ended
   std::uint32_t used_ = 0;         // places out, as far as the owner has seen
@@ -239,7 +223,7 @@ class CellPool {
 // The bodies of the operators new and delete of a class of cells. What is
 // derived from it and larger has memory of its own; so has every cell under the
 // address sanitizer, which then watches cells as it watches anything else.
-#if defined(NQ_ADDRESS_SANITIZER)
+#if defined(NQ_POISONING)
 inline constexpr bool kPoolCells = false;
 #else
 inline constexpr bool kPoolCells = true;
@@ -247,13 +231,6 @@ inline constexpr bool kPoolCells = true;
 
 void* allocateUnpooled(std::size_t size) noexcept;
 void releaseUnpooled(void* memory) noexcept;
-
-// Fetches the cell into the cache; null is harmless.
-inline void prefetchCell([[maybe_unused]] const void* cell) {
-#if defined(__GNUC__)
-  __builtin_prefetch(cell);
-#endif
-}
 
 template <class Cell>
 void* allocateCell(std::size_t size) noexcept {

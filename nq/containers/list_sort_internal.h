@@ -27,8 +27,8 @@
 #include <cstddef>
 #include <vector>
 
-#include "nq/containers/cell_pool_internal.h"
 #include "nq/containers/linked_list.h"
+#include "nq/core/memory_internal.h"
 #include "nq/platform/types.h"
 
 namespace nqdetail {
@@ -81,7 +81,7 @@ struct ListLinks {
     if constexpr (kHasPrevious<Cell>) cell->pPrevious_ = ahead;
   }
 
-  static void fetchObject(Cell* cell) { prefetchCell(cell->pObject_); }
+  static void fetchObject(Cell* cell) { prefetch(cell->pObject_); }
 
   // Makes the list hold the cells it held before, which are neighbours already.
   static void setEnds(List& list, Cell* first, Cell* last) {
@@ -292,7 +292,7 @@ class ListSort {
     static constexpr nqLong kScoutsAhead = 6;
 
     void advanceScout() {
-      prefetchCell(Links::farAhead(scout_));
+      prefetch(Links::farAhead(scout_));
       Links::fetchObject(scout_);
       scout_ = Links::next(scout_);
       --ahead_;

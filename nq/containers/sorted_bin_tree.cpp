@@ -60,8 +60,8 @@ NQBinTreeCell* NQSortedBinTree::find(Compare compare, Matches matches) const {
     if (equal == nullptr || !isReal(equal)) return nullptr;
     if (matches(equal)) return equal;
     // Both children are on their way while the comparison looks at the objects.
-    nqdetail::prefetchCell(equal->pLeft_);
-    nqdetail::prefetchCell(equal->pRight_);
+    nqdetail::prefetch(equal->pLeft_);
+    nqdetail::prefetch(equal->pRight_);
     const int order = compare(equal);
     if (order == 0) break;
     equal = order < 0 ? equal->pRight_ : equal->pLeft_;
@@ -100,8 +100,8 @@ NQBinTreeCell* NQSortedBinTree::insertCell(NQBinTreeCell* cell) {
   if (cell == nullptr || length() == 0) return NQBinTree::insertCell(nullptr, cell);
   NQBinTreeCell* last = pRoot_;
   for (;;) {
-    nqdetail::prefetchCell(last->pLeft_);
-    nqdetail::prefetchCell(last->pRight_);
+    nqdetail::prefetch(last->pLeft_);
+    nqdetail::prefetch(last->pRight_);
     const bool right = virtualCellCompare(last, cell) < 0;
     NQBinTreeCell*& next = right ? last->pRight_ : last->pLeft_;
     if (!isReal(next)) {

@@ -1,6 +1,6 @@
 #include "nq/geometry/sweep.h"
 
-#include "nq/containers/cell_pool_internal.h"
+#include "nq/core/memory_internal.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -122,7 +122,7 @@ void NQSweep::sortEvents(NQDList& events, int (NQSweep::*value)(NQObject*)) {
 void NQSweep::fetchAhead() const {
   const NQDListCell* cell = starts_.pFirstCell();
   for (int ahead = 0; ahead < 6 && cell != nullptr; ++ahead) cell = cell->pNextCell();
-  if (cell != nullptr) nqdetail::prefetchCell(cell->pObject());
+  if (cell != nullptr) nqdetail::prefetch(cell->pObject());
 }
 
 bool NQSweep::endComesFirst() {

@@ -183,7 +183,7 @@ void IDTable::prefetchReferencesBehind(const NQOMLSyntaxObjectIter& current) con
     const NQOMLToken* const token = field == nullptr ? nullptr : field->pToken();
     if (token == nullptr || token->tag != NQ_OML_OBJECT_ID || !isEntry(token->integer()))
       continue;
-    __builtin_prefetch(&entries_[token->integer()]);
+    nqdetail::prefetch(&entries_[token->integer()]);
   }
 }
 

@@ -95,7 +95,7 @@ TEST(CellPool, ReturnsEmptySlabsWhateverTheOrder) {
   EXPECT_EQ(NQTestPeer::slabs<Pool>(), 1);
 }
 
-#if defined(NQ_ADDRESS_SANITIZER)
+#if defined(NQ_POISONING)
 TEST(CellPool, PoisonsFreePlaces) {
   std::array<void*, 3> places = {Pool::allocate(), Pool::allocate(), Pool::allocate()};
   const auto poisoned = [](void* place) {
