@@ -4,73 +4,60 @@
 #include "nq/containers/list_sort_internal.h"
 #include "nq/containers/slist.h"
 
-namespace {
-
-template <class List, class Cell, class Compare>
-auto listSort(Compare compare, int& recursionDepth, int& changed) {
-  return nqdetail::ListSort<List, Cell, Compare>(compare, recursionDepth, changed);
+template <class List, class Cell>
+auto NQListSort<List, Cell>::algorithms() {
+  const auto compare = [this](Cell* a, Cell* b) { return virtualCompare(a, b); };
+  return nqdetail::ListSort<List, Cell, decltype(compare)>(compare, recursionDepth_,
+                                                           changed_);
 }
 
-// The operations of both kinds of sorter, given the algorithms.
-
-template <class Algorithms, class List>
-int sortQuickly(Algorithms algorithms, List* list, int checkSortedFirst, int& changed) {
-  if (list == nullptr) return changed;
-  if (checkSortedFirst == 0) {
-    algorithms.quickSort(*list);
-    return changed;
-  }
-  const bool sorted = algorithms.isSorted(*list);
-  if (!sorted) algorithms.quickSort(*list);
-  return changed = sorted ? 0 : 1;
-}
-
-template <class Algorithms, class List>
-int sortByMerging(Algorithms algorithms, List* list, int& changed) {
-  changed = 0;
-  if (list != nullptr) algorithms.mergeSort(*list);
-  return changed;
-}
-
-template <class Algorithms, class List>
-int sortByBubbling(Algorithms algorithms, List* list, int& changed) {
-  changed = 0;
-  if (list != nullptr) algorithms.bubbleSort(*list);
-  return changed;
-}
-
-}  // namespace
-
-auto NQDListSort::algorithms() {
-  return listSort<NQDList, NQDListCell>(
-      [this](NQDListCell* a, NQDListCell* b) { return virtualCompare(a, b); },
-      recursionDepth_, changed_);
-}
-
-int NQDListSort::quickSort(NQDList* list, int checkSortedFirst) {
+template <class List, class Cell>
+int NQListSort<List, Cell>::quickSort(List* list, int checkSortedFirst) {
   recursionDepth(0);
-  return sortQuickly(algorithms(), list, checkSortedFirst, changed_);
+  if (list == nullptr) return changed();
+  if (checkSortedFirst == 0) {
+    algorithms().quickSort(*list);
+    return changed();
+  }
+  const int sorted = isSorted(list);
+  if (!sorted) algorithms().quickSort(*list);
+  return changed(sorted ? 0 : 1);
 }
 
-int NQDListSort::mergeSort(NQDList* list) {
-  return sortByMerging(algorithms(), list, changed_);
+template <class List, class Cell>
+int NQListSort<List, Cell>::mergeSort(List* list) {
+  changed(0);
+  if (list != nullptr) algorithms().mergeSort(*list);
+  return changed();
 }
 
-int NQDListSort::bubbleSort(NQDList* list) {
-  return sortByBubbling(algorithms(), list, changed_);
+template <class List, class Cell>
+int NQListSort<List, Cell>::bubbleSort(List* list) {
+  changed(0);
+  if (list != nullptr) algorithms().bubbleSort(*list);
+  return changed();
 }
 
-int NQDListSort::isSorted(NQDList* list) {
+template <class List, class Cell>
+int NQListSort<List, Cell>::isSorted(List* list) {
   return list == nullptr || algorithms().isSorted(*list) ? 1 : 0;
 }
 
-NQDListCell* NQDListSort::findSmallestElement(NQDList* list) {
+template <class List, class Cell>
+Cell* NQListSort<List, Cell>::findSmallestElement(List* list) {
   return list == nullptr ? nullptr : algorithms().findExtreme(*list, 1);
 }
 
-NQDListCell* NQDListSort::findLargestElement(NQDList* list) {
+template <class List, class Cell>
+Cell* NQListSort<List, Cell>::findLargestElement(List* list) {
   return list == nullptr ? nullptr : algorithms().findExtreme(*list, -1);
 }
+
+template <class List, class Cell>
+void NQListSort<List, Cell>::debugOutputList(List*) {}
+
+template class NQListSort<NQDList, NQDListCell>;
+template class NQListSort<NQSList, NQSListCell>;
 
 NQDListCell* NQDListSort::findIthElement(NQDList* list, nqLong i) {
   if (list == nullptr || i < 1 || i > list->length()) return nullptr;
@@ -79,39 +66,4 @@ NQDListCell* NQDListSort::findIthElement(NQDList* list, nqLong i) {
 
 void NQDListSort::debugOutput(int) {}
 
-void NQDListSort::debugOutputList(NQDList*) {}
-
-auto NQSListSort::algorithms() {
-  return listSort<NQSList, NQSListCell>(
-      [this](NQSListCell* a, NQSListCell* b) { return virtualCompare(a, b); },
-      recursionDepth_, changed_);
-}
-
-int NQSListSort::quickSort(NQSList* list, int checkSortedFirst) {
-  recursionDepth(0);
-  return sortQuickly(algorithms(), list, checkSortedFirst, changed_);
-}
-
-int NQSListSort::mergeSort(NQSList* list) {
-  return sortByMerging(algorithms(), list, changed_);
-}
-
-int NQSListSort::bubbleSort(NQSList* list) {
-  return sortByBubbling(algorithms(), list, changed_);
-}
-
-int NQSListSort::isSorted(NQSList* list) {
-  return list == nullptr || algorithms().isSorted(*list) ? 1 : 0;
-}
-
-NQSListCell* NQSListSort::findSmallestElement(NQSList* list) {
-  return list == nullptr ? nullptr : algorithms().findExtreme(*list, 1);
-}
-
-NQSListCell* NQSListSort::findLargestElement(NQSList* list) {
-  return list == nullptr ? nullptr : algorithms().findExtreme(*list, -1);
-}
-
 void NQSListSort::debugOutput(int) {}
-
-void NQSListSort::debugOutputList(NQSList*) {}

@@ -3,7 +3,8 @@
 // A sorter is an object of its own: derive from NQDListSort or NQSListSort, say
 // in virtualCompare() which of two cells comes first, and let the sorter
 // rearrange lists. Cells move, objects stay in their cells; nothing is copied
-// or freed. A sorter may sort any number of lists, one after the other.
+// or freed. A sorter may sort any number of lists, one after the other, but
+// cannot be copied.
 //
 //   quickSort     O(n log n). Nested 31 deep it leaves the rest to the others.
 //                 Its partitions happen to keep the order of equals; do not rely
@@ -29,43 +30,42 @@ class NQDListCell;
 class NQSList;
 class NQSListCell;
 
-class NQ_EXPORT NQDListSort : public NQObject {
+// What the sorters of both kinds of list have in common.
+template <class List, class Cell>
+class NQ_EXPORT NQListSort : public NQObject {
  public:
-  NQDListSort() = default;
+  NQListSort(const NQListSort&) = delete;
+  NQListSort& operator=(const NQListSort&) = delete;
 
   // Each returns the changed flag: whether the order changed. Without
   // `checkSortedFirst` quickSort's answer is only what its fallbacks left in the
   // flag, from this or an earlier sort; with it the answer is right, and a
   // sorted list costs n - 1 comparisons.
-  int quickSort(NQDList* list, int checkSortedFirst);
-  int mergeSort(NQDList* list);
-  int bubbleSort(NQDList* list);
+  int quickSort(List* list, int checkSortedFirst);
+  int mergeSort(List* list);
+  int bubbleSort(List* list);
 
-  int isSorted(NQDList* list);
+  int isSorted(List* list);
 
   // The first among equals; null for an empty list.
-  NQDListCell* findSmallestElement(NQDList* list);
-  NQDListCell* findLargestElement(NQDList* list);
-  // A cell that would stand at position i (from 1) if the list, which stays as
-  // it is, were sorted; null when there is no such position. O(n) on average;
-  // allocates a pointer for each cell.
-  NQDListCell* findIthElement(NQDList* list, nqLong i);
+  Cell* findSmallestElement(List* list);
+  Cell* findLargestElement(List* list);
 
-  // Entry points kept for compatibility; they do nothing.
-  void debugOutput(int level) override;
-  void debugOutputList(NQDList* list);
+  // An entry point kept for compatibility; does nothing.
+  void debugOutputList(List* list);
 
  protected:
+  NQListSort() = default;
+
   // Called by every operation: negative when `a` comes before `b`, 0 when they
   // are equal, positive when it comes after. The cells are this list's; during a
   // sort their links mean nothing.
-  virtual int virtualCompare(NQDListCell* a, NQDListCell* b) = 0;
-  virtual void virtualDebugOutputElement(NQDListCell* cell) = 0;
+  virtual int virtualCompare(Cell* a, Cell* b) = 0;
+  virtual void virtualDebugOutputElement(Cell* cell) = 0;
 
  private:
+  friend class NQDListSort;
   friend class NQTestPeer;
-  NQDListSort(const NQDListSort&) = delete;
-  NQDListSort& operator=(const NQDListSort&) = delete;
 
   int recursionDepth() const { return recursionDepth_; }
   int recursionDepth(int depth) { return recursionDepth_ = depth; }
@@ -77,40 +77,22 @@ class NQ_EXPORT NQDListSort : public NQObject {
   int changed_ = 0;
 };
 
-// The same for singly linked lists.
-class NQ_EXPORT NQSListSort : public NQObject {
+extern template class NQListSort<NQDList, NQDListCell>;
+extern template class NQListSort<NQSList, NQSListCell>;
+
+class NQ_EXPORT NQDListSort : public NQListSort<NQDList, NQDListCell> {
  public:
-  NQSListSort() = default;
-
-  int quickSort(NQSList* list, int checkSortedFirst);
-  int mergeSort(NQSList* list);
-  int bubbleSort(NQSList* list);
-
-  int isSorted(NQSList* list);
-
-  NQSListCell* findSmallestElement(NQSList* list);
-  NQSListCell* findLargestElement(NQSList* list);
+  // A cell that would stand at position i (from 1) if the list, which stays as
+  // it is, were sorted; null when there is no such position. O(n) on average;
+  // allocates a pointer for each cell.
+  NQDListCell* findIthElement(NQDList* list, nqLong i);
 
   void debugOutput(int level) override;
-  void debugOutputList(NQSList* list);
+};
 
- protected:
-  virtual int virtualCompare(NQSListCell* a, NQSListCell* b) = 0;
-  virtual void virtualDebugOutputElement(NQSListCell* cell) = 0;
-
- private:
-  friend class NQTestPeer;
-  NQSListSort(const NQSListSort&) = delete;
-  NQSListSort& operator=(const NQSListSort&) = delete;
-
-  int recursionDepth() const { return recursionDepth_; }
-  int recursionDepth(int depth) { return recursionDepth_ = depth; }
-  int changed() const { return changed_; }
-  int changed(int changed) { return changed_ = changed; }
-  auto algorithms();
-
-  int recursionDepth_ = 0;
-  int changed_ = 0;
+class NQ_EXPORT NQSListSort : public NQListSort<NQSList, NQSListCell> {
+ public:
+  void debugOutput(int level) override;
 };
 
 // Sorts by the addresses of the objects, taken as signed numbers.
