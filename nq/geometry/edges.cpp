@@ -355,19 +355,10 @@ NQSideEnum NQEdges::sideForRouting(const NQEdges& o, int horizontalFirst) const 
     }
     return best;
   }
-  if (!intersectsXRange(o) && !intersectsYRange(o)) {
-    if (horizontalFirst != 0) return left > o.right ? NQSideLeft : NQSideRight;
-    return bottom > o.top ? NQSideBottom : NQSideTop;
+  if (!intersectsXRange(o) && (intersectsYRange(o) || horizontalFirst != 0)) {
+    return left > o.right ? NQSideLeft : NQSideRight;
   }
-  const nqInt64 horizontalGap =
-      std::max(nqInt64{left} - o.right, nqInt64{o.left} - right);
-  const nqInt64 verticalGap = std::max(nqInt64{bottom} - o.top, nqInt64{o.bottom} - top);
-  const NQPoint here = center();
-  const NQPoint there = o.center();
-  if (horizontalGap <= verticalGap) {
-    return here.y() > there.y() ? NQSideBottom : NQSideTop;
-  }
-  return here.x() > there.x() ? NQSideLeft : NQSideRight;
+  return bottom > o.top ? NQSideBottom : NQSideTop;
 }
 
 NQPerMil NQEdges::perMil(const NQSize& offset) const {

@@ -169,11 +169,10 @@ class NQRectOperations {
   NQSideEnum sideForRouting(const NQPoint& p, NQDirectionEnum direction) const {
     return edges().sideForRouting(p, direction);
   }
-  // The side that faces `o`. Apart on both axes: the horizontal one when
-  // `horizontalFirst` is not 0, else the vertical one. Apart on one axis: by
-  // the wider gap and the centres. Overlapping: the side beyond which `o`
-  // reaches farthest; when one holds the other, the side whose edges are
-  // closest. Ties there in the order bottom, left, top, right.
+  // The side that faces `o`. Apart on both axes: left or right when
+  // `horizontalFirst` is not 0, else bottom or top. Overlapping: the side beyond
+  // which `o` reaches farthest; when one holds the other, the side whose edges
+  // are closest. Ties there in the order bottom, left, top, right.
   NQSideEnum sideForRouting(const Rect& o, int horizontalFirst) const {
     return edges().sideForRouting(o.edges(), horizontalFirst);
   }
