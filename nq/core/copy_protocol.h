@@ -160,7 +160,12 @@ class NQCopyAccess {
   NQ_COPY_MEMBERS(X)
 
 // Their definitions, in X's source; X's two routines are written out beside it.
-#define NQ_COPY_PROTOCOL_IMPL(X)                     \
+#define NQ_COPY_PROTOCOL_IMPL(X) \
+  NQ_COPY_CONSTRUCTORS_IMPL(X)   \
+  NQ_COPY_OPERATIONS_IMPL(X)
+
+// The parts of them, for a class that writes out the others.
+#define NQ_COPY_CONSTRUCTORS_IMPL(X)                 \
   X::X(const X& source, NQDeepFlagEnum flag) {       \
     NQCopyAccess::construct<X>(*this, source, flag); \
   }                                                  \
@@ -168,25 +173,24 @@ class NQCopyAccess {
   const X& X::operator=(const X& source) {           \
     NQCopyAccess::copyObject<X>(*this, &source);     \
     return *this;                                    \
-  }                                                  \
-  NQ_COPY_OPERATIONS_IMPL(X)
-
-// What remains of them when constructors and assignment are defined elsewhere.
+  }
+#define NQ_COPY_TYPED_IMPL(X)                      \
+  X* X::cloneObject() const {                      \
+    return NQCopyAccess::cloneObject<X>(this);     \
+  }                                                \
+  X* X::cloneAttributes() const {                  \
+    return NQCopyAccess::cloneAttributes<X>(this); \
+  }                                                \
+  X* X::castDown(const NQObject* object) {         \
+    return NQCopyAccess::castDown<X>(object);      \
+  }
 #define NQ_COPY_OPERATIONS_IMPL(X)                             \
+  NQ_COPY_TYPED_IMPL(X)                                        \
   void X::copyObject(const NQObject* source) {                 \
     NQCopyAccess::copyObject<X>(*this, source);                \
   }                                                            \
   void X::copyAttributes(const NQObject* source) {             \
     NQCopyAccess::copyAttributes<X>(*this, source);            \
-  }                                                            \
-  X* X::cloneObject() const {                                  \
-    return NQCopyAccess::cloneObject<X>(this);                 \
-  }                                                            \
-  X* X::cloneAttributes() const {                              \
-    return NQCopyAccess::cloneAttributes<X>(this);             \
-  }                                                            \
-  X* X::castDown(const NQObject* object) {                     \
-    return NQCopyAccess::castDown<X>(object);                  \
   }                                                            \
   NQObject* X::vCloneObject() const {                          \
     return NQCopyAccess::newCopy<X>(*this, NQ_DEEP_COPY);      \

@@ -8,6 +8,8 @@
 #ifndef NQ_CORE_HASH_INTERNAL_H
 #define NQ_CORE_HASH_INTERNAL_H
 
+#include <algorithm>
+#include <bit>
 #include <chrono>
 #include <cstddef>
 #include <cstdint>

@@ -26,38 +26,16 @@ void NQStringHandle::init() {
   empty();
 }
 
-// Written out because the flag makes no difference and copyObject() goes through
-// copyAttributes(); all else is the protocol's own.
-NQStringHandle::NQStringHandle(const NQStringHandle& source, NQDeepFlagEnum flag) {
-  NQCopyAccess::construct<NQStringHandle>(*this, source, flag);
-}
+NQ_COPY_CONSTRUCTORS_IMPL(NQStringHandle)
+NQ_COPY_TYPED_IMPL(NQStringHandle)
 
-NQStringHandle::NQStringHandle(const NQStringHandle& source)
-    : NQStringHandle(source, NQ_DEEP_COPY) {}
-
-const NQStringHandle& NQStringHandle::operator=(const NQStringHandle& source) {
-  if (this != &source) NQStringHandleattributeCopy(source);
-  return *this;
-}
-
+// The copies and the clones are written out because one kind goes by the other.
 void NQStringHandle::copyObject(const NQObject* source) {
   copyAttributes(source);
 }
 
 void NQStringHandle::copyAttributes(const NQObject* source) {
   NQCopyAccess::copyAttributes<NQStringHandle>(*this, source);
-}
-
-NQStringHandle* NQStringHandle::cloneObject() const {
-  return NQCopyAccess::cloneObject<NQStringHandle>(this);
-}
-
-NQStringHandle* NQStringHandle::cloneAttributes() const {
-  return NQCopyAccess::cloneAttributes<NQStringHandle>(this);
-}
-
-NQStringHandle* NQStringHandle::castDown(const NQObject* object) {
-  return NQCopyAccess::castDown<NQStringHandle>(object);
 }
 
 NQObject* NQStringHandle::vCloneObject() const {

@@ -22,7 +22,7 @@ class NQ_EXPORT NQUniqueID {
 
   // Writes "ID" and sixteen lower-case hexadecimal digits, the low 32 bits of
   // each number, into `buffer` (19 bytes) and returns it. The upper halves are
-  // left out on purpose: the text has had this form ever since.
+  // left out on purpose: the text has always had this form.
   char* idString(char* buffer) const;
   void debugOutput(int) const {}
 
