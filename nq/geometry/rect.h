@@ -34,7 +34,7 @@ class NQ_EXPORT NQ_VIEWED_AS_RECORD NQRect : public NQObject,
   NQRect(const NQPoint& center, nqLong width, nqLong height);
   NQRect(const NQPoint& center, const NQSize& size)
       : NQRect(center, size.width(), size.height()) {}
-  NQRect(const tagRECT* record);         // NOLINT: null: zero rectangle
+  NQRect(const tagRECT* record);         // NOLINT: null is the zero rectangle
   NQRect(const NQInternalRect& source);  // NOLINT: the same box
   const NQRect& operator=(const NQInternalRect& source);
 
