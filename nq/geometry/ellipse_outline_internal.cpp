@@ -23,6 +23,10 @@ bool between(double a, double b, double value) {
   return std::min(a, b) - kMargin <= value && value <= std::max(a, b) + kMargin;
 }
 
+// A line whose discriminant is below 0 by no more than this part of its terms
+// touches the ellipse: it is below by rounding.
+constexpr double kSlack = 1e-12;
+
 // The point of the ellipse x^2/a^2 + y^2/b^2 = 1, a >= b > 0, that is nearest to
 // (x, y) in the first quadrant.
 // Source: D. Eberly, "Distance from a point to an ellipse, an ellipsoid, or a
@@ -91,9 +95,9 @@ int segmentMeetsEllipse(const Node& node, nqLong& x, nqLong& y, nqLong x2, nqLon
   const double r = double(axisU.extent) / axisV.extent;
   const double square = r * r + m * m;
   const double discriminant = a * a * m * m + (a * a - c * c) * r * r;
-  if (!(discriminant >= 0)) return 0;
+  if (!(discriminant >= -kSlack * a * a * square)) return 0;
   int met = 0;
-  const double root = std::sqrt(discriminant);
+  const double root = std::sqrt(std::max(discriminant, 0.0));
   for (const double solution : {(root - m * c) / square, (-root - m * c) / square}) {
     const double atU = m * solution + c;
     if (!between(fromV, toV, solution) || !between(fromU, toU, atU)) continue;

@@ -111,8 +111,11 @@ TEST(NQShape, TakesItsTypeFromItsCorners) {
   EXPECT_EQ(shape.pPointList(arrow), arrow);
   EXPECT_EQ(shape.shapeType(), NQShapeNonConvexPolygon);
   EXPECT_EQ(cornersOf(shape), kArrow);
-  EXPECT_EQ(shape.pPointList(arrow), arrow);  // the list that it has
-  EXPECT_EQ(cornersOf(shape), kArrow);
+  EXPECT_EQ(place(shape, {-900, 0}), -1);  // in the notch
+  arrow->pPointInPosition(4)->x(-1000);
+  EXPECT_EQ(shape.pPointList(arrow), arrow);  // the list that it has, changed
+  EXPECT_EQ(shape.shapeType(), NQShapeConvexPolygon);
+  EXPECT_EQ(place(shape, {-900, 0}), 1);
   shape.setShapeType(NQShapeNonConvexPolygon);
   EXPECT_EQ(shape.pPointList(), nullptr);
   EXPECT_EQ(shape.shapeType(), NQShapeNonConvexPolygon);
@@ -221,18 +224,22 @@ TEST(NQShape, KnowsConvexPolygons) {
 
 TEST(NQShape, DecidesExactlyWhatIsWithinAPolygon) {
   std::mt19937 random(35);
-  std::uniform_int_distribution<int> coordinate(0, 6), count(3, 7);
-  for (int i = 0; i < 3000; ++i) {
-    Corners corners(static_cast<size_t>(count(random)));
-    for (auto& p : corners) p = {coordinate(random), coordinate(random)};
+  const auto check = [&](int count, int step) {
+    std::uniform_int_distribution<int> coordinate(0, 6);
+    Corners corners(static_cast<size_t>(count));
+    for (auto& p : corners) p = {step * coordinate(random), step * coordinate(random)};
     const NQShape shape(list(corners));
-    for (model::Int x = -1; x <= 7; ++x) {
-      for (model::Int y = -1; y <= 7; ++y) {
+    for (model::Int x = -1; x <= 6 * step + 1; ++x) {
+      for (model::Int y = -1; y <= 6 * step + 1; ++y) {
         ASSERT_EQ(place(shape, {x, y}), placeOf(corners, {x, y}))
             << x << ", " << y << " in " << testing::PrintToString(corners);
       }
     }
-  }
+  };
+  std::uniform_int_distribution<int> few(3, 7);
+  for (int i = 0; i < 3000; ++i) check(few(random), 1);
+  for (int many = 60; many < 70; ++many) check(many, 3);  // about a word of edges
+  check(200, 3);
   // Beside an edge as long as the range of coordinates, one unit decides.
   const NQShape far(list({{-kMax, -kMax}, {kMax, kMax}, {-kMax, kMax}}));
   const struct {
@@ -318,7 +325,10 @@ TEST(NQShape, MeetsSegmentsFromOutside) {
       {&ellipse, {100, 0}, {-100, 0}, {20, 10}, 1, {-10, 0}},
       {&ellipse, {50, 50}, {0, 0}, {20, 20}, 1, {7, 7}},
       {&ellipse, {-50, 50}, {0, 0}, {20, 20}, 1, {-7, 7}},
+      {&ellipse, {-60, -55}, {7, 24}, {50, 50}, 1, {7, 24}},
       {&ellipse, {-50, 5}, {50, 5}, {20, 10}, 1, {0, 5}},  // touches
+      {&ellipse, {-41, 38}, {55, 10}, {50, 50}, 1, {7, 24}},
+      {&ellipse, {-41, 39}, {55, 10}, {50, 50}, 0, {-41, 39}},
       {&ellipse, {-50, 6}, {50, 6}, {20, 10}, 0, {-50, 6}},
       {&ellipse, {9, 4}, {9, 4}, {20, 10}, 0, {9, 4}},
       {&ellipse, {3, 1}, {0, 0}, {20, 10}, 0, {3, 1}},
@@ -414,6 +424,14 @@ TEST(NQShape, FindsNearestPoints) {
     EXPECT_EQ(p, row.nearest) << row.p.x() << "," << row.p.y() << " gives " << p.x()
                               << "," << p.y();
   }
+  // The end of an axis is exact, where half a unit decides about the rounding.
+  for (nqLong y = 1; y < 60; ++y) {
+    NQPoint above(0, y), beneath(0, -y);
+    ellipse.nearestPoint(above, {0, 0}, {9, 7});
+    ellipse.nearestPoint(beneath, {0, 0}, {9, 7});
+    EXPECT_EQ(above, NQPoint(0, 4)) << y;
+    EXPECT_EQ(beneath, NQPoint(0, -3)) << y;
+  }
 }
 
 TEST(NQShape, PlacesTextRectangles) {
@@ -435,11 +453,12 @@ TEST(NQShape, PlacesTextRectangles) {
   EXPECT_EQ(r, NQRect(-25, 60, 273, 65));
 
   // The inverse holds what it is given, ends where it does on the left and at the
-  // bottom, and is exact for text rectangles.
+  // bottom, and is exact for text rectangles. Borders may be in bad order.
   std::mt19937 random(37);
   std::uniform_int_distribution<nqLong> border(-1300, 1300), coordinate(-200, 200);
   for (int i = 0; i < 5000; ++i) {
-    shape.setInnerRect({border(random), border(random), border(random), border(random)});
+    const NQPoint middle(border(random), border(random));
+    shape.setInnerRect(NQRect(middle, border(random), border(random)));
     const NQRect box(coordinate(random), coordinate(random), coordinate(random),
                      coordinate(random));
     NQRect inner(box), bounds(1, 2, 3, 4), again;
@@ -457,7 +476,9 @@ TEST(NQShape, PlacesTextRectangles) {
     EXPECT_TRUE(again.encloses(any));
     EXPECT_EQ(again.bottomLeft(), any.bottomLeft());
   }
-  // No room, and too much.
+  // All there is, no room, and too much.
+  EXPECT_EQ(NQShape().fitBoundingRectToInnerRect(r, NQRect(0, kMin, kMax, -1)), 1);
+  EXPECT_EQ(r, NQRect(0, kMin, kMax, -1));
   shape.setInnerRect(NQRect(5, 5, 5, 900));
   r = NQRect(1, 2, 3, 4);
   EXPECT_EQ(shape.fitBoundingRectToInnerRect(r, NQRect(0, 0, 1, 1)), 0);
@@ -469,7 +490,8 @@ TEST(NQShape, PlacesTextRectangles) {
 
 TEST(NQShape, MeasuresTheLargestBoxAtAPlace) {
   const NQShape rectangle, ellipse(NQShapeEllipse), diamond(list(kDiamond)),
-      arrow(list(kArrow));
+      arrow(list(kArrow)), below(list({{-1000, -1000}, {1000, -1000}, {1000, 1000}})),
+      left(list({{-1000, -1000}, {1000, -1000}, {-1000, 1000}}));
   const NQSize square(7, 7), node(2000, 2000);
   const double root = std::numbers::sqrt2;
   const struct {
@@ -490,6 +512,8 @@ TEST(NQShape, MeasuresTheLargestBoxAtAPlace) {
       {&diamond, {0, 0}, square, 1000 * root},
       {&diamond, {0, 0}, {3, 1}, 500 * std::sqrt(10.0)},
       {&diamond, {500, 0}, square, 500 * root},
+      {&below, {400, -400}, square, 800 * root},  // the diagonal alone is near
+      {&left, {-400, -400}, square, 800 * root},
       {&arrow, {0, 0}, square, 2000 * root / 3},
       {&arrow, {-999, 0}, square, 0},
   };
@@ -500,6 +524,9 @@ TEST(NQShape, MeasuresTheLargestBoxAtAPlace) {
         << row.shape->shapeType() << " at " << row.p.x() << " for " << row.box.width();
   }
   EXPECT_EQ(ellipse.maxAvailableDiagonalLengthAtShape({0, 0}, square, {0, 0}, {9, 0}), 0);
+  // On the outline, with a rounding that would lead beyond it.
+  EXPECT_EQ(ellipse.maxAvailableDiagonalLengthAtShape({5, 12}, square, {0, 0}, {26, 26}),
+            0);
 }
 
 TEST(NQShape, MeasuresAnglesBetweenVectors) {
