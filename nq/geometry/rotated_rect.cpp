@@ -52,17 +52,15 @@ int NQRotatedRect::clipping(NQPoint* p, NQPoint* q) const {
   if (!part.keep(along(*p), along(*q), length_)) return 0;
   if (!part.keep(across(*p), across(*q), width_)) return 0;
 
-  // Ends inside the band stay exactly where they are.
+  // At 0 and 1 these are the ends exactly.
   const NQDTuple start = *p;
   NQDTuple way = *q;
   way -= start;
   const auto at = [&](double t) {
-    return NQTuple(NQDTuple(start.x() + t * way.x(), start.y() + t * way.y()));
+    return NQPoint(nqRound(start.x() + t * way.x()), nqRound(start.y() + t * way.y()));
   };
-  const NQTuple first = at(part.from);
-  const NQTuple last = at(part.to);
-  if (part.from > 0) p->set(first.x(), first.y());
-  if (part.to < 1) q->set(last.x(), last.y());
+  *p = at(part.from);
+  *q = at(part.to);
   return 1;
 }
 
