@@ -11,8 +11,8 @@
 // the links.
 //
 // Cells come from slabs of their own, which makes them cheap to allocate and
-// keeps them close together. A cell may be deleted on another thread than the
-// one that made it.
+// keeps them close together. A cell may be deleted on a thread other than the one
+// that made it.
 
 #ifndef NQ_CONTAINERS_DLIST_H
 #define NQ_CONTAINERS_DLIST_H

@@ -4,8 +4,8 @@
 // numbers: a key is divided by a fixed divisor, the spacing, and the quotient
 // taken modulo the number of buckets, which the user chooses once (usually by
 // nextPrimeNumber(); where that answers 0, 160201 serves: a table stays quick at
-// any load). An absent key is answered with an error value of the
-// user's choice. Entries are never removed one by one.
+// any load). An absent key is answered with an error value of the user's choice.
+// Entries are never removed one by one.
 //
 // Lookups and updates are O(1) on average, at any load and whatever the keys. An
 // entry takes 24 to 50 bytes, and 40 to 80 more in a table that was searched.

@@ -15,9 +15,9 @@
 // there was nothing to do.
 //
 // Insertion and moving a whole list are O(1) given the cells (NQSList finds the
-// predecessor of a cell by walking); moving a part counts it; searches, positions,
-// copies and emptying walk, O(n); the "IfNotInList"
-// operations search this list for each object.
+// predecessor of a cell by walking); moving a part counts it; searches,
+// positions, copies and emptying walk, O(n); the "IfNotInList" operations search
+// this list for each object.
 //
 // begin() and end() give standard iterators over the objects, for range-based
 // for, <algorithm> and <ranges>.
