@@ -85,8 +85,9 @@ std::vector<int> stablySorted(std::vector<int> values) {
 }
 
 // The quick sort's rules, on a vector: which of the equals come first is part of
-// the result.
-std::vector<int> quicklySorted(const std::vector<int>& values, int depth = 1) {
+// the result, and so is what its fallbacks leave in the changed flag.
+std::vector<int> quicklySorted(const std::vector<int>& values, int* changed = nullptr,
+                               int depth = 1) {
   if (values.size() < 2) return values;
   const auto less = [](int a, int b) { return keyOf(a) < keyOf(b); };
   const std::size_t places[] = {0, (values.size() + 1) / 2 - 1, values.size() - 1};
@@ -107,8 +108,12 @@ std::vector<int> quicklySorted(const std::vector<int>& values, int depth = 1) {
     const int order = keyOf(values[i]) - keyOf(pivot);
     (order > 0 || (order == 0 && i > pivotAt) ? greater : kept).push_back(values[i]);
   }
-  const auto sorted = [depth](const std::vector<int>& part) {
-    return depth < 31 ? quicklySorted(part, depth + 1) : stablySorted(part);
+  const auto sorted = [=](const std::vector<int>& part) {
+    if (depth < 31) return quicklySorted(part, changed, depth + 1);
+    const std::vector<int> stable = stablySorted(part);
+    if (changed != nullptr && part.size() < 6) *changed = 0;  // a bubble sort
+    if (changed != nullptr && stable != part) *changed = 1;
+    return stable;
   };
   std::vector<int> result = sorted(kept);
   result.push_back(pivot);
@@ -198,6 +203,22 @@ TYPED_TEST(ListSort, ChangedFlagIsOnlyWhatTheSortsLeaveInIt) {
   NQTestPeer::setChanged(sorter, 1);
   EXPECT_EQ(sorter.bubbleSort(nullptr), 0);
   EXPECT_EQ(sorter.isSorted(nullptr), 1);
+
+  // About the lengths of which the depth limit leaves a few cells.
+  for (int pairs = 60; pairs < 72; ++pairs) {
+    for (const int largest : {640, 660, 680, 740, 1200, 1300, 1440}) {
+      std::vector<int> values = medianKiller(pairs);
+      for (int& value : values) value = std::min(value, largest);
+      for (const int before : {0, 1}) {
+        int changed = before;
+        const std::vector<int> sorted = quicklySorted(values, &changed);
+        Numbers<TypeParam> few(values);
+        NQTestPeer::setChanged(sorter, before);
+        EXPECT_EQ(sorter.quickSort(&few.list, 0), changed) << pairs << ", " << largest;
+        EXPECT_EQ(few.values(), sorted) << pairs << ", " << largest;
+      }
+    }
+  }
 }
 
 TYPED_TEST(ListSort, ExtremesAreTheFirstOfEquals) {
