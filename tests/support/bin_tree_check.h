@@ -85,7 +85,7 @@ inline BinTreeCheck checkBinTree(const NQBinTree& tree) {
 template <class Greater>
 std::string findHeapFault(const NQBinHeap& heap, Greater greater) {
   using Peer = NQTestPeer;
-  const std::string fault = findListFault(heap);
+  std::string fault = findListFault(heap);
   if (!fault.empty()) return fault;
   std::vector<const NQBinHeapCell*> cells;
   for (auto* cell = heap.pFirstCell(); cell != nullptr; cell = cell->pNextCell()) {
