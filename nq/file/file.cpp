@@ -20,6 +20,8 @@ using nqdetail::system;
 
 namespace {
 
+static_assert(nqdetail::ReadAhead::kMaxLent == NQFile::kBufferSize);
+
 constexpr const char* kEndMarker = "__NQ_END_OF_FILE__";
 constexpr const char* kEndMarkerLineEnd = "\n\r";  // as the unbuffered reader has it
 constexpr const char* kSeparators = "/\\:";
@@ -133,8 +135,7 @@ void NQFile::init() {
   fileHandle_ = noHandle();
   pArchive_ = nullptr;
   pFileBuffer_.reset();
-  pTopBuffer_ = nullptr;
-  numberOfBufferedBytes_ = 0;
+  discardBufferedBytes();
   byteOrder_ = NQ_DEFAULT_BYTE_ORDER;
   pFileName_.reset();
   pPathName_.reset();
@@ -335,8 +336,7 @@ NQFileCodeEnum NQFile::empty() {
   }
   letGoOfHandle();
   pFileBuffer_.reset();
-  pTopBuffer_ = nullptr;
-  numberOfBufferedBytes_ = 0;
+  discardBufferedBytes();
   pFileName_.reset();
   pPathName_.reset();
   buffered(0);
@@ -351,8 +351,19 @@ void* NQFile::fileHandle(void* handle) {
 }
 
 char* NQFile::pFileBuffer(char* buffer) {
+  fillBuffer();
   pFileBuffer_.reset(buffer);
   return buffer;
+}
+
+char* NQFile::pTopBuffer(char* top) {
+  fillBuffer();
+  return pTopBuffer_ = top;
+}
+
+int NQFile::numberOfBufferedBytes(int number) {
+  fillBuffer();
+  return numberOfBufferedBytes_ = number;
 }
 
 const char* NQFile::pFileName(const char* name) {
@@ -373,6 +384,16 @@ const char* NQFile::pPathName(const char* path) {
   return pPathName_.get();
 }
 
+char* NQFile::pFileBuffer() const {
+  fillBuffer();
+  return pFileBuffer_.get();
+}
+
+char* NQFile::pTopBuffer() const {
+  fillBuffer();
+  return pTopBuffer_;
+}
+
 int NQFile::flag(Flag mask, int on) {
   bits_ = static_cast<unsigned short>(on != 0 ? bits_ | mask : bits_ & ~mask);
   return on;
@@ -386,6 +407,7 @@ NQFileCodeEnum NQFile::conclude(NQFileCodeEnum result) {
 
 // What was gathered for a handle, or fetched from it, is that handle's alone.
 void NQFile::letGoOfHandle() {
+  fillBuffer();
   if (output_ != nullptr && !output_->send(fileHandle_)) error(1);
   if (input_ != nullptr && !input_->giveBack(fileHandle_)) error(1);
   output_.reset();
@@ -402,7 +424,18 @@ void NQFile::makeBuffer() {
   discardBufferedBytes();
 }
 
+// Puts what is lent into the buffer, for those who look at it.
+void NQFile::fillBuffer() const {
+  if (pLent_ == nullptr) return;
+  const std::ptrdiff_t taken = pTopBuffer_ - pLent_;
+  std::memcpy(pFileBuffer_.get(), pLent_,
+              static_cast<std::size_t>(taken + numberOfBufferedBytes_));
+  pTopBuffer_ = pFileBuffer_.get() + taken;
+  pLent_ = nullptr;
+}
+
 void NQFile::discardBufferedBytes() {
+  pLent_ = nullptr;
   pTopBuffer_ = pFileBuffer_.get();
   numberOfBufferedBytes_ = 0;
 }
@@ -410,16 +443,36 @@ void NQFile::discardBufferedBytes() {
 // Adds to the unread bytes, by more than one transfer when that is what it
 // takes to look ahead. False, with the error flag set, when the system failed.
 bool NQFile::refill() {
-  char* const buffer = pFileBuffer_.get();
-  int& unread = numberOfBufferedBytes_;
-  std::memmove(buffer, pTopBuffer_, static_cast<std::size_t>(unread));
-  pTopBuffer_ = buffer;
   int added = 0;
   do {
-    added = kBufferSize - unread;
-    if (unbufferedReadBinary(buffer + unread, added) != NQ_FILE_OK) return false;
-    unread += added;
-  } while (added > 0 && unread <= kLookAhead);
+    if (!addToBuffer(&added)) return false;
+  } while (added > 0 && numberOfBufferedBytes_ <= kLookAhead);
+  return true;
+}
+
+// One transfer. What was fetched ahead is read where it stands, as if it were in the
+// buffer.
+bool NQFile::addToBuffer(int* added) {
+  int& unread = numberOfBufferedBytes_;
+  *added = kBufferSize - unread;
+  if (input_ == nullptr || input_->isShared() || !mayRead()) {
+    fillBuffer();
+    std::memmove(pFileBuffer_.get(), pTopBuffer_, static_cast<std::size_t>(unread));
+    pTopBuffer_ = pFileBuffer_.get();
+    if (unbufferedReadBinary(pTopBuffer_ + unread, *added) != NQ_FILE_OK) return false;
+  } else {
+    std::size_t read;
+    const bool succeeded =
+        input_->lend(fileHandle_, pTopBuffer_, static_cast<std::size_t>(unread),
+                     static_cast<std::size_t>(*added), &read);
+    pLent_ = pTopBuffer_;
+    *added = static_cast<int>(read);
+    if (!succeeded) {
+      error(1);
+      return false;
+    }
+  }
+  unread += *added;
   return true;
 }
 
@@ -504,6 +557,7 @@ NQFileCodeEnum NQFile::readDividedLine(NQStringHandle& out, std::size_t length,
 
 NQFileCodeEnum NQFile::readUnbufferedLine(NQStringHandle& out) {
   if (!hasHandle() || !sendOutput()) return conclude(NQ_FILE_READ_ERROR);
+  fillBuffer();
   int end = 0;
   if (nqdetail::readTerminatedLine(fileHandle_, input_.get(), out, nullptr, &end) == 0) {
     return conclude(NQ_FILE_READ_ERROR);
@@ -535,10 +589,10 @@ NQFileCodeEnum NQFile::readBufferedBytes(char* data, int& count) {
 }
 
 NQFileCodeEnum NQFile::unbufferedReadBinary(char* data, int& count) {
-  const bool allowed = data != nullptr && count >= 0 && !endOfFile() && isReading(mode_);
   std::size_t read = 0;
-  bool succeeded = allowed && hasHandle() && sendOutput();
+  bool succeeded = data != nullptr && count >= 0 && mayRead();
   if (succeeded) {
+    fillBuffer();  // what is lent is good until the next read
     const auto wanted = static_cast<std::size_t>(count);
     succeeded = input_ != nullptr ? input_->read(fileHandle_, data, wanted, &read)
                                   : system().read(fileHandle_, data, wanted, &read);
@@ -546,6 +600,10 @@ NQFileCodeEnum NQFile::unbufferedReadBinary(char* data, int& count) {
   }
   if (!succeeded) error(1);
   return succeeded ? NQ_FILE_OK : NQ_FILE_READ_ERROR;
+}
+
+bool NQFile::mayRead() const {
+  return !endOfFile() && isReading(mode_) && hasHandle() && sendOutput();
 }
 
 NQFileCodeEnum NQFile::writeNormalString(const char* text) {

@@ -155,16 +155,16 @@ class NQ_EXPORT NQFile : public NQObject {
   NQArchiveClass* pArchive(NQArchiveClass* archive) { return pArchive_ = archive; }
   // Keeps the buffer (from new[], of kBufferSize bytes) and frees the old one.
   char* pFileBuffer(char* buffer);
-  char* pTopBuffer(char* top) { return pTopBuffer_ = top; }
-  int numberOfBufferedBytes(int number) { return numberOfBufferedBytes_ = number; }
+  char* pTopBuffer(char* top);
+  int numberOfBufferedBytes(int number);
 
   // Store a name with its directory part, or a directory alone, and return the
   // buffer. Null stands for ""; what does not fit changes nothing.
   const char* pFileName(const char* name);
   const char* pPathName(const char* path);
 
-  char* pFileBuffer() const { return pFileBuffer_.get(); }
-  char* pTopBuffer() const { return pTopBuffer_; }
+  char* pFileBuffer() const;
+  char* pTopBuffer() const;
   int numberOfBufferedBytes() const { return numberOfBufferedBytes_; }
 
   // Take the next byte, in the buffered modes. 0 with endOfFile() set after the
@@ -221,9 +221,11 @@ class NQ_EXPORT NQFile : public NQObject {
   bool hasHandle() const;
 
   void makeBuffer();
+  void fillBuffer() const;
   void discardBufferedBytes();
   bool refillIfDue();
   bool refill();
+  bool addToBuffer(int* added);
   char nextCharAfterRefill();
 
   NQFileCodeEnum readNormalString(NQStringHandle& out, std::size_t endLength = 1);
@@ -234,6 +236,7 @@ class NQ_EXPORT NQFile : public NQObject {
   NQFileCodeEnum readUnbufferedLine(NQStringHandle& out);
   NQFileCodeEnum readBufferedBytes(char* data, int& count);
   NQFileCodeEnum unbufferedReadBinary(char* data, int& count);
+  bool mayRead() const;
   NQFileCodeEnum writeNormalString(const char* text);
   NQFileCodeEnum writeAsciiString(const char* text);
   NQFileCodeEnum writeText(const char* text);
@@ -245,7 +248,8 @@ class NQ_EXPORT NQFile : public NQObject {
   void* fileHandle_;
   NQArchiveClass* pArchive_;             // not owned
   std::unique_ptr<char[]> pFileBuffer_;  // null, or kBufferSize bytes
-  char* pTopBuffer_;                     // the next unread byte
+  mutable char* pTopBuffer_;             // the next unread byte
+  mutable char* pLent_;                  // what the buffer would hold; null: it does
   int numberOfBufferedBytes_;            // unread ones
   NQByteOrderEnum byteOrder_;
   std::unique_ptr<char[]> pFileName_;              // null, or kNameSize bytes

@@ -37,27 +37,66 @@ void WriteBehind::share(Handle handle) {
 bool ReadAhead::read(Handle handle, void* data, std::size_t count,
                      std::size_t* transferred) {
   if (shared_) return system().read(handle, data, count, transferred);
-  if (block_ == nullptr) block_.reset(new char[kTransferBlock]);
+  makeBlock();
   char* const bytes = static_cast<char*>(data);
   *transferred = take(bytes, count);
-  if (*transferred == count) return true;
-  first_ = 0;
-  const bool succeeded = system().read(handle, block_.get(), kTransferBlock, &last_);
-  if (!succeeded) return *transferred > 0;
-  *transferred += take(bytes + *transferred, count - *transferred);
-  return true;
+  const std::size_t missing = count - *transferred;
+  if (missing == 0) return true;
+  if (missing >= kTransferBlock) {
+    std::size_t more;
+    const bool succeeded = system().read(handle, bytes + *transferred, missing, &more);
+    *transferred += more;
+    return succeeded;
+  }
+  first_ = kMaxLent;  // nothing is left
+  const bool succeeded = fetch(handle);
+  *transferred += take(bytes + *transferred, missing);
+  return succeeded;
+}
+
+bool ReadAhead::lend(Handle handle, char*& data, std::size_t kept, std::size_t count,
+                     std::size_t* transferred) {
+  makeBlock();
+  // What was lent before stands there already, unless it was taken away.
+  char* const before = block_.get() + (first_ - kept);
+  if (before != data) std::memmove(before, data, kept);
+  data = before;
+  const std::size_t left = last_ - first_;
+  bool succeeded = true;
+  if (left < count) {
+    data = block_.get() + (kMaxLent - left - kept);
+    std::memmove(data, before, kept + left);
+    first_ = kMaxLent - left;
+    succeeded = fetch(handle) || left > 0;  // a failure comes again
+  }
+  *transferred = std::min(count, last_ - first_);
+  first_ += *transferred;
+  return succeeded;
 }
 
 bool ReadAhead::giveBack(Handle handle) {
   if (first_ == last_) return true;
   if (!system().seekBy(handle, -static_cast<std::int64_t>(last_ - first_))) return false;
-  first_ = last_ = 0;
+  first_ = last_ = kMaxLent;
   return true;
 }
 
 // What cannot be given back is still read first.
 void ReadAhead::share(Handle handle) {
   shared_ = giveBack(handle);
+}
+
+void ReadAhead::makeBlock() {
+  if (block_ == nullptr) block_.reset(new char[kMaxLent + kTransferBlock]);
+}
+
+// Adds a transfer to the bytes ahead, which end where transfers go.
+bool ReadAhead::fetch(Handle handle) {
+  std::size_t read;
+  const bool succeeded =
+      system().read(handle, block_.get() + kMaxLent, kTransferBlock, &read);
+  last_ = kMaxLent + read;
+  return succeeded;
 }
 
 std::size_t ReadAhead::take(char* data, std::size_t count) {

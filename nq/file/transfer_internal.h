@@ -39,8 +39,18 @@ class WriteBehind {
 
 class ReadAhead {
  public:
+  static constexpr std::size_t kMaxLent = 10240;
+
   // As System::read, and with no more than one transfer of the system.
   bool read(Handle handle, void* data, std::size_t count, std::size_t* transferred);
+
+  // The same without copying: moves `data` to a place where the `kept` bytes from
+  // there on stand with `count` more behind them, or as many as there are. The place
+  // is good until the next read. `kept` and `count` together are at most kMaxLent,
+  // and the handle is not shared.
+  bool lend(Handle handle, char*& data, std::size_t kept, std::size_t count,
+            std::size_t* transferred);
+  bool isShared() const { return shared_; }
 
   // Puts the handle behind what was read; false when the system failed.
   bool giveBack(Handle handle);
@@ -48,11 +58,15 @@ class ReadAhead {
   void share(Handle handle);
 
  private:
+  void makeBlock();
   std::size_t take(char* data, std::size_t count);
+  bool fetch(Handle handle);
 
-  std::unique_ptr<char[]> block_;  // made by the first read
-  std::size_t first_ = 0;          // the bytes ahead are [first_, last_)
-  std::size_t last_ = 0;
+  // Made by the first read. A transfer goes behind the first kMaxLent bytes, which
+  // are room for what is left of the one before.
+  std::unique_ptr<char[]> block_;
+  std::size_t first_ = kMaxLent;  // the bytes ahead are [first_, last_), no less
+  std::size_t last_ = kMaxLent;
   bool shared_ = false;
 };
 
