@@ -5,12 +5,6 @@
 #include <initializer_list>
 #include <string>
 
-#if defined(__SSE2__)
-#include <emmintrin.h>
-
-#include <bit>
-#endif
-
 #include "nq/file/system_calls.h"
 #include "nq/file/transfer_internal.h"
 #include "nq/platform/system_internal.h"
@@ -61,43 +55,6 @@ void* openHandle(const char* name, NQFileModeEnum mode, NQByteOrderEnum* byteOrd
       return nqInternalOpenAppend(name, byteOrder);
   }
   return noHandle();
-}
-
-bool stopsText(char c) {
-  return c == '\n' || c == '\r' || c == '\0';
-}
-
-// The first byte that ends a line or the text, or `last`.
-const char* findStop(const char* first, const char* last) {
-#if defined(__SSE2__)
-  const auto blockAt = [](const char* place) {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(place));
-  };
-  const __m128i lineFeed = _mm_set1_epi8('\n');
-  const __m128i carriageReturn = _mm_set1_epi8('\r');
-  const __m128i zero = _mm_setzero_si128();
-  while (last - first >= 16) {
-    if (last - first >= 64) {
-      // Most text has no byte as low as these for a long while.
-      const __m128i lowest =
-          _mm_min_epu8(_mm_min_epu8(blockAt(first), blockAt(first + 16)),
-                       _mm_min_epu8(blockAt(first + 32), blockAt(first + 48)));
-      const __m128i low = _mm_cmpeq_epi8(_mm_min_epu8(lowest, carriageReturn), lowest);
-      if (_mm_movemask_epi8(low) == 0) {
-        first += 64;
-        continue;
-      }
-    }
-    const __m128i block = blockAt(first);
-    const __m128i stops = _mm_or_si128(
-        _mm_cmpeq_epi8(block, zero), _mm_or_si128(_mm_cmpeq_epi8(block, lineFeed),
-                                                  _mm_cmpeq_epi8(block, carriageReturn)));
-    const auto mask = static_cast<unsigned int>(_mm_movemask_epi8(stops));
-    if (mask != 0) return first + std::countr_zero(mask);
-    first += 16;
-  }
-#endif
-  return std::find_if(first, last, stopsText);
 }
 
 }  // namespace
@@ -512,28 +469,37 @@ NQFileCodeEnum NQFile::readAsciiString(NQStringHandle& out) {
   return readUnbufferedLine(out);
 }
 
-// Nearly every line stands whole in the run, and ends as it shall end.
+// Nearly every line stands whole in what is lent, before the next refill.
 NQFileCodeEnum NQFile::readBufferedLine(NQStringHandle& out, std::size_t endLength) {
-  const std::string_view run = bufferedRun();
-  const char* const last = run.data() + run.size();
-  const char* const found = findStop(run.data(), last);
-  const auto length = static_cast<std::size_t>(found - run.data());
-  if (last - found < 2 || *found != '\n' || found[1] == '\r') {
-    return readDividedLine(out, length, endLength);
-  }
+  const char* const first = pTopBuffer_;
+  const char* const last = first + (numberOfBufferedBytes_ - kEarlyRefill);
+  if (pLent_ == nullptr || last <= first) return readDividedLine(out, endLength);
+  const char* const stop = input_->findStop(first, last);
+  if (stop + 1 >= last || *stop == '\0') return readDividedLine(out, endLength);
+  const auto length = static_cast<std::size_t>(stop - first);
   takeBuffered(length + 1);
-  const bool stored = out.appendText({run.data(), length + endLength}) != 0;
+  bool stored;
+  if (*stop == '\n') {
+    if (stop[1] == '\r') takeBuffered(1);
+    stored = out.appendText({first, length + endLength}) != 0;
+  } else {
+    if (stop[1] == '\n') takeBuffered(1);
+    stored = out.appendText({first, length}) != 0 &&
+             out.appendText(std::string_view("\n", endLength)) != 0;
+  }
   return conclude(stored ? NQ_FILE_OK : NQ_FILE_READ_ERROR);
 }
 
-// Any other line: piece by piece, from refill to refill. The first piece has
-// that length.
-NQFileCodeEnum NQFile::readDividedLine(NQStringHandle& out, std::size_t length,
-                                       std::size_t endLength) {
+// Any other line: piece by piece, from refill to refill.
+NQFileCodeEnum NQFile::readDividedLine(NQStringHandle& out, std::size_t endLength) {
   error(0);
   bool any = false;
   for (;;) {
-    bool stored = out.appendText(bufferedRun().substr(0, length)) != 0;
+    const std::string_view run = bufferedRun();
+    const char* const end = run.data() + run.size();
+    const auto length = static_cast<std::size_t>(
+        nqdetail::StopSearch().find(run.data(), end, end) - run.data());
+    bool stored = out.appendText(run.substr(0, length)) != 0;
     takeBuffered(length);
     const char stop = nextBufferedChar();
     any = any || length > 0 || stop != '\0';
@@ -547,10 +513,7 @@ NQFileCodeEnum NQFile::readDividedLine(NQStringHandle& out, std::size_t length,
       stored = stored && out.appendChar(stop) != 0;
     }
     if (!stored) return conclude(NQ_FILE_READ_ERROR);
-    if (stopsText(stop)) break;
-    const std::string_view run = bufferedRun();
-    const char* const found = findStop(run.data(), run.data() + run.size());
-    length = static_cast<std::size_t>(found - run.data());
+    if (nqdetail::isStop(stop)) break;
   }
   return conclude(any && !error() ? NQ_FILE_OK : NQ_FILE_READ_ERROR);
 }

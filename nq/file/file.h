@@ -231,8 +231,7 @@ class NQ_EXPORT NQFile : public NQObject {
   NQFileCodeEnum readNormalString(NQStringHandle& out, std::size_t endLength = 1);
   NQFileCodeEnum readAsciiString(NQStringHandle& out);
   NQFileCodeEnum readBufferedLine(NQStringHandle& out, std::size_t endLength);
-  NQFileCodeEnum readDividedLine(NQStringHandle& out, std::size_t length,
-                                 std::size_t endLength);
+  NQFileCodeEnum readDividedLine(NQStringHandle& out, std::size_t endLength);
   NQFileCodeEnum readUnbufferedLine(NQStringHandle& out);
   NQFileCodeEnum readBufferedBytes(char* data, int& count);
   NQFileCodeEnum unbufferedReadBinary(char* data, int& count);

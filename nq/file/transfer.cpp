@@ -59,7 +59,10 @@ bool ReadAhead::lend(Handle handle, char*& data, std::size_t kept, std::size_t c
   makeBlock();
   // What was lent before stands there already, unless it was taken away.
   char* const before = block_.get() + (first_ - kept);
-  if (before != data) std::memmove(before, data, kept);
+  if (before != data) {
+    std::memmove(before, data, kept);
+    search_ = {};
+  }
   data = before;
   const std::size_t left = last_ - first_;
   bool succeeded = true;
@@ -92,6 +95,7 @@ void ReadAhead::makeBlock() {
 
 // Adds a transfer to the bytes ahead, which end where transfers go.
 bool ReadAhead::fetch(Handle handle) {
+  search_ = {};
   std::size_t read;
   const bool succeeded =
       system().read(handle, block_.get() + kMaxLent, kTransferBlock, &read);

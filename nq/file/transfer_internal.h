@@ -12,6 +12,7 @@
 #include <memory>
 
 #include "nq/core/string_handle.h"
+#include "nq/file/stop_search_internal.h"
 #include "nq/platform/system_internal.h"
 
 namespace nqdetail {
@@ -52,6 +53,12 @@ class ReadAhead {
             std::size_t* transferred);
   bool isShared() const { return shared_; }
 
+  // The first byte of [first, last) that ends a line or the text, or `last`. The bytes
+  // are among those lent last, as they were.
+  const char* findStop(const char* first, const char* last) {
+    return search_.find(first, last, block_.get() + last_);
+  }
+
   // Puts the handle behind what was read; false when the system failed.
   bool giveBack(Handle handle);
 
@@ -68,6 +75,7 @@ class ReadAhead {
   std::size_t first_ = kMaxLent;  // the bytes ahead are [first_, last_), no less
   std::size_t last_ = kMaxLent;
   bool shared_ = false;
+  StopSearch search_;  // in the block
 };
 
 // nqInternalRead(), fetching ahead unless `ahead` is null.
