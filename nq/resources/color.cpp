@@ -105,13 +105,6 @@ NQColor NQColor::invertColor() const {
   return inverse;
 }
 
-int NQColor::compare(const NQColor* other) const {
-  return other != nullptr && red_ == other->red_ && green_ == other->green_ &&
-                 blue_ == other->blue_ && transparent() == other->transparent()
-             ? 1
-             : 0;
-}
-
 int NQColor::setStringFromRGB(char* out) const {
   if (out == nullptr) return 0;
   out = writeFraction(out, red_);

@@ -78,7 +78,12 @@ class NQ_EXPORT NQColor : public NQObject {
   int needsSaving() const { return (flags_ & kNeedsSaving) != 0; }
 
   // Whether channels and transparency are equal; 0 for null.
-  int compare(const NQColor* other) const;
+  int compare(const NQColor* other) const {
+    return other != nullptr && red_ == other->red_ && green_ == other->green_ &&
+                   blue_ == other->blue_ && transparent() == other->transparent()
+               ? 1
+               : 0;
+  }
 
   // Writes the channels to `out`, which has room for 16 characters, as three
   // fractions of two digits: "1.00 0.50 0.00". Each is the smallest that reads back

@@ -13,9 +13,11 @@
 struct NQResourceDB::Store {
   NQSList list;
   std::map<nqLong, NQResource*> lastOfKey;
-  // Chains of resources, a power of two of them, at least as many as resources.
+  // Chains of resources, a power of two of them, at least kSpace for each resource: with
+  // fewer, walks of unforeseeable length cost more than the table.
   using Buckets = std::vector<NQResource*>;
-  Buckets buckets = Buckets(16);
+  static constexpr std::size_t kSpace = 4;
+  Buckets buckets = Buckets(64);
   nqdetail::HashSeed seed = nqdetail::newHashSeed(this);
 
   NQResource*& bucket(std::uint32_t hash) { return buckets[hash & (buckets.size() - 1)]; }
@@ -27,7 +29,7 @@ void NQResourceDB::Store::addToTable(NQResource& resource) {
   const auto add = [this](NQResource* one) {
     one->place_.nextOfHash = std::exchange(bucket(one->place_.hash), one);
   };
-  if (static_cast<std::size_t>(list.length()) > buckets.size()) {
+  if (kSpace * static_cast<std::size_t>(list.length()) > buckets.size()) {
     const auto old = std::exchange(buckets, Buckets(2 * buckets.size()));
     for (NQResource* first : old) {
       while (first != nullptr) add(std::exchange(first, first->place_.nextOfHash));
@@ -262,10 +264,8 @@ std::uint32_t NQResourceDB::hashOf(const NQResource& resource) const {
 
 NQResource* NQResourceDB::find(const NQResource& probe, std::uint32_t hash) const {
   NQResource* stored = store_->bucket(hash);
-  if (stored == nullptr) return nullptr;
-  const nqLong key = probe.sortKey();
   for (; stored != nullptr; stored = stored->place_.nextOfHash) {
-    if (stored->place_.hash == hash && stored->place_.key == key &&
+    if (stored->place_.hash == hash && stored->place_.key == probe.sortKey() &&
         probe.isEqual(stored) != 0)
       break;
   }
