@@ -180,10 +180,9 @@ void IDTable::prefetchReferencesBehind(const NQOMLSyntaxObjectIter& current) con
   const NQOMLSyntaxFieldList* cell = next->pObject()->pFieldList();
   for (int i = 0; i < kFields && cell != nullptr; ++i, cell = cell->pNext()) {
     const NQOMLSyntaxField* const field = cell->pField();
-    const NQOMLToken* const token = field == nullptr ? nullptr : field->pToken();
-    if (token == nullptr || token->tag != NQ_OML_OBJECT_ID || !isEntry(token->integer()))
-      continue;
-    nqdetail::prefetch(&entries_[token->integer()]);
+    const NQOMLToken token = field == nullptr ? NQOMLToken() : field->token();
+    if (token.tag != NQ_OML_OBJECT_ID || !isEntry(token.integer())) continue;
+    nqdetail::prefetch(&entries_[token.integer()]);
   }
 }
 

@@ -100,8 +100,7 @@ void SemanticPass::checkRequiredFields(NQOMLSyntaxObject& object, nqLong objectI
   nqLong missing = required;
   std::int64_t fields = 0;
   for (NQOMLSyntaxFieldIter iter(&object); iter; ++iter, ++fields) {
-    NQOMLSyntaxField& field = *iter.pField();
-    const NQOMLDefField* const definition = field.pDefField();
+    const NQOMLDefField* const definition = iter.pField()->pDefField();
     if (definition == nullptr) continue;
     // Defaults may bring fields of another type, with numbers of their own.
     if (definition->pRequiringType() == type && type != nullptr) {
@@ -109,8 +108,9 @@ void SemanticPass::checkRequiredFields(NQOMLSyntaxObject& object, nqLong objectI
       if (last != numberOfObjects_) --missing;
       last = numberOfObjects_;
     }
-    if (definition->fieldType() == NQ_REFERENCE_FIELD)
-      checkObjectDefinition(field, scope);
+    if (definition->fieldType() == NQ_REFERENCE_FIELD) {
+      checkObjectDefinition(*iter.pWrittenField(), *definition, scope);
+    }
   }
   if (object.pDefaultList() != nullptr && (inheritable_ -= fields) < 0) {
     memoryExhausted(object);
@@ -130,16 +130,14 @@ void SemanticPass::checkRequiredFields(NQOMLSyntaxObject& object, nqLong objectI
   }
 }
 
-void SemanticPass::checkObjectDefinition(NQOMLSyntaxField& field, nqLong scope) {
-  NQOMLToken& token = *field.pToken();
+void SemanticPass::checkObjectDefinition(NQOMLSyntaxField& field,
+                                         const NQOMLDefField& definition, nqLong scope) {
+  const NQOMLToken token = field.token();
   nqLong id = token.integer();
-  if (token.tag == NQ_OML_INTEGER) {
-    token.tag = NQ_OML_OBJECT_ID;
-    id = ids_.withNumber(id);
-  }
+  if (token.tag == NQ_OML_INTEGER) id = ids_.withNumber(id);
   nqLong type = -1;
-  token.integer(ids_.referenceInScope(id, scope, type));
-  const nqLong expected = field.pDefField()->referencedTypeIndex();
+  field.reference(ids_.referenceInScope(id, scope, type));
+  const nqLong expected = definition.referencedTypeIndex();
   if (type < 0) {
     error(field, kUndefinedObject);
   } else if (expected >= 0 && expected != type) {

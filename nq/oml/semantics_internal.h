@@ -58,7 +58,9 @@ class SemanticPass {
   // Resolves references and misses required fields, in `object`, whose scope is
   // `scope`, and in all inside it.
   void checkRequiredFields(NQOMLSyntaxObject& object, nqLong objectID, nqLong scope);
-  void checkObjectDefinition(NQOMLSyntaxField& field, nqLong scope);
+  // Makes the value of a field, as it was written, the full id that it refers to.
+  void checkObjectDefinition(NQOMLSyntaxField& field, const NQOMLDefField& definition,
+                             nqLong scope);
   bool checkObjectsForApplication(NQOMLSyntaxObject& object);
 
   void error(const NQOMLSyntaxStruct& where, int code, const char* argument = nullptr) {

@@ -44,13 +44,13 @@ NQOMLSyntaxField* SyntaxArena::makeField(NQOMLFile* file, nqLong line, int posit
                                          nqLong sectionIDIndex, nqULong sectionPath,
                                          const NQOMLToken& token, NQOMLDefField* defField,
                                          int unchecked) {
-  static_assert(sizeof(FieldRecord) <= 88, "files hold fields by the million");
+  static_assert(sizeof(FieldRecord) == 72, "files hold fields by the million");
   void* const place = allocate<FieldRecord>(memory_);
   if (place == nullptr) return nullptr;
   auto* const field =
       new (place) FieldRecord(file, line, position, fileNameIndex, nameIndex,
                               sectionIDIndex, sectionPath, nullptr, defField, unchecked);
-  new (&field->token_) NQOMLToken(token);
+  field->takeValue(token);
   field->storage(NQOMLSyntaxField::Storage::kArena);
   if (NQOMLBinValue* const value = token.pBinValue()) binValues_.emplace_back(value);
   return field;

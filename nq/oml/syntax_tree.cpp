@@ -43,30 +43,52 @@ NQOMLSyntaxField::NQOMLSyntaxField(NQOMLFile* file, nqLong line, int position,
                                    NQOMLToken* token, NQOMLDefField* defField,
                                    int unchecked)
     : NQOMLSyntaxStruct(file, line, position, fileNameIndex),
+      tag_(kNoToken),
       unchecked_(unchecked != 0),
       nameIndex_(nameIndex),
       sectionIDIndex_(sectionIDIndex),
       sectionPath_(sectionPath),
       defField_(defField),
-      kept_(token) {}
+      word_(0) {
+  if (token != nullptr) takeValue(*token);
+  delete token;
+}
 
 NQOMLSyntaxField::NQOMLSyntaxField(const NQOMLSyntaxField& field,
                                    const NQOMLDefSection& section,
                                    NQOMLDefField* defField)
     : NQOMLSyntaxStruct(field),
+      tag_(field.tag_),
       unchecked_(field.unchecked_),
       nameIndex_(field.nameIndex_),
       sectionIDIndex_(section.nameIndex()),
       sectionPath_(section.path()),
       defField_(defField),
-      kept_(field.pToken()) {
+      word_(field.word_) {
   storage(Storage::kView);
 }
 
 NQOMLSyntaxField::~NQOMLSyntaxField() {
-  if (storage() != Storage::kHeap || kept_ == nullptr) return;
-  kept_->deleteValue();
-  delete kept_;
+  if (storage() == Storage::kHeap) token().deleteValue();
+}
+
+void NQOMLSyntaxField::takeValue(const NQOMLToken& token) {
+  tag_ = static_cast<std::uint8_t>(token.tag) & kNoToken;
+  word_ = token.word;
+}
+
+void NQOMLSyntaxField::reference(nqLong objectIDIndex) {
+  NQOMLToken token;
+  token.tag = NQ_OML_OBJECT_ID;
+  token.integer(objectIDIndex);
+  takeValue(token);
+}
+
+NQOMLToken NQOMLSyntaxField::token() const {
+  NQOMLToken token;
+  if (hasToken()) token.tag = static_cast<NQOMLTokenTagEnum>(tag_);
+  token.word = word_;
+  return token;
 }
 
 const char* NQOMLSyntaxField::nameString() const {
@@ -78,9 +100,7 @@ const char* NQOMLSyntaxField::sectionString() const {
 }
 
 NQOMLFieldTypeEnum NQOMLSyntaxField::valueType() const {
-  const NQOMLToken* const token = pToken();
-  if (token == nullptr) return NQ_OML_VALUE_OTHER;
-  switch (token->tag) {
+  switch (tag_) {
     case NQ_OML_INTEGER:
       return NQ_OML_VALUE_INTEGER;
     case NQ_OML_REAL:
@@ -99,8 +119,7 @@ NQOMLFieldTypeEnum NQOMLSyntaxField::valueType() const {
 }
 
 int NQOMLSyntaxField::intValue() const {
-  const NQOMLToken* const token = pToken();
-  return token == nullptr ? 0 : token->integer();
+  return token().integer();
 }
 
 short NQOMLSyntaxField::shortValue() const {
@@ -108,8 +127,7 @@ short NQOMLSyntaxField::shortValue() const {
 }
 
 double NQOMLSyntaxField::doubleValue() const {
-  const NQOMLToken* const token = pToken();
-  return token == nullptr ? 0.0 : token->real();
+  return token().real();
 }
 
 float NQOMLSyntaxField::floatValue() const {
@@ -117,10 +135,9 @@ float NQOMLSyntaxField::floatValue() const {
 }
 
 int NQOMLSyntaxField::enumValue() const {
-  const NQOMLToken* const token = pToken();
   const ReadTables* const tables = readTables(pFile());
-  if (token == nullptr || tables == nullptr || tables->pGrammar == nullptr) return 0;
-  return tables->pGrammar->enumValue(token->integer());
+  if (!hasToken() || tables == nullptr || tables->pGrammar == nullptr) return 0;
+  return tables->pGrammar->enumValue(token().integer());
 }
 
 int NQOMLSyntaxField::boolValue() const {
@@ -128,26 +145,23 @@ int NQOMLSyntaxField::boolValue() const {
 }
 
 const char* NQOMLSyntaxField::stringValue() const {
-  const NQOMLToken* const token = pToken();
-  if (token == nullptr) return "";
-  return nqdetail::stringText(readTables(pFile()), token->integer());
+  if (!hasToken()) return "";
+  return nqdetail::stringText(readTables(pFile()), token().integer());
 }
 
 NQObject* NQOMLSyntaxField::objectValue() const {
-  const NQOMLToken* const token = pToken();
   const ReadTables* const tables = readTables(pFile());
-  if (token == nullptr || tables == nullptr || tables->pObjectIDs == nullptr) {
+  if (!hasToken() || tables == nullptr || tables->pObjectIDs == nullptr) {
     return nullptr;
   }
-  return tables->pObjectIDs->pObject(token->integer());
+  return tables->pObjectIDs->pObject(token().integer());
 }
 
 nqLong NQOMLSyntaxField::objectTypeIndex() const {
-  const NQOMLToken* const token = pToken();
   const ReadTables* const tables = readTables(pFile());
-  if (token == nullptr || tables == nullptr || tables->pObjectIDs == nullptr) return -1;
+  if (!hasToken() || tables == nullptr || tables->pObjectIDs == nullptr) return -1;
   const NQOMLSyntaxObject* const object =
-      tables->pObjectIDs->pSyntaxObject(token->integer());
+      tables->pObjectIDs->pSyntaxObject(token().integer());
   return object == nullptr ? -1 : object->typeIndex();
 }
 
@@ -156,8 +170,7 @@ const char* NQOMLSyntaxField::objectTypeString() const {
 }
 
 NQOMLBinValue* NQOMLSyntaxField::pBinValue() const {
-  const NQOMLToken* const token = pToken();
-  return token == nullptr ? nullptr : token->pBinValue();
+  return token().pBinValue();
 }
 
 NQOMLSyntaxField* NQOMLSyntaxField::castDown(const NQObject* object) {

@@ -6,11 +6,10 @@
 // file; the accessors turn them back into texts and values. The texts belong to
 // those tables and stay valid until the read ends.
 //
-// An object owns its children and fields, a field its token, a binary token its
-// value. A reader keeps its tree in one piece of memory that goes as a whole: a
-// node that a reader made is never deleted by hand, and must not outlive the
-// reader's next read. Nodes made with new may be added to any tree, which then
-// owns them.
+// An object owns its children and fields, a field its binary value. A reader keeps its
+// tree in one piece of memory that goes as a whole: a node that a reader made is never
+// deleted by hand, and must not outlive the reader's next read. Nodes made with new may
+// be added to any tree, which then owns them.
 //
 // Adding is O(1). Destroying is iterative, however long or deep the tree.
 
@@ -32,6 +31,7 @@ class NQOMLSyntaxObjectList;
 
 namespace nqdetail {
 class DefaultsIndex;
+class SemanticPass;
 class SyntaxArena;
 }  // namespace nqdetail
 
@@ -93,8 +93,9 @@ class NQ_EXPORT NQOMLSyntaxStruct : public NQObject {
 // One value, with the name it was given.
 class NQ_EXPORT NQOMLSyntaxField : public NQOMLSyntaxStruct {
  public:
-  // Keeps `token`, which may be null. `nameIndex` and `sectionIDIndex` count on
-  // behind the grammar's names for names that only the file declares.
+  // Keeps `token`, which may be null: the field takes its value over and deletes it.
+  // `nameIndex` and `sectionIDIndex` count on behind the grammar's names for names
+  // that only the file declares.
   NQOMLSyntaxField(NQOMLFile* file, nqLong line, int position, nqLong fileNameIndex,
                    nqLong nameIndex, nqLong sectionIDIndex, nqULong sectionPath,
                    NQOMLToken* token, NQOMLDefField* defField, int unchecked);
@@ -116,10 +117,9 @@ class NQ_EXPORT NQOMLSyntaxField : public NQOMLSyntaxStruct {
   // Whether the field was read in unchecked mode, without regard to the grammar.
   int unchecked() const { return unchecked_ ? 1 : 0; }
 
-  // The value token, owned by the field; may be null.
-  NQOMLToken* pToken() const {
-    return storage() == Storage::kArena ? const_cast<NQOMLToken*>(&token_) : kept_;
-  }
+  // The value as a token without a place; a binary value still belongs to the
+  // field. Unrecognised when there is none.
+  NQOMLToken token() const;
   NQOMLFieldTypeEnum valueType() const;
 
   // The value, read as what the caller knows it to be; see valueType(). Without
@@ -137,7 +137,7 @@ class NQ_EXPORT NQOMLSyntaxField : public NQOMLSyntaxStruct {
   // The type of the object that a reference names; -1 and "" when there is none.
   nqLong objectTypeIndex() const;
   const char* objectTypeString() const;
-  // Still owned by the token; null for values that are not binary.
+  // Owned by the field; null for values that are not binary.
   NQOMLBinValue* pBinValue() const;
 
   static NQOMLSyntaxField* castDown(const NQObject* object);
@@ -146,21 +146,28 @@ class NQ_EXPORT NQOMLSyntaxField : public NQOMLSyntaxStruct {
   friend class NQOMLSyntaxFieldIter;
   friend class NQOMLSyntaxFieldList;
   friend class NQOMLSyntaxObject;
+  friend class nqdetail::SemanticPass;
   friend class nqdetail::SyntaxArena;
 
   // A view of `field` as it reads in a section that its wildcards stand for.
   NQOMLSyntaxField(const NQOMLSyntaxField& field, const NQOMLDefSection& section,
                    NQOMLDefField* defField);
 
-  bool unchecked_;
+  bool hasToken() const { return tag_ != kNoToken; }
+  void takeValue(const NQOMLToken& token);
+  // Makes the value a reference to the object of that id.
+  void reference(nqLong objectIDIndex);
+
+  // Files hold fields by the million: of a token only what is asked for is kept, and
+  // the members stand such that nothing is lost between them.
+  static constexpr std::uint8_t kNoToken = 15;  // behind the tags
+  std::uint8_t tag_ : 4;
+  std::uint8_t unchecked_ : 1;
   nqLong nameIndex_;
   nqLong sectionIDIndex_;
   nqULong sectionPath_;
   NQOMLDefField* defField_;
-  union {
-    NQOMLToken* kept_;  // unless the field lies in an arena:
-    NQOMLToken token_;  // a word less, files hold fields by the million
-  };
+  std::uint64_t word_;  // of the token; 0 when there is none
 };
 
 // One object block, or a block of defaults.

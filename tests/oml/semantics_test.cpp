@@ -185,6 +185,26 @@ TEST(IDTable, KnowsNumberedNamesInAnyOrder) {
   }
 }
 
+// A reference written once for several sections is resolved once, and in each of them.
+TEST(Semantics, ResolvesReferencesWithWildcards) {
+  const char* const definitions[] = {
+      "O $toplevel$", "[", "T graph", "]",    "O graph",   "[", "T node", "]",
+      "O node",       "[", "S a",     "[",    "R to node", "]", "S b",    "[",
+      "R to node",    "]", "]",       nullptr};
+  NQOMLStatic grammar(static_cast<const char* const*>(nullptr), nullptr, nullptr,
+                      definitions, 10, 10, 10, 10, 10, 10);
+  FakeSystem system;
+  TestReader reader;
+  system.files["f"] = "graph 1 { node p { _ to 7 } node 7 { _ to p } }";
+  EXPECT_EQ(reader.read("f", grammar), NQ_FILE_OK) << reader.errors();
+  EXPECT_EQ(reader.tree,
+            "graph#$,1{node#$,1,p{b.to=->$,1,7 a.to=->$,1,7} "
+            "node#$,1,7{b.to=->$,1,p a.to=->$,1,p}}");
+  system.files["f"] = "graph 1 { node p { _ to 8 } node 7 { _ to p } }";
+  EXPECT_EQ(reader.read("f", grammar), NQ_FILE_READ_ERROR);
+  EXPECT_NE(reader.errors().find("Error #028 (f:1:22)"), std::string::npos);
+}
+
 // Objects of several types with required fields of their own may meet in one block
 // of defaults: a late "id=defaults" and a second block of one id see to that.
 TEST(Semantics, RequiredFieldsOfOtherTypesCountForNothing) {

@@ -99,7 +99,7 @@ std::string lowerCase(std::string text) {
 }
 
 std::string valueText(const NQOMLSyntaxField& field, const NQOMLFile& file) {
-  const NQOMLToken& token = *field.pToken();
+  const NQOMLToken token = field.token();
   switch (token.tag) {
     case NQ_OML_INTEGER:
       return std::to_string(token.integer());

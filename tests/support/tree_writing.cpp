@@ -144,7 +144,7 @@ void TreeReader::collectValues(const NQOMLSyntaxObject& node, Item& item) {
     Value& value = item.values.emplace_back();
     value.sections = sectionsOf(node.pDefObjType(), field.sectionPath(), *pOMLStatic());
     value.name = field.nameString();
-    value.token = *field.pToken();
+    value.token = field.token();
     switch (value.token.tag) {
       case NQ_OML_STRING:
         value.text = field.stringValue();

@@ -51,7 +51,7 @@ class ThingReader : public NQOMLFile {
         text += std::to_string(field->pBinValue()->length());
         break;
       case NQ_IP_ADDRESS_FIELD:
-        text += std::to_string(field->pToken()->address());
+        text += std::to_string(field->token().address());
         break;
       case NQ_ENUMERATION_FIELD:
         text += std::to_string(field->enumValue());

@@ -53,7 +53,7 @@ class Summarizer {
     text(field.nameString());
     number(field.sectionPath());
     number(field.unchecked());
-    const NQOMLToken& token = *field.pToken();
+    const NQOMLToken token = field.token();
     number(token.tag);
     switch (token.tag) {
       case NQ_OML_STRING:

@@ -142,7 +142,7 @@ bool TreeWriter::fitsOneLine(const NQOMLSyntaxObject& object) const {
   std::size_t count = 0;
   for (auto* cell = object.pFieldList(); cell != nullptr; cell = cell->pNext()) {
     const NQOMLSyntaxField& field = *cell->pField();
-    const NQOMLBinValue* const bytes = field.pToken()->pBinValue();
+    const NQOMLBinValue* const bytes = field.token().pBinValue();
     if (++count > kFieldsOfLine || field.sectionPath() != 0 || field.unchecked() != 0 ||
         (bytes != nullptr && bytes->length() > kBytesOfLine)) {
       return false;
@@ -188,7 +188,7 @@ void TreeWriter::enter(Block& block, const NQOMLSyntaxObject& object, nqULong pa
 
 void TreeWriter::writeField(const NQOMLSyntaxField& field, const std::string& scope) {
   advance();
-  const NQOMLToken& token = *field.pToken();
+  const NQOMLToken token = field.token();
   const char* const name = spelling(field.nameString());
   if (binary_ && field.nameIndex() >= grammar_.grammar->pFieldPool()->decodeTableMax()) {
     trouble_ = "has a field that the grammar does not know, `" +
