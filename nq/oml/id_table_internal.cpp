@@ -92,10 +92,8 @@ nqLong IDTable::enter(nqLong scope, const Component& component) {
   Entry entry = {scope,     component.number, component.stem & kMostStems, full, 0, -1,
                  {nullptr}, nullptr};
   if (entry.isSimple()) entry.placed = {kNone, kNone};
-  if (place == nullptr && !index_.reserve(numberInIndex_ + 1)) {
-    return kNone;
-  }
-  if (entries_.append(entry) == nullptr) return kNone;
+  if (place == nullptr && !index_.reserve(numberInIndex_ + 1)) return exhaust();
+  if (entries_.append(entry) == nullptr) return exhaust();
   if (scope == kNone && !isBare(component)) ++family.count;
   if (place != nullptr) {
     *place = index;
@@ -111,7 +109,7 @@ nqLong IDTable::withName(std::string_view name, nqLong scope) {
   const nqLong number = takeNumber(name);
   const nqLong index = names_.update(name);
   const std::uint32_t stem = static_cast<std::uint32_t>(index) + 1;
-  if (index < 0 || stem > kMostStems) return kNone;
+  if (index < 0 || stem > kMostStems) return exhaust();
   if (stem == families_.size()) families_.emplace_back();
   return enter(scope, {stem, number});
 }

@@ -26,6 +26,8 @@
 #include "nq/oml/read_tables_internal.h"
 #include "nq/oml/syntax_tree.h"
 
+class NQTestPeer;
+
 namespace nqdetail {
 
 class IDTable final : public ObjectIDs {
@@ -41,6 +43,8 @@ class IDTable final : public ObjectIDs {
   // it is new, and kNone when memory is exhausted. A name has no zero byte.
   nqLong withName(std::string_view name, nqLong scope = kNone);
   nqLong withNumber(nqLong number, nqLong scope = kNone);
+  // Whether an id could not be entered for lack of memory.
+  bool exhausted() const { return exhausted_; }
   // The id of a text whose components are joined by ",".
   nqLong withText(std::string_view text, nqLong scope = kNone);
   // The id in that scope: the scope's components, then those of `id`.
@@ -85,6 +89,8 @@ class IDTable final : public ObjectIDs {
   }
 
  private:
+  friend class ::NQTestPeer;
+
   // A name, with the number that ends it, or a number by itself.
   struct Component {
     std::uint32_t stem;  // kNoStem, or the name's index in names_ plus one
@@ -126,6 +132,10 @@ class IDTable final : public ObjectIDs {
 
   bool isEntry(nqLong index) const { return index >= 0 && index < entries_.size(); }
   nqLong enter(nqLong scope, const Component& component);
+  nqLong exhaust() {
+    exhausted_ = true;
+    return kNone;
+  }
   // Where the id of that component alone is noted; null when it is in the index.
   nqLong* placeOf(const Component& component);
   static bool isBare(const Component& component) {
@@ -142,6 +152,7 @@ class IDTable final : public ObjectIDs {
   BlockArray<Entry> entries_;
   HashIndex index_;  // of ids of more than one component, and of scattered ones
   std::size_t numberInIndex_ = 0;
+  bool exhausted_ = false;
   NQStringPool names_;                                     // stems
   std::vector<Family> families_;                           // by stem
   mutable std::unordered_map<nqLong, std::string> texts_;  // those asked for

@@ -81,6 +81,8 @@ bool Lexer::readAcrossFiles(SourceToken& token) {
     // A token that a failing read has cut is none.
     if (read(token) && !source().failed()) {
       token.fileIndex = source().fileIndex();
+      if (names_.ids.exhausted())
+        diagnostics_.fatalError(token.place(), kMemoryExhausted);
       return !diagnostics_.ended();
     }
     if (!leaveFile()) endInput();

@@ -206,7 +206,10 @@ NQFileCodeEnum NQOMLFile::writeOMLFile(const char* fileName, NQOMLStatic* gramma
   const nqdetail::BusyMark mark(state);
   state.running = true;
   const NQFileModeEnum newMode = binary != 0 ? NQ_WRITE_BINARY : NQ_WRITE;
-  if (open(fileName, newMode) != NQ_FILE_OK) return NQ_FILE_OPEN_ERROR;
+  if (open(fileName, newMode) != NQ_FILE_OK) {
+    state.top = {};
+    return NQ_FILE_OPEN_ERROR;
+  }
   state.top.object = top;
   state.top.type = state.top.givenType;
   state.binaryOutput = binary != 0;

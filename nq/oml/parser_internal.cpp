@@ -464,7 +464,11 @@ void Parser::checkScope(const SourceToken& token) {
 }
 
 nqLong Parser::checkSimpleScope(const SourceToken& token) {
-  if (token.tag == NQ_OML_INTEGER) return names_.ids.withNumber(token.integer());
+  if (token.tag == NQ_OML_INTEGER) {
+    const nqLong id = names_.ids.withNumber(token.integer());
+    if (id == IDTable::kNone) diagnostics_.fatalError(token.place(), kMemoryExhausted);
+    return id;
+  }
   if (token.tag == NQ_OML_OBJECT_ID && names_.ids.isSimple(token.integer())) {
     return token.integer();
   }

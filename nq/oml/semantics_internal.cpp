@@ -63,7 +63,7 @@ void SemanticPass::collectObjects(NQOMLSyntaxObject& object, nqLong scope,
     NQOMLSyntaxObjectList* const next = cell->pNext();
     NQOMLSyntaxObject& child = *cell->pObject();
     const nqLong id = fullObjectScopeIDIndex(child, scope, anonymousCounter);
-    if (id == IDTable::kNone) {
+    if (ids_.exhausted()) {
       memoryExhausted(child);
       return;
     }
@@ -138,7 +138,9 @@ void SemanticPass::checkObjectDefinition(NQOMLSyntaxField& field,
   nqLong type = -1;
   field.reference(ids_.referenceInScope(id, scope, type));
   const nqLong expected = definition.referencedTypeIndex();
-  if (type < 0) {
+  if (ids_.exhausted()) {
+    memoryExhausted(field);
+  } else if (type < 0) {
     error(field, kUndefinedObject);
   } else if (expected >= 0 && expected != type) {
     error(field, kReferenceExpected, grammar_.pObjTypePool()->decode(expected));

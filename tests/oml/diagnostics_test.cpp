@@ -7,6 +7,7 @@
 #include "nq/core/message_table.h"
 #include "tests/support/fake_system.h"
 #include "tests/support/oml_reading.h"
+#include "tests/support/test_peer.h"
 
 namespace {
 
@@ -203,6 +204,33 @@ class Diagnostics : public testing::Test {
   EverythingGrammar grammar;
   CodeReader reader;
 };
+
+// No id is lost or taken for another when there is no memory for it.
+TEST_F(Diagnostics, TellWhereMemoryForIDsEnds) {
+  struct : TestReader {
+    int vReadProgress(nqInt64, nqInt64) override {
+      NQTestPeer::exhaustIDs(*this);
+      return 1;
+    }
+  } exhausted;
+  const struct {
+    const char* text;
+    const char* place;
+    bool binary;
+  } rows[] = {
+      {"graph a { }", "1:7", false},
+      {"graph 1 { link a,1 }", "1:16", false},
+      {"graph 1 { any 1,a }", "1:15", false},
+      {"graph 1 { any $a }", "1:15", false},
+      {"o\1Na\"", "1:3", true},
+  };
+  for (const auto& row : rows) {
+    system.files["f"] = row.text;
+    EXPECT_EQ(exhausted.read("f", grammar, row.binary), NQ_FILE_READ_ERROR);
+    EXPECT_EQ(exhausted.errors(),
+              std::string("Fatal error #012 (f:") + row.place + ") memory exhausted !\n");
+  }
+}
 
 TEST_F(Diagnostics, TellWhatIsWrongAndWhere) {
   for (const Row& row : kRows) {

@@ -13,6 +13,10 @@ class NQTestPeer {
   static const char* idText(const NQOMLFile& file, nqLong index) {
     return state(file).names->ids.text(index);
   }
+  // From now on there is no memory for the names of ids.
+  static void exhaustIDs(const NQOMLFile& file) {
+    state(file).names->ids.names_ = NQStringPool(0, 0, 1, 0);
+  }
 };
 
 #endif  // NQ_TESTS_SUPPORT_TEST_PEER_H
