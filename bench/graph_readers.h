@@ -1,5 +1,5 @@
 // graph_readers.h -- the graphs of scripts/generate_graph.py as an application
-// would keep them, and readers for the three formats.
+// would keep them, and readers for the formats in which they are compared.
 //
 // Each reader checks the file against its grammar or schema, makes the objects
 // and resolves the references, so that the times compare.
@@ -68,6 +68,10 @@ std::unique_ptr<Graph> readGraphXML(const std::string& path);  // SAX, with XSD
 #endif
 #if defined(NQ_BENCH_RAPIDJSON)
 std::unique_ptr<Graph> readGraphJSON(const std::string& path);  // DOM, with schema
+#endif
+#if defined(NQ_BENCH_PROTOBUF)
+std::unique_ptr<Graph> readGraphProtobuf(const std::string& path);
+bool writeGraphProtobuf(const Graph& graph, const std::string& path);
 #endif
 
 #endif  // NQ_BENCH_GRAPH_READERS_H

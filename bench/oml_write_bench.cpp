@@ -1,6 +1,6 @@
 // Writes graphs that an application holds as objects: OML in both encodings beside
 // JSON, with the same ids and values in the same order. The files in the two
-// encodings are then read, so that their times compare as well.
+// encodings are then read, beside protocol buffers, so that their times compare too.
 
 #include "graph_readers.h"
 
@@ -286,17 +286,44 @@ void write(benchmark::State& state, Write writeGraph, const char* ending) {
   }
 }
 
+// A file that is written for being read.
+struct Format {
+  const char* ending;
+  bool (*write)(const Example& source, const std::string& path);
+  std::unique_ptr<Graph> (*read)(const std::string& path);
+};
+
+const Format kText = {"read.oml",
+                      [](const Example& source, const std::string& path) {
+                        return writeText(source.items, path);
+                      },
+                      [](const std::string& path) { return readGraphOML(path, false); }};
+
+const Format kBinary = {"read.omb",
+                        [](const Example& source, const std::string& path) {
+                          return writeBinary(source.items, path);
+                        },
+                        [](const std::string& path) { return readGraphOML(path, true); }};
+
+#if defined(NQ_BENCH_PROTOBUF)
+const Format kProtobuf = {"pb",
+                          [](const Example& source, const std::string& path) {
+                            return writeGraphProtobuf(*source.graph, path);
+                          },
+                          readGraphProtobuf};
+#endif
+
 // What the text encoding keeps of a graph tells whether the file is right; the
 // binary one keeps eight digits of a real.
-void read(benchmark::State& state, bool binary) {
+void read(benchmark::State& state, const Format& format) {
   const Example& source = example(state.range(0));
-  const std::string path = written(state.range(0), binary ? "read.omb" : "read.oml");
-  if (source.graph == nullptr || !writeOML(source.items, path, binary, false)) {
+  const std::string path = written(state.range(0), format.ending);
+  if (source.graph == nullptr || !format.write(source, path)) {
     state.SkipWithError(("cannot write " + path).c_str());
     return;
   }
   for (auto _ : state) {
-    auto graph = readGraphOML(path, binary);
+    auto graph = format.read(path);
     if (graph == nullptr) {
       state.SkipWithError(("cannot read " + path).c_str());
       return;
@@ -324,7 +351,10 @@ BENCHMARK_CAPTURE(write, nq_binary, writeBinary, "omb")->Apply(sizes);
 #if defined(NQ_BENCH_RAPIDJSON)
 BENCHMARK_CAPTURE(write, rapidjson, writeJSON, "json")->Apply(sizes);
 #endif
-BENCHMARK_CAPTURE(read, nq_text, false)->Apply(sizes);
-BENCHMARK_CAPTURE(read, nq_binary, true)->Apply(sizes);
+BENCHMARK_CAPTURE(read, nq_text, kText)->Apply(sizes);
+BENCHMARK_CAPTURE(read, nq_binary, kBinary)->Apply(sizes);
+#if defined(NQ_BENCH_PROTOBUF)
+BENCHMARK_CAPTURE(read, protobuf, kProtobuf)->Apply(sizes);
+#endif
 
 }  // namespace
