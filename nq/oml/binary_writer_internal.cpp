@@ -1,6 +1,8 @@
 #include "nq/oml/binary_writer_internal.h"
 
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 
 #include "nq/core/string_pool.h"
 #include "nq/oml/bin_value.h"
@@ -12,7 +14,10 @@ namespace nqdetail {
 
 namespace {
 
+// Texts up to this length take one look at the room that is left.
+constexpr std::size_t kShortText = 32;
 constexpr std::size_t kPieceOfText = 4096;
+constexpr std::size_t kTextRoom = 2 + kShortText * kLongestEscape;
 
 // A real's mantissa has eight digits, or is 1e8.
 constexpr double kSmallestMantissa = 1e7;
@@ -34,7 +39,7 @@ nqLong enumeratorIndex(const ReadTables& tables, const char* name) {
   return tables.pGrammar->pEnumPool()->lookup(name);
 }
 
-char* putRecord(char* at, char letter, nqLong value) {
+inline char* putRecord(char* at, char letter, nqLong value) {
   const auto bits = static_cast<std::uint32_t>(value);
   if (bits <= 0xFF) {
     at[0] = shortForm(letter);
@@ -66,12 +71,18 @@ BinaryWriter::BinaryWriter(const WriteSettings& settings)
       fields_(kFieldRecord, fieldNameIndex),
       enumerators_(kEnumeratorRecord, enumeratorIndex) {}
 
-char* BinaryWriter::beginValue(const char* name, std::size_t count) {
+inline char* BinaryWriter::beginValue(const char* name, std::size_t count) {
   return fields_.put(output_.room(kRecordRoom + count), tables(), name);
 }
 
 void BinaryWriter::text(char* at, char marker, std::string_view text) {
   *at++ = marker;
+  if (text.size() <= kShortText) {
+    at = putEscaped(at, text, escapes_);
+    *at++ = kQuote;
+    output_.written(at);
+    return;
+  }
   output_.written(at);
   while (!text.empty()) {
     const std::string_view piece = text.substr(0, kPieceOfText);
@@ -86,7 +97,7 @@ void BinaryWriter::text(char* at, char marker, std::string_view text) {
 
 void BinaryWriter::objectStart(const char* type, std::string_view id, bool) {
   if (type == nullptr) return;
-  char* const at = objectTypes_.put(output_.room(kRecordRoom + 1), tables(), type);
+  char* const at = objectTypes_.put(output_.room(kRecordRoom + kTextRoom), tables(), type);
   if (id.empty()) {
     output_.written(at);
   } else {
@@ -139,14 +150,14 @@ void BinaryWriter::real(const char* name, double value) {
   // The established mantissa is cut off; rounded, a real of up to eight decimal digits
   // reads back as it was.
   if (lossless()) size = std::round(size);
-  const auto mantissa = static_cast<nqLong>(std::signbit(value) ? -size : size);
+  const auto mantissa = static_cast<nqLong>(std::copysign(size, value));
   char* at = beginValue(name, 2 * kRecordRoom);
   at = putRecord(at, kRealRecord, mantissa);
   output_.written(putRecord(at, kRealRecord, exponent));
 }
 
 void BinaryWriter::string(const char* name, std::string_view value) {
-  if (name != nullptr) text(beginValue(name, 1), kQuote, value);
+  if (name != nullptr) text(beginValue(name, kTextRoom), kQuote, value);
 }
 
 void BinaryWriter::ipAddress(const char* name, nqULong address) {
@@ -182,7 +193,7 @@ void BinaryWriter::sibling(const char* name, nqLong id) {
 void BinaryWriter::address(const char* name, std::string_view address) {
   const bool full = address.starts_with(kFullAddress);
   if (full) address.remove_prefix(1);
-  text(beginReference(name, 1), full ? kFullAddress : kObjectIDText, address);
+  text(beginReference(name, kTextRoom), full ? kFullAddress : kObjectIDText, address);
 }
 
 }  // namespace nqdetail

@@ -63,10 +63,16 @@ class BinaryWriter final : public Writer {
       // A call of the C library's function would cost more: names are short.
       bool isFor(const char* asked) const {
         const char* known = name;
-        for (; *known == *asked; ++known, ++asked) {
-          if (*known == '\0') return true;
+        for (;; known += 4, asked += 4) {
+          if (known[0] != asked[0]) return false;
+          if (known[0] == '\0') return true;
+          if (known[1] != asked[1]) return false;
+          if (known[1] == '\0') return true;
+          if (known[2] != asked[2]) return false;
+          if (known[2] == '\0') return true;
+          if (known[3] != asked[3]) return false;
+          if (known[3] == '\0') return true;
         }
-        return false;
       }
 
       const char* place = nullptr;

@@ -1,10 +1,10 @@
 #include "nq/oml/oml_object.h"
 
 #include <cstdint>
+#include <forward_list>
 #include <limits>
 #include <unordered_set>
 #include <utility>
-#include <vector>
 
 #include "nq/containers/dlist.h"
 #include "nq/containers/index_hash_table.h"
@@ -23,6 +23,13 @@ std::uint32_t writtenID(nqInt64 id) {
 
 }  // namespace
 
+// What a walk over parts keeps of an object that it has reached.
+struct NQOMLObject::Visit {
+  Walk& walk;
+  NQOMLObject* object;   // null once it is destroyed
+  bool entered = false;  // its own parts are or were being visited
+};
+
 // One call from outside of preFileWrite or postFileWrite, with all that come of it.
 // The hooks of an application may throw, and may destroy objects.
 class NQOMLObject::Walk {
@@ -31,28 +38,25 @@ class NQOMLObject::Walk {
   Walk(const Walk&) = delete;
   Walk& operator=(const Walk&) = delete;
   ~Walk() {
-    for (NQOMLObject* const object : objects_) {
-      if (object != nullptr) object->walk_ = nullptr;
+    for (const Visit& visit : visits_) {
+      if (visit.object != nullptr) visit.object->visit_ = nullptr;
     }
   }
 
   // Makes calls of the object part of this walk, unless another one has it.
   void reach(NQOMLObject& object) {
-    if (object.walk_ != nullptr) return;
-    object.walk_ = this;
-    object.walkEntered_ = false;
-    object.walkIndex_ = objects_.size();
-    objects_.push_back(&object);
+    if (object.visit_ != nullptr) return;
+    visits_.push_front({*this, &object});
+    object.visit_ = &visits_.front();
   }
   // Whether the parts of the object are still to be visited; asked once.
   bool enter(NQOMLObject& object) {
     reach(object);
-    return !std::exchange(object.walkEntered_, true);
+    return !std::exchange(object.visit_->entered, true);
   }
-  void leave(const NQOMLObject& object) { objects_[object.walkIndex_] = nullptr; }
 
  private:
-  std::vector<NQOMLObject*> objects_;  // null for those destroyed since
+  std::forward_list<Visit> visits_;
 };
 
 NQ_COPY_PROTOCOL_IMPL(NQOMLObject)
@@ -63,7 +67,7 @@ void NQOMLObject::init() {
 }
 
 NQOMLObject::~NQOMLObject() {
-  if (walk_ != nullptr) walk_->leave(*this);
+  if (visit_ != nullptr) visit_->object = nullptr;
 }
 
 nqInt64 NQOMLObject::graphFileID() const {
@@ -80,7 +84,7 @@ NQOMLObject* NQOMLObject::pOMLOwner() const {
 
 void NQOMLObject::preFileWrite(NQOMLFile* file) {
   Walk own;
-  Walk& walk = walk_ == nullptr ? own : *walk_;
+  Walk& walk = visit_ == nullptr ? own : visit_->walk;
   if (!walk.enter(*this)) return;
   NQIndexHashTable* const table = file == nullptr ? nullptr : file->pIndexHashTable();
   prepareIDForGraphFile(table);
@@ -96,7 +100,7 @@ void NQOMLObject::preFileWrite(NQOMLFile* file) {
 
 void NQOMLObject::postFileWrite(NQOMLFile* file, NQFileCodeEnum result) {
   Walk own;
-  Walk& walk = walk_ == nullptr ? own : *walk_;
+  Walk& walk = visit_ == nullptr ? own : visit_->walk;
   if (!walk.enter(*this)) return;
   finalizeIDForGraphFile(file, result);
   NQDList parts;

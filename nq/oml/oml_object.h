@@ -10,8 +10,6 @@
 #ifndef NQ_OML_OML_OBJECT_H
 #define NQ_OML_OML_OBJECT_H
 
-#include <cstddef>
-
 #include "nq/containers/list_sort.h"
 #include "nq/core/object_with_id.h"
 #include "nq/file/file_codes.h"
@@ -79,13 +77,12 @@ class NQ_EXPORT NQOMLObject : public NQObjectWithID {
 
  private:
   class Walk;
+  struct Visit;
 
   void copyFields(const NQOMLObject&) {}
 
   nqInt64 iUserField_ = 0;
-  Walk* walk_ = nullptr;       // the walk over parts that has reached the object
-  std::size_t walkIndex_ = 0;  // where it stands among what the walk has reached
-  bool walkEntered_ = false;   // whether its own parts are or were being visited
+  Visit* visit_ = nullptr;  // by the walk over parts that has reached the object
 };
 
 // Sorts lists of NQOMLObject by their numbers; null objects come first.

@@ -1,8 +1,8 @@
 #include "nq/oml/writer_internal.h"
 
-#include <cmath>
 #include <cstdint>
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "nq/containers/index_hash_table.h"
@@ -16,28 +16,28 @@ namespace nqdetail {
 
 void Output::makeRoom(std::size_t count) {
   flush();
-  if (count <= capacity_) return;
+  if (count <= free()) return;
   block_.reset(new char[count + 1]);
-  capacity_ = count;
+  at_ = block_.get();
+  end_ = at_ + count;
 }
 
 void Output::append(std::string_view bytes) {
   while (!bytes.empty()) {
-    if (used_ == capacity_) flush();
-    const std::string_view piece = bytes.substr(0, capacity_ - used_);
-    std::memcpy(block_.get() + used_, piece.data(), piece.size());
-    used_ += piece.size();
+    if (free() == 0) flush();
+    const std::string_view piece = bytes.substr(0, free());
+    std::memcpy(at_, piece.data(), piece.size());
+    at_ += piece.size();
     bytes.remove_prefix(piece.size());
   }
 }
 
 // The sink may throw, since an application may stand behind it.
 void Output::flush() {
-  if (sending_ || used_ == 0) return;
-  const std::size_t count = used_;
-  used_ = 0;
+  if (sending_ || at_ == block_.get()) return;
+  const auto count = static_cast<std::size_t>(at_ - block_.get());
+  *std::exchange(at_, block_.get()) = '\0';
   if (failed_) return;
-  block_[count] = '\0';
   struct Mark {
     explicit Mark(bool& flag) : flag_(flag) { flag_ = true; }
     Mark(const Mark&) = delete;
@@ -45,6 +45,7 @@ void Output::flush() {
     ~Mark() { flag_ = false; }
     bool& flag_;
   } const mark(sending_);
+  failed_ = true;  // also when the sink throws
   failed_ = !sink_.send(block_.get(), count);
 }
 
@@ -60,32 +61,39 @@ Writer::~Writer() = default;
 
 void Writer::object(const char* type, const NQOMLObject* object, bool singleLine) {
   if (type == nullptr) return;
-  address_.clear();
-  if (object != nullptr) {
-    appendID(*object);
-    if (settings_.numbers != nullptr) {
-      settings_.numbers->update(static_cast<nqInt64>(reinterpret_cast<std::intptr_t>(
-                                    static_cast<const NQObject*>(object))),
-                                idOf(*object));
-    }
+  if (object == nullptr) {
+    objectStart(type, {}, singleLine);
+    return;
   }
-  objectStart(type, address_, singleLine);
+  const nqLong id = writtenID(*object, object->graphFileID());
+  if (settings_.numbers != nullptr) {
+    settings_.numbers->update(static_cast<nqInt64>(reinterpret_cast<std::intptr_t>(
+                                  static_cast<const NQObject*>(object))),
+                              id);
+  }
+  char digits[kIntegerText];
+  objectStart(type, {digits, putInteger(digits, id)}, singleLine);
 }
 
 void Writer::reference(const char* name, const NQOMLObject* object,
                        const NQOMLObject* context, bool withName) {
-  if (object == nullptr || object->graphFileID() == 0 || (withName && name == nullptr)) {
-    return;
-  }
+  if (object == nullptr || (withName && name == nullptr)) return;
+  const nqInt64 id = object->graphFileID();
+  if (id == 0) return;
   if (!withName) name = nullptr;
   if (context != nullptr && context->pOMLOwner() == object->pOMLOwner()) {
-    sibling(name, idOf(*object));
-    return;
+    sibling(name, writtenID(*object, id));
+  } else {
+    collectAddress(*object);
+    address(name, address_);
   }
-  // The owners up to the top. Where they stand in a circle, one of them comes again
-  // that was noted at the last power of two.
-  std::vector<const NQOMLObject*> owners = {object};
-  const NQOMLObject* noted = object;
+}
+
+// The owners up to the top. Where they stand in a circle, one of them comes again
+// that was noted at the last power of two.
+void Writer::collectAddress(const NQOMLObject& object) {
+  std::vector<const NQOMLObject*> owners = {&object};
+  const NQOMLObject* noted = &object;
   std::size_t next = 2;
   while (owners.back() != settings_.top) {
     const NQOMLObject* const owner = owners.back()->pOMLOwner();
@@ -99,26 +107,15 @@ void Writer::reference(const char* name, const NQOMLObject* object,
   address_ = kFullAddress;
   for (auto owner = owners.rbegin(); owner != owners.rend(); ++owner) {
     if (owner != owners.rbegin()) address_ += kScopeSeparator;
-    appendID(**owner);
+    char digits[kIntegerText];
+    address_.append(digits,
+                    putInteger(digits, writtenID(**owner, (*owner)->graphFileID())));
   }
-  address(name, address_);
 }
 
-double Writer::finite(double value) {
-  if (std::isfinite(value)) return value;
-  spoiled_ = true;
-  return 0;
-}
-
-nqLong Writer::idOf(const NQOMLObject& object) {
-  if (!lossless()) return static_cast<nqLong>(object.graphFileID());
-  return lossless_.try_emplace(&object, static_cast<nqLong>(lossless_.size()) + 1)
+nqLong Writer::numberOf(const NQOMLObject& object) {
+  return numbers_.try_emplace(&object, static_cast<nqLong>(numbers_.size()) + 1)
       .first->second;
-}
-
-void Writer::appendID(const NQOMLObject& object) {
-  char digits[kIntegerText];
-  address_.append(digits, putInteger(digits, idOf(object)));
 }
 
 }  // namespace nqdetail

@@ -11,6 +11,7 @@
 #ifndef NQ_OML_WRITER_INTERNAL_H
 #define NQ_OML_WRITER_INTERNAL_H
 
+#include <cmath>
 #include <cstddef>
 #include <memory>
 #include <string>
@@ -39,15 +40,19 @@ class OutputSink {
 // Gathers the output of one write.
 class Output {
  public:
-  explicit Output(OutputSink& sink) : sink_(sink), block_(new char[kBlock + 1]) {}
+  explicit Output(OutputSink& sink)
+      : sink_(sink),
+        block_(new char[kBlock + 1]),
+        at_(block_.get()),
+        end_(block_.get() + kBlock) {}
 
   // A place for up to `count` bytes; what is put there counts once written() tells
   // its end.
   char* room(std::size_t count) {
-    if (count > capacity_ - used_) makeRoom(count);
-    return block_.get() + used_;
+    if (count > free()) makeRoom(count);
+    return at_;
   }
-  void written(const char* end) { used_ = static_cast<std::size_t>(end - block_.get()); }
+  void written(char* end) { at_ = end; }
 
   void append(std::string_view bytes);
   // Sends what is gathered.
@@ -60,14 +65,15 @@ class Output {
 
  private:
   // Large enough for the file to pass it on without gathering it once more.
-  static constexpr std::size_t kBlock = std::size_t{1} << 17;
+  static constexpr std::size_t kBlock = std::size_t{1} << 18;
 
+  std::size_t free() const { return static_cast<std::size_t>(end_ - at_); }
   void makeRoom(std::size_t count);
 
   OutputSink& sink_;
-  std::unique_ptr<char[]> block_;  // one byte longer than capacity_
-  std::size_t capacity_ = kBlock;
-  std::size_t used_ = 0;
+  std::unique_ptr<char[]> block_;
+  char* at_;   // where the next byte goes
+  char* end_;  // of what may be filled; one more byte follows
   bool failed_ = false;
   bool sending_ = false;
 };
@@ -123,18 +129,28 @@ class Writer {
   const ReadTables& tables() const { return settings_.tables; }
   bool lossless() const { return settings_.lossless; }
   // 0 for a number that is not finite, which spoils the write.
-  double finite(double value);
+  double finite(double value) {
+    if (std::isfinite(value)) return value;
+    spoiled_ = true;
+    return 0;
+  }
 
   Output output_;
 
  private:
-  nqLong idOf(const NQOMLObject& object);
-  void appendID(const NQOMLObject& object);
+  // What stands in the file for an object with that graphFileID().
+  nqLong writtenID(const NQOMLObject& object, nqInt64 id) {
+    return lossless() ? numberOf(object) : static_cast<nqLong>(id);
+  }
+  // The number of its first mention.
+  nqLong numberOf(const NQOMLObject& object);
+  // Puts the address from the top together.
+  void collectAddress(const NQOMLObject& object);
 
   WriteSettings settings_;
   bool spoiled_ = false;
-  std::unordered_map<const NQOMLObject*, nqLong> lossless_;  // ids given so far
-  std::string address_;                                      // being put together
+  std::unordered_map<const NQOMLObject*, nqLong> numbers_;  // given so far
+  std::string address_;                                     // being put together
 };
 
 }  // namespace nqdetail
