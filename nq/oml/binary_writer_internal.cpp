@@ -53,26 +53,28 @@ inline char* putRecord(char* at, char letter, nqLong value) {
 
 }  // namespace
 
-// A name that is too long to be kept is looked up each time.
-void BinaryWriter::NameCache::fill(Entry& entry, const ReadTables& tables,
-                                   const char* name) {
+// A name that is too long to be kept is looked up each time, and so is an unknown
+// one, which the hook may yet add to the grammar.
+void BinaryWriter::NameCache::fill(Entry& entry, const char* name) {
   const std::size_t length = std::strlen(name);
-  entry.place = length < sizeof entry.name ? name : nullptr;
+  const nqLong index = lookup_(tables_, name);
+  entry.place = index >= 0 && length < sizeof entry.name ? name : nullptr;
   if (entry.place != nullptr) std::memcpy(entry.name, name, length + 1);
-  entry.length = static_cast<std::uint64_t>(
-      putRecord(entry.record, letter_, lookup_(tables, name)) - entry.record);
+  entry.length =
+      static_cast<std::uint64_t>(putRecord(entry.record, letter_, index) - entry.record);
 }
 
 BinaryWriter::BinaryWriter(const WriteSettings& settings)
     : Writer(settings),
       escapes_(settings.lossless ? kLosslessEscapes : kDoubledEscapes),
-      objectTypes_(kObjectTypeRecord, objectTypeIndex),
-      sections_(kSectionRecord, sectionNameIndex),
-      fields_(kFieldRecord, fieldNameIndex),
-      enumerators_(kEnumeratorRecord, enumeratorIndex) {}
+      rounding_(settings.lossless ? 0.5 : 0),
+      objectTypes_(settings.tables, kObjectTypeRecord, objectTypeIndex),
+      sections_(settings.tables, kSectionRecord, sectionNameIndex),
+      fields_(settings.tables, kFieldRecord, fieldNameIndex),
+      enumerators_(settings.tables, kEnumeratorRecord, enumeratorIndex) {}
 
 inline char* BinaryWriter::beginValue(const char* name, std::size_t count) {
-  return fields_.put(output_.room(kRecordRoom + count), tables(), name);
+  return fields_.put(output_.room(kRecordRoom + count), name);
 }
 
 void BinaryWriter::text(char* at, char marker, std::string_view text) {
@@ -97,7 +99,7 @@ void BinaryWriter::text(char* at, char marker, std::string_view text) {
 
 void BinaryWriter::objectStart(const char* type, std::string_view id, bool) {
   if (type == nullptr) return;
-  char* const at = objectTypes_.put(output_.room(kRecordRoom + kTextRoom), tables(), type);
+  char* const at = objectTypes_.put(output_.room(kRecordRoom + kTextRoom), type);
   if (id.empty()) {
     output_.written(at);
   } else {
@@ -111,7 +113,7 @@ void BinaryWriter::defaultsStart(const char* type) {
 
 void BinaryWriter::sectionStart(const char* section, bool) {
   if (section == nullptr) return;
-  output_.written(sections_.put(output_.room(kRecordRoom), tables(), section));
+  output_.written(sections_.put(output_.room(kRecordRoom), section));
 }
 
 void BinaryWriter::openingBracket() {
@@ -128,7 +130,7 @@ void BinaryWriter::closingBracket() {
 
 void BinaryWriter::word(const char* name, const char* word) {
   if (name == nullptr || word == nullptr) return;
-  output_.written(enumerators_.put(beginValue(name, kRecordRoom), tables(), word));
+  output_.written(enumerators_.put(beginValue(name, kRecordRoom), word));
 }
 
 void BinaryWriter::integer(const char* name, nqLong value) {
@@ -137,21 +139,20 @@ void BinaryWriter::integer(const char* name, nqLong value) {
 }
 
 // The steps are multiplications and divisions by ten, one after the other, which
-// decides about the last digit.
+// decides about the last digit. The established mantissa is cut off; rounded, a real of
+// up to eight decimal digits reads back as it was.
 void BinaryWriter::real(const char* name, double value) {
   value = finite(value);
   if (name == nullptr) return;
+  char* at = beginValue(name, 2 * kRecordRoom);
   double size = std::fabs(value);
   nqLong exponent = 0;
   if (size != 0) {
     for (; size < kSmallestMantissa; --exponent) size *= 10;
     for (; size > kLargestMantissa; ++exponent) size /= 10;
   }
-  // The established mantissa is cut off; rounded, a real of up to eight decimal digits
-  // reads back as it was.
-  if (lossless()) size = std::round(size);
+  size += rounding_;
   const auto mantissa = static_cast<nqLong>(std::copysign(size, value));
-  char* at = beginValue(name, 2 * kRecordRoom);
   at = putRecord(at, kRealRecord, mantissa);
   output_.written(putRecord(at, kRealRecord, exponent));
 }

@@ -9,7 +9,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <vector>
 
 #include "nq/oml/escapes_internal.h"
 #include "nq/oml/writer_internal.h"
@@ -44,14 +43,14 @@ class BinaryWriter final : public Writer {
   class NameCache {
    public:
     using Lookup = nqLong (*)(const ReadTables& tables, const char* name);
-    NameCache(char letter, Lookup lookup)
-        : letter_(letter), lookup_(lookup), entries_(kEntries) {}
+    NameCache(const ReadTables& tables, char letter, Lookup lookup)
+        : tables_(tables), letter_(letter), lookup_(lookup) {}
 
     // Writes the record of a name; there is room for kRecordRoom bytes.
-    char* put(char* at, const ReadTables& tables, const char* name) {
+    char* put(char* at, const char* name) {
       const auto place = reinterpret_cast<std::uintptr_t>(name);
       Entry& entry = entries_[(place ^ place >> 8) % kEntries];
-      if (entry.place != name || !entry.isFor(name)) fill(entry, tables, name);
+      if (entry.place != name || !entry.isFor(name)) fill(entry, name);
       std::memcpy(at, entry.record, sizeof entry.record);
       return at + entry.length;
     }
@@ -63,16 +62,10 @@ class BinaryWriter final : public Writer {
       // A call of the C library's function would cost more: names are short.
       bool isFor(const char* asked) const {
         const char* known = name;
-        for (;; known += 4, asked += 4) {
-          if (known[0] != asked[0]) return false;
-          if (known[0] == '\0') return true;
-          if (known[1] != asked[1]) return false;
-          if (known[1] == '\0') return true;
-          if (known[2] != asked[2]) return false;
-          if (known[2] == '\0') return true;
-          if (known[3] != asked[3]) return false;
-          if (known[3] == '\0') return true;
+        for (; *known == *asked; ++known, ++asked) {
+          if (*known == '\0') return true;
         }
+        return false;
       }
 
       const char* place = nullptr;
@@ -81,11 +74,12 @@ class BinaryWriter final : public Writer {
       char name[40] = "";
     };
 
-    void fill(Entry& entry, const ReadTables& tables, const char* name);
+    [[gnu::noinline]] void fill(Entry& entry, const char* name);
 
+    const ReadTables& tables_;
     char letter_;
     Lookup lookup_;
-    std::vector<Entry> entries_;
+    Entry entries_[kEntries];
   };
 
   // A place with room for `count` bytes behind the record of the name.
@@ -95,6 +89,7 @@ class BinaryWriter final : public Writer {
   void text(char* at, char marker, std::string_view text);
 
   const EscapeTable& escapes_;
+  const double rounding_;  // added to the mantissa of a real before it is cut off
   NameCache objectTypes_;
   NameCache sections_;
   NameCache fields_;

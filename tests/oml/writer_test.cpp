@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstring>
 #include <functional>
 #include <limits>
 #include <random>
@@ -391,6 +392,9 @@ TEST_F(Writing, WritesWithoutLossWhenAskedTo) {
   EXPECT_EQ(written(script),
             "s: \"\\\"\\\\\\n\\001\\1777\\177\x80\"\r\nr: 1.0\r\nr: 0.1\r\nr: -1e+300\r\n"
             "to: 1\r\nnode: 2\r\nnode: 1\r\n");
+  // A real whose mantissa is 56999999.99... in the binary encoding.
+  const auto real = [](TestWriter& file) { file.writeAttribute("r", 0.57); };
+  EXPECT_EQ(written(real, true), "f\x08R\x03\x65\xc0\x40R\xff\xff\xff\xf8"s);
   const std::string binary = written(script, true);
   EXPECT_EQ(binary.substr(0, 27), "f\x09\"\\\"\\\\\\n\\001\\1777\\177\x80\"f\x08"s + "R");
   EXPECT_EQ(binary.substr(binary.size() - 15), "f\x0eN1\"o\2N2\"o\2N1\"");
@@ -541,6 +545,22 @@ TEST_F(Writing, LetsTheHookUseTheFile) {
   catcher.script = [](TestWriter& file) { file.writeAttribute("x", 2); };
   EXPECT_EQ(catcher.writeOMLFile("f", &grammar, nullptr, 0, 0, 0), NQ_FILE_OK);
   EXPECT_EQ(catcher.caught, "x: 2\r\n");
+
+  // What an override throws is not forgotten when the hook catches it.
+  struct Thrower : TestWriter {
+    int calls = 0;
+    NQFileCodeEnum writeString(const char* text) override {
+      if (++calls == 1) throw std::runtime_error("out of the override");
+      return TestWriter::writeString(text);
+    }
+  } thrower;
+  thrower.script = [](TestWriter& file) {
+    file.writeAttribute("x", 2);
+    EXPECT_THROW(file.flush(), std::runtime_error);
+    file.writeAttribute("x", 3);
+  };
+  EXPECT_EQ(thrower.writeOMLFile("f", &grammar, nullptr, 0, 0, 0), NQ_FILE_WRITE_ERROR);
+  EXPECT_EQ(thrower.storedOnDisk(), 0);
 }
 
 TEST_F(Writing, KeepsTheNumbersOfObjects) {
@@ -576,6 +596,30 @@ TEST_F(Writing, KeepsTheNumbersOfObjects) {
   ASSERT_EQ(write(script, false, &top, 1), NQ_FILE_OK);
   EXPECT_EQ(system.files["f"], second);
   EXPECT_EQ(a.graphFileID(), 0);
+}
+
+// A name is known by its text, wherever that stands.
+TEST_F(Writing, FindsNamesInBuffersThatAreUsedAgain) {
+  const auto script = [this](TestWriter& file) {
+    char name[64] = "x";
+    file.writeAttribute(name, 1);
+    for (const char* const next : {"r", "xx", "x", "", "x"}) {
+      std::strcpy(name, next);
+      file.writeAttribute(name, 2);
+    }
+    std::memset(name, 'n', 60);
+    file.writeAttribute(name, 3);
+    EXPECT_GE(grammar.installFieldID(name), 0);
+    file.writeAttribute(name, 4);
+    name[59] = '\0';
+    file.writeAttribute(name, 5);
+  };
+  const std::string binary = written(script, true);
+  const std::string unknown = "F\xff\xff\xff\xff"s;
+  const std::string known = {
+      'f', static_cast<char>(grammar.pFieldPool()->lookup(std::string(60, 'n').c_str()))};
+  EXPECT_EQ(binary, "f\7i\1f\x08i\2" + unknown + "i\2f\7i\2" + unknown + "i\2f\7i\2" +
+                        unknown + "i\3" + known + "i\4" + unknown + "i\5");
 }
 
 // --- Round trips
