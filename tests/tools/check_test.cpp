@@ -1,6 +1,11 @@
 #include "tools/nqoml/check.h"
 
+#include "nq/file/file.h"
 #include "tests/tools/tool_test.h"
+
+#include <chrono>
+#include <string_view>
+#include <thread>
 
 namespace nqoml {
 namespace {
@@ -75,6 +80,57 @@ TEST_F(Check, IncludesStayBelowTheCheckedFile) {
     EXPECT_EQ(out_.find("--allow-includes") != std::string::npos, row.code != kClean);
     options_.allowIncludes = true;
     EXPECT_EQ(run(), kClean) << row.name << "\n" << out_;
+  }
+}
+
+TEST_F(Check, TellsWhyAFileIsNotIncluded) {
+  const std::string outer = write("inner/outer.oml", "graph g { include \"main.oml\"; }");
+  const struct {
+    std::string name;
+    std::string hint;
+  } rows[] = {
+      {"missing.oml", "`" + pathOf("inner/missing.oml") + "' does not exist"},
+      {"folder", "`" + pathOf("inner/folder") + "' is a directory"},
+      {"main.oml", "a file cannot include itself, over whatever detour"},
+      {"outer.oml", "a file cannot include itself, over whatever detour"},
+      {"../inner/./outer.oml", "a file cannot include itself, over whatever detour"},
+      {std::string(300, 'x'), "too many files are included, or too many within each "},
+  };
+  fs::create_directories(folder_ / "inner" / "folder");
+  options_.files = {outer};
+  for (const auto& row : rows) {
+    write("inner/twice.oml", "node a");
+    write("inner/main.oml",
+          "include \"twice.oml\"; include \"twice.oml\"; include \"" + row.name + "\";");
+    EXPECT_EQ(run(), kErrorsFound) << row.name;
+    EXPECT_NE(out_.find("hint: " + row.hint), std::string::npos) << out_;
+  }
+  // Standard input has the current directory only.
+  options_.allowIncludes = true;
+  options_.files = {"-"};
+  EXPECT_EQ(run("graph g { include \"missing.oml\"; }"), kErrorsFound);
+  EXPECT_NE(out_.find("hint: `missing.oml' does not exist"), std::string::npos) << out_;
+}
+
+// Files that another program has open are waited for, but not for long.
+TEST_F(Check, WaitsForFilesInUse) {
+  options_.files = {write("main.oml", "graph g { directed true include \"part.oml\"; }")};
+  write("part.oml", "node a");
+  for (const char* name : {"main.oml", "part.oml"}) {
+    NQFile other;
+    ASSERT_EQ(other.open(pathOf(name).c_str(), NQ_READ), NQ_FILE_OK);
+    const bool isMain = std::string_view(name) == "main.oml";
+    EXPECT_EQ(run(), isMain ? kTrouble : kErrorsFound);
+    EXPECT_NE((isMain ? err_ : out_).find("is in use by another program"),
+              std::string::npos)
+        << out_ << err_;
+    std::thread closing([&other] {
+      std::this_thread::sleep_for(std::chrono::milliseconds(50));
+      (void)other.close();
+    });
+    EXPECT_EQ(run(), kClean) << out_ << err_;
+    closing.join();
+    EXPECT_EQ(out_, "1 file checked: no errors\n");
   }
 }
 

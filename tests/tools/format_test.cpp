@@ -149,7 +149,7 @@ TEST_F(FormatTest, ReplacesFilesOnlyWhenTheyAreComplete) {
   EXPECT_EQ(out_, "");
   EXPECT_NE(err_.find("b.oml:1:1) this bracket is not closed"), std::string::npos)
       << err_;
-  EXPECT_NE(err_.find("missing': cannot be read"), std::string::npos) << err_;
+  EXPECT_NE(err_.find("missing': does not exist"), std::string::npos) << err_;
   EXPECT_NE(err_.find("inner': is a directory"), std::string::npos) << err_;
   EXPECT_EQ(content("a.oml"), "a: 1\r\n");
   EXPECT_EQ(content("b.oml"), "{");

@@ -48,11 +48,10 @@ int runCheck(const CheckOptions& options, std::istream& in, std::ostream& out,
     showTrouble(err, report.file, report.trouble);
   };
   show(grammar.report);
-  if (!grammar.report.trouble.empty()) return kTrouble;
 
   int exitCode = kClean;
   if (!grammar.usable()) {
-    err << "nqoml: nothing was checked, as the grammar file has errors\n";
+    err << "nqoml: nothing was checked without a grammar\n";
     exitCode = kTrouble;
   } else {
     for (const std::string& file : options.files) {
@@ -66,8 +65,9 @@ int runCheck(const CheckOptions& options, std::istream& in, std::ostream& out,
     }
   }
   if (options.format == Format::kJson) {
-    if (!grammar.report.diagnostics.empty())
+    if (!grammar.usable() || !grammar.report.diagnostics.empty()) {
       reports.insert(reports.begin(), grammar.report);
+    }
     renderJson(out, reports);
   }
   return exitCode;

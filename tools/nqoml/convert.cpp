@@ -40,8 +40,8 @@ class Converter {
     }
     if (!output.commit()) return trouble(options_.output, output.trouble());
     if (rounded_ > 0) {
-      err_ << "nqoml: `" << input.shownAs
-           << "': real numbers rounded to eight digits: " << rounded_ << '\n';
+      showTrouble(err_, input.shownAs,
+                  "real numbers rounded to eight digits: " + std::to_string(rounded_));
     }
     return kClean;
   }

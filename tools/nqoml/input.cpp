@@ -1,20 +1,24 @@
 #include "tools/nqoml/input.h"
 
+#include "nq/file/file.h"
 #include "tools/nqoml/source.h"
 
+#include <unistd.h>
+#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <istream>
-#include <iterator>
 #include <system_error>
 #include <utility>
 
 namespace nqoml {
 
+namespace fs = std::filesystem;
+
 namespace {
 
-constexpr std::size_t kLargest = std::size_t{1} << 30;  // bytes held in memory
 constexpr std::size_t kStart = 16;
+constexpr char kUnreadable[] = "cannot be read";
 
 std::string shownName(const std::string& name) {
   return name == "-" ? "<stdin>" : name;
@@ -45,17 +49,16 @@ void copyContent(Input& input, std::string content) {
 }  // namespace
 
 Input openInput(const std::string& name, std::istream& in) {
-  namespace fs = std::filesystem;
   Input input;
   input.shownAs = shownName(name);
-  input.directory = name == "-" ? "." : directoryOf(name);
   std::error_code code;
-  if (name != "-" && fs::is_regular_file(name, code)) {
+  if (name != "-" && name.size() < NQFile::kNameSize && fs::is_regular_file(name, code)) {
     std::ifstream file(name, std::ios::binary);
     char bytes[kStart];
     file.read(bytes, sizeof bytes);
     input.start.assign(bytes, static_cast<std::size_t>(file.gcount()));
     input.path = name;
+    input.directory = directoryOf(name);
     return input;
   }
   Content content = readContent(name, in);
@@ -64,23 +67,39 @@ Input openInput(const std::string& name, std::istream& in) {
   return input;
 }
 
-Content readContent(const std::string& name, std::istream& in) {
-  namespace fs = std::filesystem;
+Content readContent(const std::string& name, std::istream& in, std::size_t limit) {
   Content content;
   content.shownAs = shownName(name);
   std::error_code code;
-  if (name == "-") {
-    content.bytes.assign(std::istreambuf_iterator<char>(in), {});
-  } else if (fs::is_directory(name, code)) {
-    content.trouble = "is a directory";
-  } else if (fs::is_regular_file(name, code) && fs::file_size(name, code) > kLargest) {
-    content.trouble = "is larger than 1 GiB";
-  } else if (auto bytes = readFile(name, kLargest)) {
-    content.bytes = *std::move(bytes);
-  } else {
-    content.trouble = "cannot be read";
+  std::ifstream file;
+  if (name != "-") file.open(name, std::ios::binary);
+  if (name != "-" && (!file.is_open() || fs::is_directory(name, code))) {
+    content.trouble = whyClosed(name);
+    return content;
+  }
+  const bool isLarge =
+      fs::is_regular_file(name, code) && fs::file_size(name, code) > limit;
+  std::istream& source = name == "-" ? in : file;
+  if (!isLarge) content.bytes = readStream(source, limit);
+  if (isLarge || content.bytes.size() > limit) {
+    content.trouble = "is larger than " + std::to_string(limit >> 20) + " MiB";
+  } else if (source.bad() || !source.eof()) {
+    content.trouble = kUnreadable;
   }
   return content;
+}
+
+bool isInUse(const std::string& path) {
+  std::error_code code;
+  return fs::is_regular_file(path, code) && path.size() < NQFile::kNameSize &&
+         access(path.c_str(), R_OK) == 0;
+}
+
+std::string whyClosed(const std::string& path) {
+  std::error_code code;
+  if (!fs::exists(path, code)) return "does not exist";
+  if (fs::is_directory(path, code)) return "is a directory";
+  return isInUse(path) ? "is in use by another program" : kUnreadable;
 }
 
 bool isSurelyBinary(std::string_view content) {

@@ -5,6 +5,7 @@
 
 #include "tools/nqoml/terminal.h"
 
+#include <cstddef>
 #include <iosfwd>
 #include <optional>
 #include <string>
@@ -12,28 +13,37 @@
 
 namespace nqoml {
 
-// The library reads regular files only: what comes from elsewhere is copied.
+// The library reads regular files only, and no long names: what it cannot read where
+// it is, is copied.
 struct Input {
   std::string shownAs;                 // in messages: the name as given, or "<stdin>"
   std::string path;                    // what the library is to open; "" with trouble
-  std::string directory;               // where the file's includes are looked for
+  std::string directory;               // that includes are restricted to
   std::string start;                   // its first bytes
   std::string trouble;                 // why it cannot be read; "" when it can
   std::optional<std::string> content;  // of a file that was copied
   std::optional<TemporaryFile> copy;
 };
 
-// The file of that name; "-" is `in`.
+// Regular files that are read in their place are not opened yet.
 Input openInput(const std::string& name, std::istream& in);
 
 // A whole file, for commands that work on its bytes; "-" is `in`.
 struct Content {
   std::string shownAs;
   std::string bytes;
-  std::string trouble;  // why they are not there; "" when they are
+  std::string trouble;  // why they are not to be used; "" when they are
 };
 
-Content readContent(const std::string& name, std::istream& in);
+Content readContent(const std::string& name, std::istream& in,
+                    std::size_t limit = std::size_t{1} << 30);
+
+// Whether the file at `path`, which the library could not open, is there to be read,
+// so that somebody else must have it open.
+bool isInUse(const std::string& path);
+
+// Why the file at `path` could not be opened: "does not exist", ...
+std::string whyClosed(const std::string& path);
 
 // True when `content` can only be the binary encoding: it begins with a record
 // that no text begins with. A binary file may begin otherwise, so false decides

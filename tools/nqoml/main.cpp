@@ -8,6 +8,7 @@
 #include "tools/nqoml/options.h"
 #include "tools/nqoml/terminal.h"
 
+#include <exception>
 #include <iostream>
 
 namespace {
@@ -35,10 +36,17 @@ struct Runner {
 
 int main(int argc, char** argv) {
   nqoml::prepareStreams();
+  nqoml::cleanUpOnSignals();
   std::ios::sync_with_stdio(false);
   int exitCode = nqoml::kClean;
-  const auto command = nqoml::parseOptions(argc, argv, std::cout, std::cerr, exitCode);
-  if (command) exitCode = std::visit(Runner{}, *command);
-  std::cout.flush();
-  return std::cout ? exitCode : nqoml::kTrouble;
+  try {
+    const auto command = nqoml::parseOptions(argc, argv, std::cout, std::cerr, exitCode);
+    if (command) exitCode = std::visit(Runner{}, *command);
+    std::cout.flush();
+    if (std::cout || exitCode == nqoml::kTrouble) return exitCode;
+    std::cerr << "nqoml: standard output cannot be written\n";
+  } catch (const std::exception& error) {  // no memory left, above all
+    std::cerr << "nqoml: " << error.what() << '\n';
+  }
+  return nqoml::kTrouble;
 }

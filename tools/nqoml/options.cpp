@@ -163,8 +163,11 @@ std::optional<Command> parseOptions(int argc, const char* const* argv, std::ostr
     // The command's own help, when one was named.
     const auto commands = failed->get_subcommands();
     const std::string name = commands.empty() ? "" : commands.front()->get_name() + " ";
-    return std::string("nqoml: ") + error.what() + "\nnqoml " + name +
-           "--help tells more\n";
+    const auto unknown = failed->remaining();
+    const std::string what = commands.empty() && !unknown.empty()
+                                 ? "there is no command " + unknown.front()
+                                 : error.what();
+    return "nqoml: " + what + "\nnqoml " + name + "--help tells more\n";
   });
 
   CheckOptions check;

@@ -9,8 +9,22 @@ namespace nqoml {
 
 namespace fs = std::filesystem;
 
+namespace {
+
+// Where the links from `path` on lead, whether a file is there or not.
+std::string followLinks(fs::path path) {
+  constexpr int kMostLinks = 40;
+  std::error_code code;
+  for (int i = 0; i < kMostLinks && fs::is_symlink(path, code); ++i) {
+    path = path.parent_path() / fs::read_symlink(path, code);
+  }
+  return path.string();
+}
+
+}  // namespace
+
 Output::Output(const std::string& target, std::ostream& out)
-    : target_(target), out_(out) {
+    : target_(followLinks(target)), out_(out) {
   std::error_code code;
   const fs::file_status status = fs::status(target, code);
   if (target == "-") {
@@ -19,12 +33,12 @@ Output::Output(const std::string& target, std::ostream& out)
     trouble_ = "is a directory";
     return;
   } else if (status.type() == fs::file_type::regular) {
-    if ((status.permissions() & fs::perms::owner_write) == fs::perms::none) {
+    const bool isProtected =
+        (status.permissions() & fs::perms::owner_write) == fs::perms::none;
+    if (isProtected || !std::ofstream(target, std::ios::app)) {
       trouble_ = "is protected from writing";
       return;
     }
-    target_ = fs::canonical(target, code).string();
-    if (code) target_ = target;
   } else if (status.type() != fs::file_type::not_found) {
     kind_ = Target::kDevice;
   }

@@ -1,11 +1,11 @@
 #include "tools/nqoml/progress.h"
 
 #include "tools/nqoml/terminal.h"
+#include "tools/nqoml/text.h"
 
 #include <algorithm>
 #include <boost/timer/progress_display.hpp>
 #include <ostream>
-#include <utility>
 
 namespace nqoml {
 
@@ -21,9 +21,10 @@ struct Progress::Bar {
   boost::timer::progress_display display;
 };
 
-Progress::Progress(std::ostream& out, When when, std::string label, std::int64_t least)
+Progress::Progress(std::ostream& out, When when, const std::string& label,
+                   std::int64_t least)
     : out_(out),
-      label_(std::move(label)),
+      label_(printable(label)),
       least_(when == When::kAlways ? 1 : least),
       shown_(when == When::kAlways || (when == When::kAuto && errorsShowProgress())) {}
 

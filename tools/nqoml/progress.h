@@ -16,7 +16,7 @@ class Progress {
  public:
   // Draws on `out`, which is borrowed. By itself (kAuto) a bar appears when
   // standard error is a terminal and `least` steps or more are ahead.
-  Progress(std::ostream& out, When when, std::string label,
+  Progress(std::ostream& out, When when, const std::string& label,
            std::int64_t least = std::int64_t{8} << 20);
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;

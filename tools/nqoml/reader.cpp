@@ -1,17 +1,26 @@
 #include "tools/nqoml/reader.h"
 
+#include "tools/nqoml/input.h"
 #include "tools/nqoml/progress.h"
 
+#include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 namespace nqoml {
 
+namespace fs = std::filesystem;
+
 namespace {
 
 constexpr int kCannotOpen = 13;
+// With files in use by others.
+constexpr std::chrono::milliseconds kPatience{1000};
+constexpr std::chrono::milliseconds kPause{10};
 
 }  // namespace
 
@@ -22,30 +31,69 @@ CheckingReader::CheckingReader(std::string path, std::string shownAs,
       includeRoot_(std::move(includeRoot)) {}
 
 NQFileCodeEnum CheckingReader::read(NQOMLStatic* grammar, bool binary) {
-  root_ = nullptr;
-  const NQFileCodeEnum result =
-      readOMLFile(path_.c_str(), grammar, nullptr, -1, binary ? 1 : 0, 0, 0);
-  takeMessage();
-  return result;
+  using Clock = std::chrono::steady_clock;
+  const Clock::time_point end = Clock::now() + kPatience;
+  for (;;) {
+    diagnostics_.clear();
+    root_ = nullptr;
+    open_ = {path_};
+    inUse_ = false;
+    const NQFileCodeEnum result =
+        readOMLFile(path_.c_str(), grammar, nullptr, -1, binary ? 1 : 0, 0, 0);
+    takeMessage();
+    if (!inUse_ || Clock::now() > end) return result;
+    // No file is open meanwhile, so that nobody waits for us.
+    std::this_thread::sleep_for(kPause);
+  }
+}
+
+bool CheckingReader::mayInclude(const std::string& path) const {
+  if (includeRoot_.empty()) return true;
+  try {
+    const fs::path root = fs::canonical(includeRoot_);
+    const fs::path file = fs::weakly_canonical(path);
+    const auto [rootEnd, rest] =
+        std::mismatch(root.begin(), root.end(), file.begin(), file.end());
+    return rootEnd == root.end() && rest != file.end();
+  } catch (const std::exception&) {
+    return false;  // a name that the system cannot make sense of
+  }
 }
 
 int CheckingReader::vIncludeFile(const char* fileName) {
-  if (includeRoot_.empty()) return 1;
-  namespace fs = std::filesystem;
-  try {
-    const fs::path root = fs::canonical(includeRoot_);
-    const fs::path file = fs::weakly_canonical(fileName);
-    const auto [rootEnd, rest] =
-        std::mismatch(root.begin(), root.end(), file.begin(), file.end());
-    if (rootEnd == root.end() && rest != file.end()) {
-      refused_.clear();
-      return 1;
-    }
-  } catch (const std::exception&) {
-    // A name that the system cannot make sense of.
+  const std::string including = pFileNameString();
+  // Beside a copy stands nothing that belongs to it.
+  if (including == path_ && path_ != shownAs_ &&
+      fs::path(path_).parent_path() / open_.back() == fileName) {
+    return 0;
   }
-  refused_ = fileName;
-  return 0;
+  while (open_.size() > 1 && open_.back() != including) open_.pop_back();
+  open_.emplace_back(fileName);
+  return mayInclude(fileName) ? 1 : 0;
+}
+
+// What keeps a file from being included. `message` ends with its name.
+std::string CheckingReader::whyNotIncluded(const std::string& message) {
+  const std::string& path = open_.back();
+  const std::size_t quote = message.find('`');
+  const std::string name = message.substr(quote + 1, message.size() - quote - 2);
+  if (open_.size() == 1 || !path.ends_with(name)) {
+    return "too many files are included, or too many within each other, or the name is "
+           "too long";
+  }
+  if (!mayInclude(path)) {
+    return "only files in the directory of the checked file, and below it, are included; "
+           "--allow-includes lifts this";
+  }
+  const auto isSame = [&path](const std::string& other) {
+    std::error_code code;
+    return fs::equivalent(path, other, code);
+  };
+  if (std::any_of(open_.begin(), open_.end() - 1, isSame)) {
+    return "a file cannot include itself, over whatever detour";
+  }
+  inUse_ = isInUse(path);
+  return "`" + path + "' " + whyClosed(path);
 }
 
 int CheckingReader::vReadProgress(nqInt64 bytesRead, nqInt64 bytesTotal) {
@@ -105,12 +153,10 @@ void CheckingReader::collect(Severity severity, const char* file, nqLong line, i
   diagnostic.code = code;
   diagnostic.place = {shown(file), line, column};
   diagnostic.text = text;
-  if (code == kCannotOpen && !refused_.empty()) {
-    diagnostic.notes.push_back(
-        {"only files in the directory of the checked file, and below it, are included; "
-         "--allow-includes lifts this",
-         {}});
-    refused_.clear();
+  if (code == kCannotOpen && diagnostic.place.known()) {
+    diagnostic.notes.push_back({whyNotIncluded(diagnostic.text), {}});
+  } else if (code == kCannotOpen) {
+    inUse_ = isInUse(path_);
   }
   diagnostics_.push_back(std::move(diagnostic));
 }

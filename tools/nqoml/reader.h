@@ -25,7 +25,8 @@ class CheckingReader : public NQOMLFile {
   CheckingReader(std::string path, std::string shownAs, std::string includeRoot);
 
   // Reads the file; afterwards the diagnostics stand in the order in which they
-  // were reported.
+  // were reported. While one of the files is in use by another program, for a second
+  // at most, it is tried again.
   NQFileCodeEnum read(NQOMLStatic* grammar, bool binary);
   void execute() override;
   std::vector<Diagnostic>& diagnostics() { return diagnostics_; }
@@ -52,6 +53,8 @@ class CheckingReader : public NQOMLFile {
 
  private:
   const char* shown(const char* file) const;
+  bool mayInclude(const std::string& path) const;
+  std::string whyNotIncluded(const std::string& message);
   void collect(Severity severity, const char* file, nqLong line, int column, int code,
                const char* text);
   void takeMessage();
@@ -64,7 +67,10 @@ class CheckingReader : public NQOMLFile {
   NQOMLSyntaxObject* root_ = nullptr;  // of the read under way
   NQObject object_;                    // stands for every object of the file
   std::vector<Diagnostic> diagnostics_;
-  std::string refused_;  // the include that was refused last
+  // From path_ on, each included by the one before it; the last may be one that was
+  // only tried.
+  std::vector<std::string> open_;
+  bool inUse_ = false;  // somebody else has a file open that was to be read
 };
 
 }  // namespace nqoml

@@ -2,7 +2,9 @@
 
 #include "tools/nqoml/advice.h"
 #include "tools/nqoml/source.h"
+#include "tools/nqoml/text.h"
 
+#include <istream>
 #include <ostream>
 #include <utility>
 
@@ -24,12 +26,13 @@ bool isReadError(const Report& report) {
 LoadedGrammar loadGrammar(const std::string& path) {
   LoadedGrammar loaded;
   loaded.report.file = path;
-  const auto text = readFile(path, kLargestGrammar);
-  if (!text) {
-    loaded.report.trouble = "the grammar file cannot be read";
+  std::istream none(nullptr);
+  const Content content = readContent(path, none, kLargestGrammar);
+  if (!content.trouble.empty()) {
+    loaded.report.trouble = "the grammar file " + content.trouble;
     return loaded;
   }
-  loaded.file = parseGrammar(path, *text);
+  loaded.file = parseGrammar(path, content.bytes);
   loaded.report.diagnostics = std::move(loaded.file.problems);
   return loaded;
 }
@@ -51,7 +54,7 @@ Report readReport(CheckingReader& reader, const Input& input, const ReadOptions&
   report.diagnostics = std::move(reader.diagnostics());
   if (result == NQ_FILE_OPEN_ERROR && report.diagnostics.size() == 1 &&
       !report.diagnostics[0].place.known()) {
-    report.trouble = report.diagnostics[0].text;
+    report.trouble = whyClosed(input.path);
     report.diagnostics.clear();
     return report;
   }
@@ -74,7 +77,9 @@ bool showGrammar(std::ostream& err, const LoadedGrammar& grammar, bool color) {
 }
 
 void showTrouble(std::ostream& err, const std::string& file, const std::string& trouble) {
-  if (!trouble.empty()) err << "nqoml: `" << file << "': " << trouble << '\n';
+  if (!trouble.empty()) {
+    err << "nqoml: `" << printable(file) << "': " << printable(trouble) << '\n';
+  }
 }
 
 }  // namespace nqoml

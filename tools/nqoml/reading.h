@@ -24,6 +24,7 @@ struct LoadedGrammar {
   bool usable() const { return report.trouble.empty() && !file.hasErrors(); }
 };
 
+// Only a file with a name: "-" cannot be read.
 LoadedGrammar loadGrammar(const std::string& path);
 
 // Reads `input`, which has no trouble, with a reader made for it.

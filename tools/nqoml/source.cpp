@@ -56,16 +56,20 @@ void appendShown(std::string& out, std::string_view bytes) {
 
 }  // namespace
 
-std::optional<std::string> readFile(const std::string& path, std::size_t limit) {
-  std::ifstream file(path, std::ios::binary);
-  if (!file) return std::nullopt;
+std::string readStream(std::istream& in, std::size_t limit) {
   std::string text;
   char piece[65536];
-  while (file.read(piece, sizeof piece) || file.gcount() > 0) {
-    text.append(piece, static_cast<std::size_t>(file.gcount()));
-    if (text.size() > limit) return std::nullopt;
+  while (text.size() <= limit && (in.read(piece, sizeof piece) || in.gcount() > 0)) {
+    text.append(piece, static_cast<std::size_t>(in.gcount()));
   }
-  if (file.bad() || !file.eof()) return std::nullopt;
+  return text;
+}
+
+std::optional<std::string> readFile(const std::string& path, std::size_t limit) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file.is_open()) return std::nullopt;
+  std::string text = readStream(file, limit);
+  if (file.bad() || !file.eof() || text.size() > limit) return std::nullopt;
   return text;
 }
 

@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <iosfwd>
 #include <map>
 #include <memory>
 #include <optional>
@@ -15,6 +16,10 @@
 #include <vector>
 
 namespace nqoml {
+
+// The bytes that are left in `in`; of more than `limit` some more than those. Whether
+// they came to an end is in the state of `in`.
+std::string readStream(std::istream& in, std::size_t limit);
 
 // A file's bytes, or nothing when they cannot be read or are more than
 // `limit` bytes.

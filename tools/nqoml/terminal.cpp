@@ -12,12 +12,24 @@
 #include <io.h>
 #include <windows.h>
 #else
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <array>
+#include <atomic>
 #include <csignal>
 #endif
 
 namespace nqoml {
+
+namespace {
+
+bool wantsNoColors() {
+  const char* const wish = std::getenv("NO_COLOR");
+  return wish != nullptr && *wish != '\0';
+}
+
+}  // namespace
 
 #if defined(_WIN32)
 
@@ -26,10 +38,15 @@ void prepareStreams() {
   (void)_setmode(_fileno(stdout), _O_BINARY);
 }
 
+void cleanUpOnSignals() {}
+
 namespace {
 
+void remember(const char*) {}
+void forget(const char*) {}
+
 bool showsColors(DWORD stream) {
-  if (std::getenv("NO_COLOR") != nullptr) return false;
+  if (wantsNoColors()) return false;
   constexpr DWORD kEscapeSequences = 0x0004;  // ENABLE_VIRTUAL_TERMINAL_PROCESSING
   const HANDLE console = GetStdHandle(stream);
   DWORD mode = 0;
@@ -81,10 +98,58 @@ std::optional<TemporaryFile> TemporaryFile::make(const std::string& content) {
 #else
 
 void prepareStreams() {
-  (void)std::signal(SIGPIPE, SIG_IGN);
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (fcntl(stream, F_GETFD) >= 0) continue;
+    // The lowest number is given first, so this opens `stream` itself: the wrong way
+    // round, for its use must still fail.
+    (void)open("/dev/null", stream == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+  }
 }
 
 namespace {
+
+// The names of the temporary files there are; more than these are never needed.
+std::array<std::atomic<const char*>, 4> temporaryFiles;
+
+constexpr int kEnding[] = {SIGHUP, SIGINT, SIGPIPE, SIGTERM};
+
+void remember(const char* path) {
+  for (auto& entry : temporaryFiles) {
+    const char* none = nullptr;
+    if (entry.compare_exchange_strong(none, path)) return;
+  }
+}
+
+void forget(const char* path) {
+  for (auto& entry : temporaryFiles) {
+    const char* known = path;
+    if (entry.compare_exchange_strong(known, nullptr)) return;
+  }
+}
+
+// Holds signals back while a file exists whose name is not remembered.
+class SignalsWait {
+ public:
+  SignalsWait() {
+    sigset_t ending;
+    sigemptyset(&ending);
+    for (const int signal : kEnding) sigaddset(&ending, signal);
+    pthread_sigmask(SIG_BLOCK, &ending, &before_);
+  }
+  SignalsWait(const SignalsWait&) = delete;
+  SignalsWait& operator=(const SignalsWait&) = delete;
+  ~SignalsWait() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+ private:
+  sigset_t before_;
+};
+
+extern "C" void removeFilesAndEnd(int signal) {
+  for (const auto& entry : temporaryFiles) {
+    if (const char* const path = entry.load()) (void)unlink(path);
+  }
+  (void)raise(signal);  // ends the program on return, as the signal does by default
+}
 
 bool isCapable(int stream) {
   const char* terminal = std::getenv("TERM");
@@ -93,12 +158,24 @@ bool isCapable(int stream) {
 
 }  // namespace
 
+void cleanUpOnSignals() {
+  for (const int signal : kEnding) {
+    struct sigaction action;
+    if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler == SIG_IGN)
+      continue;
+    action.sa_handler = removeFilesAndEnd;
+    action.sa_flags = static_cast<int>(SA_RESETHAND);
+    sigemptyset(&action.sa_mask);
+    (void)sigaction(signal, &action, nullptr);
+  }
+}
+
 bool outputShowsColors() {
-  return std::getenv("NO_COLOR") == nullptr && isCapable(STDOUT_FILENO);
+  return !wantsNoColors() && isCapable(STDOUT_FILENO);
 }
 
 bool errorsShowColors() {
-  return std::getenv("NO_COLOR") == nullptr && isCapable(STDERR_FILENO);
+  return !wantsNoColors() && isCapable(STDERR_FILENO);
 }
 
 bool errorsShowProgress() {
@@ -107,13 +184,17 @@ bool errorsShowProgress() {
 
 std::optional<TemporaryFile> TemporaryFile::makeBeside(const std::string& path) {
   std::string name = path + ".XXXXXX";
+  const SignalsWait wait;
   const int handle = mkstemp(name.data());
   if (handle < 0) return std::nullopt;
   TemporaryFile result(std::move(name));
   struct stat status;
   mode_t mode = 0;
   if (stat(path.c_str(), &status) == 0) {
-    mode = status.st_mode & 07777;
+    // Whoever may not give the file away may still be in its group.
+    const bool grouped = fchown(handle, static_cast<uid_t>(-1), status.st_gid) == 0;
+    const bool owned = fchown(handle, status.st_uid, static_cast<gid_t>(-1)) == 0;
+    mode = status.st_mode & (grouped && owned ? 07777 : 0777);
   } else {
     mode = umask(0);
     (void)umask(mode);
@@ -129,9 +210,14 @@ std::optional<TemporaryFile> TemporaryFile::make(const std::string& content) {
   std::string name =
       (std::filesystem::temp_directory_path(code) / "nqoml-XXXXXX").string();
   if (code) return std::nullopt;
-  const int handle = mkstemp(name.data());
-  if (handle < 0) return std::nullopt;
-  TemporaryFile result(std::move(name));
+  std::optional<TemporaryFile> result;
+  int handle = -1;
+  {
+    const SignalsWait wait;
+    handle = mkstemp(name.data());
+    if (handle < 0) return std::nullopt;
+    result = TemporaryFile(std::move(name));
+  }
   std::size_t written = 0;
   while (written < content.size()) {
     const ssize_t count =
@@ -145,26 +231,23 @@ std::optional<TemporaryFile> TemporaryFile::make(const std::string& content) {
 
 #endif
 
+TemporaryFile::TemporaryFile(std::string path) : path_(new std::string(std::move(path))) {
+  remember(path_->c_str());
+}
+
 bool TemporaryFile::replace(const std::string& path) {
   std::error_code code;
-  std::filesystem::rename(path_, path, code);
+  std::filesystem::rename(*path_, path, code);
   if (code) return false;
-  path_.clear();
+  forget(path_->c_str());
+  delete path_.release();
   return true;
 }
 
-TemporaryFile::TemporaryFile(std::string path) : path_(std::move(path)) {}
-
-TemporaryFile::TemporaryFile(TemporaryFile&& other) noexcept
-    : path_(std::exchange(other.path_, {})) {}
-
-TemporaryFile& TemporaryFile::operator=(TemporaryFile&& other) noexcept {
-  std::swap(path_, other.path_);
-  return *this;
-}
-
-TemporaryFile::~TemporaryFile() {
-  if (!path_.empty()) (void)std::remove(path_.c_str());
+void TemporaryFile::Remover::operator()(const std::string* path) const {
+  (void)std::remove(path->c_str());
+  forget(path->c_str());
+  delete path;
 }
 
 }  // namespace nqoml
