@@ -3,6 +3,9 @@
 #include "tests/tools/tool_test.h"
 #include "tools/nqoml/convert.h"
 
+#include <iterator>
+#include <map>
+
 namespace nqoml {
 namespace {
 
@@ -25,26 +28,29 @@ TEST(Dump, Rows) {
        "00000007  enumerator 0 `true'\n",
        0},
       {{"p\1P\xc0\0\2\1r\1r\2", 11},
-       "00000000  address 0.0.0.1\n00000002  address 192.0.2.1\n00000007  real 1e2\n",
+       "00000000  IP address 0.0.0.1\n00000002  IP address 192.0.2.1\n00000007  real "
+       "1e2\n",
        0},
       {{"\"a\\\"b\"$,a\"", 10},
        "00000000  string \"a\\\"b\"\n00000006  address from the top \",a\"\n",
        0},
       {{"Xi\2ab", 5}, "00000000  binary value of 2 bytes: 61 62\n", 0},
       // Damaged places, and what follows them.
-      {{"zz}I\0\0{", 7},
+      {{"zz}n\0x{", 7},
        "00000000  -- 2 bytes that are no record: 7a 7a\n00000002  }\n"
-       "00000003  -- 3 bytes that are no record: 49 00 00\n00000006  {\n",
+       "00000003  -- 3 bytes that are no record: 6e 00 78\n00000006  {\n",
        2},
-      {{"r\1i\1", 4},
-       "00000000  -- 2 bytes that are no record: 72 01\n00000002  integer 1\n",
+      {{"{I\0\0}", 5},
+       "00000000  {\n00000001    integer -- the file ends within it\n",
        1},
+      {{"r}i\1", 4}, "00000000  real 125 -- has no exponent\n00000002  integer 1\n", 1},
+      {{"X}", 2}, "00000000  binary value -- has no length\n00000001  }\n", 1},
       {{"Xi\5ab{", 6},
        "00000000  binary value of 5 bytes -- only 3 are there\n"
        "00000003  -- 2 bytes that are no record: 61 62\n00000005  {\n",
        2},
-      {{"XI\xff\xff\xff\xff", 6},
-       "00000000  -- 1 byte that is no record: 58\n00000001  integer -1\n",
+      {{"XI\xff\xff\xff\xff{", 7},
+       "00000000  binary value of -1 bytes -- no such length\n00000006  {\n",
        1},
       {{"{\"a\\", 4}, "00000000  {\n00000001    string \"a\\\" -- has no end\n", 1},
   };
@@ -52,6 +58,39 @@ TEST(Dump, Rows) {
     std::ostringstream out;
     EXPECT_EQ(dumpRecords(out, row.bytes, &grammar.file), row.damages) << out.str();
     EXPECT_EQ(out.str(), row.lines);
+  }
+}
+
+// Every kind of record, cut off anywhere: what is whole is shown as before, and then
+// where the file breaks off.
+TEST(Dump, EndsWhereTheFileDoes) {
+  using namespace std::string_literals;
+  const std::string whole =
+      "O\0\0\0\1o\1F\0\0\0\7f\7S\0\0\0\1s\1E\0\0\0\1e\1"
+      "I\0\0\0\3i\3P\x7f\0\0\1p\1R\0\0\0\1r\2r\1R\0\0\0\2"
+      "XI\0\0\0\2abXi\1aXi\0\"a\\\"b\"\"\"N1\"$,a\"{[(<>)]}"s;
+  std::ostringstream all;
+  ASSERT_EQ(dumpRecords(all, whole, nullptr), 0) << all.str();
+  const std::string lines = all.str();
+  std::map<std::size_t, std::size_t> records;  // where each begins: and its line
+  for (std::size_t at = 0; at < lines.size(); at = lines.find('\n', at) + 1) {
+    records[std::stoul(lines.substr(at, 8), nullptr, 16)] = at;
+  }
+  EXPECT_EQ(records.size(), 29U) << lines;
+  records[whole.size()] = lines.size();
+  for (std::size_t length = 0; length < whole.size(); ++length) {
+    const auto next = records.lower_bound(length);
+    const bool isWhole = next->first == length;
+    const std::size_t end = isWhole ? next->second : std::prev(next)->second;
+    std::ostringstream out;
+    const long damages = dumpRecords(out, whole.substr(0, length), nullptr);
+    ASSERT_EQ(damages == 0, isWhole) << length << "\n" << out.str();
+    ASSERT_EQ(out.str().substr(0, end), lines.substr(0, end)) << length;
+    const std::string rest = out.str().substr(end);
+    ASSERT_EQ(rest.empty(), isWhole) << length << "\n" << rest;
+    if (isWhole) continue;
+    EXPECT_EQ(rest.substr(0, 8), lines.substr(end, 8)) << length << "\n" << rest;
+    EXPECT_NE(rest.find(" -- "), std::string::npos) << rest;
   }
 }
 

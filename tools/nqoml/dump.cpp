@@ -35,7 +35,7 @@ constexpr RecordKind kRecordKinds[] = {
     {'F', "field", &NQOMLStatic::pFieldPool},
     {'I', "integer", nullptr},
     {'O', "object type", &NQOMLStatic::pObjTypePool},
-    {'P', "address", nullptr},
+    {'P', "IP address", nullptr},
     {'R', "real", nullptr},
     {'S', "section", &NQOMLStatic::pSectionPool},
 };
@@ -86,7 +86,7 @@ class Dumper {
     } else if (letter == '$') {
       text(start, "address from the top");
     } else if (letter == 'X') {
-      return binaryValue(start);
+      binaryValue(start);
     } else {
       at_ = start;
       return number();
@@ -94,7 +94,7 @@ class Dumper {
     return true;
   }
 
-  // The number of a record of one of `letters`, in its long or short form.
+  // The number of a record of `letter`, in its long or short form, if there is one.
   std::optional<std::int32_t> readNumber(char letter) {
     if (at_ == bytes_.size() || upper(bytes_[at_]) != letter) return std::nullopt;
     const std::size_t length = bytes_[at_] == letter ? 4 : 1;
@@ -107,15 +107,24 @@ class Dumper {
     return static_cast<std::int32_t>(value);
   }
 
+  // Ends a line with what is wrong with its record.
+  void damaged(const std::string& how) {
+    out_ << " -- " << how << '\n';
+    ++damages_;
+  }
+
   bool number() {
     const std::size_t start = at_;
     const RecordKind* const kind = kindOf(upper(bytes_[at_]));
     if (kind == nullptr) return false;
     const auto value = readNumber(kind->letter);
-    if (!value) return false;
-    if (kind->letter == 'R') return real(start, *value);
-
-    std::ostream& out = line(start) << kind->text << ' ';
+    std::ostream& out = line(start) << kind->text;
+    if (!value) {
+      at_ = bytes_.size();
+      damaged("the file ends within it");
+      return true;
+    }
+    out << ' ';
     if (kind->letter == 'P') {
       const auto address = static_cast<std::uint32_t>(*value);
       out << (address >> 24) << '.' << (address >> 16 & 255) << '.'
@@ -124,6 +133,14 @@ class Dumper {
       out << *value;
     }
     if (kind->names != nullptr) name(kind->names, *value);
+    if (kind->letter == 'R') {
+      const auto exponent = readNumber('R');
+      if (!exponent) {
+        damaged("has no exponent");
+        return true;
+      }
+      out << 'e' << *exponent;
+    }
     out << '\n';
     return true;
   }
@@ -136,14 +153,6 @@ class Dumper {
     } else {
       out_ << " `" << grammar_->names.spelling(pool.decode(index)) << '\'';
     }
-  }
-
-  // A mantissa is followed by an exponent.
-  bool real(std::size_t start, std::int32_t mantissa) {
-    const auto exponent = readNumber('R');
-    if (!exponent) return false;
-    line(start) << "real " << mantissa << "e" << *exponent << '\n';
-    return true;
   }
 
   // A text and its closing quotation mark; without one it reaches to the end, as
@@ -165,30 +174,29 @@ class Dumper {
     line(start) << kind << " \"" << printable(bytes_.substr(begin, length))
                 << (cut ? "\"..." : "\"");
     if (cut) out_ << " (" << end - begin << " bytes)";
-    if (!closed) {
-      out_ << " -- has no end";
-      ++damages_;
+    if (closed) {
+      out_ << '\n';
+    } else {
+      damaged("has no end");
     }
-    out_ << '\n';
   }
 
-  bool binaryValue(std::size_t start) {
+  void binaryValue(std::size_t start) {
+    std::ostream& out = line(start) << "binary value";
     const auto length = readNumber('I');
-    if (!length || *length < 0) return false;
+    if (!length) return damaged("has no length");
+    out << " of " << *length << " bytes";
+    if (*length < 0) return damaged("no such length");
     const auto wanted = static_cast<std::size_t>(*length);
-    const std::size_t there = std::min(wanted, bytes_.size() - at_);
-    std::ostream& out = line(start) << "binary value of " << wanted << " bytes";
+    const std::size_t there = bytes_.size() - at_;
     if (there < wanted) {
       // A length that cannot be true says nothing about what follows it.
-      out << " -- only " << there << " are there\n";
-      ++damages_;
-      return true;
+      return damaged("only " + std::to_string(there) + " are there");
     }
     if (wanted > 0) out << ':';
-    hex(bytes_.substr(at_, there));
+    hex(bytes_.substr(at_, wanted));
     out << '\n';
-    at_ += there;
-    return true;
+    at_ += wanted;
   }
 
   void hex(std::string_view bytes) {
