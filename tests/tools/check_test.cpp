@@ -106,8 +106,11 @@ TEST_F(Check, TellsWhyAFileIsNotIncluded) {
     EXPECT_NE(out_.find("hint: " + row.hint), std::string::npos) << out_;
   }
   // Standard input has the current directory only.
-  options_.allowIncludes = true;
   options_.files = {"-"};
+  EXPECT_EQ(run("graph g { include \"" + fs::path(outer).generic_string() + "\"; }"),
+            kErrorsFound);
+  EXPECT_NE(out_.find("--allow-includes lifts this"), std::string::npos) << out_;
+  options_.allowIncludes = true;
   EXPECT_EQ(run("graph g { include \"missing.oml\"; }"), kErrorsFound);
   EXPECT_NE(out_.find("hint: `missing.oml' does not exist"), std::string::npos) << out_;
 }

@@ -57,6 +57,15 @@ TEST(Layout, Rows) {
     EXPECT_EQ(layOut(layout.text, 2).text, row.layout) << row.text;
   }
   EXPECT_EQ(layOut("a {\nb }", 0).text, "a {\n\tb }\n");
+  // However deep brackets nest, the text stays in proportion.
+  constexpr std::size_t kMany = 100000;
+  std::string deep;
+  for (std::size_t i = 0; i < kMany; ++i) deep += "{\n";
+  for (std::size_t i = 0; i < kMany; ++i) deep += "}\n";
+  const Layout layout = layOut(deep, 2);
+  EXPECT_EQ(layout.trouble, "");
+  EXPECT_LT(layout.text.size(), 100 * deep.size());
+  EXPECT_EQ(layOut(layout.text, 2).text, layout.text);
 }
 
 TEST(Layout, RefusesWhatCannotBeKept) {

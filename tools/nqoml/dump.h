@@ -13,7 +13,7 @@ namespace nqoml {
 struct GrammarFile;
 
 // Shows the file on `out`; what kept the tool from it goes to `err`. Returns an
-// ExitCode: kErrorsFound when a part of the file is no record.
+// ExitCode: kErrorsFound when a part of the file is no whole record.
 int runDump(const DumpOptions& options, std::istream& in, std::ostream& out,
             std::ostream& err);
 

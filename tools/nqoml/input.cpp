@@ -4,7 +4,6 @@
 #include "tools/nqoml/source.h"
 
 #include <unistd.h>
-#include <cstdint>
 #include <filesystem>
 #include <fstream>
 #include <istream>
@@ -97,8 +96,9 @@ bool isInUse(const std::string& path) {
 
 std::string whyClosed(const std::string& path) {
   std::error_code code;
-  if (!fs::exists(path, code)) return "does not exist";
-  if (fs::is_directory(path, code)) return "is a directory";
+  const fs::file_type type = fs::status(path, code).type();
+  if (type == fs::file_type::not_found) return "does not exist";
+  if (type == fs::file_type::directory) return "is a directory";
   return isInUse(path) ? "is in use by another program" : kUnreadable;
 }
 

@@ -18,7 +18,7 @@ namespace nqoml {
 struct Input {
   std::string shownAs;                 // in messages: the name as given, or "<stdin>"
   std::string path;                    // what the library is to open; "" with trouble
-  std::string directory;               // that includes are restricted to
+  std::string directory = ".";         // that includes are restricted to; never ""
   std::string start;                   // its first bytes
   std::string trouble;                 // why it cannot be read; "" when it can
   std::optional<std::string> content;  // of a file that was copied

@@ -11,6 +11,8 @@ namespace nqoml {
 
 namespace {
 
+// Levels that are indented, so that blanks are not many times what stands on lines.
+constexpr std::size_t kDeepest = 64;
 constexpr std::string_view kOpening = "({[<";
 constexpr std::string_view kClosing = ")}]>";
 
@@ -384,7 +386,7 @@ class Layouter {
         break;
       }
     }
-    for (; depth > 0; --depth) result_.text += indent_;
+    for (depth = std::min(depth, kDeepest); depth > 0; --depth) result_.text += indent_;
   }
 
   std::string separator(Kind kind) const {

@@ -1,6 +1,7 @@
 // layout.h -- the canonical layout of a file in the text encoding.
 //
-// What stands on a line stays on it. Each line is indented by its open brackets.
+// What stands on a line stays on it. Each line is indented by its open brackets, up to
+// 64 of them.
 // Between two tokens stands one blank, or two where there were more; none before ":"
 // and ";" and in an empty pair of brackets; two or more before a comment that ends a
 // line. Of several empty lines one is left, of those at the beginning and the end

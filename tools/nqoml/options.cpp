@@ -132,8 +132,8 @@ void addDump(CLI::App& app, DumpOptions& options) {
       *app.add_subcommand("dump", "Shows a binary file record by record.");
   command.footer(
       "Damaged places are shown as such, and the rest after them. Answers 0 when every\n"
-      "byte belongs to a record, 1 when some do not, and 2 when the file or the grammar\n"
-      "cannot be read.");
+      "byte belongs to a whole record, 1 when some do not, and 2 when the file or the\n"
+      "grammar cannot be read.");
   command.add_option("-g,--grammar", options.grammar, "shows the names of indices")
       ->type_name("FILE");
   command.add_option("file", options.file, "the file to show; - is standard input")
