@@ -88,22 +88,35 @@ class StdTree {
 
 enum class Keys { kRandom, kAscending };
 
-// The objects in the order of insertion, and shuffled.
-struct Objects {
-  std::vector<std::unique_ptr<NQInt>> owned;
-  std::vector<NQObject*> inserted;
-  std::vector<NQObject*> shuffled;
-
-  Objects(Keys keys, std::size_t count) {
-    std::mt19937 random(1);
-    for (std::size_t i = 0; i < count; ++i) {
-      owned.push_back(std::make_unique<NQInt>(
-          keys == Keys::kRandom ? static_cast<int>(random() >> 1) : static_cast<int>(i)));
-      inserted.push_back(owned.back().get());
-    }
-    shuffled = inserted;
-    std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(2));
+// The objects in the order of insertion, and shuffled. Keys and orders are new for
+// each turn: a processor learns how comparisons of the same few turn out.
+class Objects {
+ public:
+  Objects(Keys keys, std::size_t count) : keys_(keys), owned_(count) {
+    for (NQInt& object : owned_) inserted_.push_back(&object);
+    shuffled_ = inserted_;
+    renewKeys();
+    shuffle();
   }
+
+  const std::vector<NQObject*>& inserted() const { return inserted_; }
+  const std::vector<NQObject*>& shuffled() const { return shuffled_; }
+
+  void renewKeys() {
+    int ascending = 0;
+    for (NQInt& object : owned_) {
+      object.value(keys_ == Keys::kRandom ? static_cast<int>(random_() >> 1)
+                                          : ascending++);
+    }
+  }
+  void shuffle() { std::shuffle(shuffled_.begin(), shuffled_.end(), random_); }
+
+ private:
+  Keys keys_;
+  std::mt19937 random_{1};
+  std::vector<NQInt> owned_;
+  std::vector<NQObject*> inserted_;
+  std::vector<NQObject*> shuffled_;
 };
 
 const Comparison* comparison() {
@@ -117,40 +130,46 @@ const Comparison* comparison() {
 template <class Tree>
 std::unique_ptr<Tree> treeOf(const Objects& objects) {
   auto tree = std::make_unique<Tree>(comparison());
-  for (NQObject* const object : objects.inserted) tree->insert(object);
+  for (NQObject* const object : objects.inserted()) tree->insert(object);
   return tree;
 }
 
 template <class Tree>
 void insert(benchmark::State& state, Keys keys) {
-  const Objects objects(keys, static_cast<std::size_t>(state.range(0)));
+  Objects objects(keys, static_cast<std::size_t>(state.range(0)));
   for (auto _ : state) {
     auto tree = treeOf<Tree>(objects);
     state.PauseTiming();
     tree.reset();
+    objects.renewKeys();
     state.ResumeTiming();
   }
 }
 
 template <class Tree>
 void search(benchmark::State& state, Keys keys) {
-  const Objects objects(keys, static_cast<std::size_t>(state.range(0)));
+  Objects objects(keys, static_cast<std::size_t>(state.range(0)));
   const auto tree = treeOf<Tree>(objects);
   for (auto _ : state) {
-    for (NQObject* const object : objects.shuffled) {
+    for (NQObject* const object : objects.shuffled()) {
       benchmark::DoNotOptimize(tree->contains(object));
     }
+    state.PauseTiming();
+    objects.shuffle();
+    state.ResumeTiming();
   }
 }
 
 template <class Tree>
 void searchAndRemove(benchmark::State& state, Keys keys) {
-  const Objects objects(keys, static_cast<std::size_t>(state.range(0)));
+  Objects objects(keys, static_cast<std::size_t>(state.range(0)));
   for (auto _ : state) {
     state.PauseTiming();
+    objects.renewKeys();
+    objects.shuffle();
     auto tree = treeOf<Tree>(objects);
     state.ResumeTiming();
-    for (NQObject* const object : objects.shuffled) tree->remove(object);
+    for (NQObject* const object : objects.shuffled()) tree->remove(object);
   }
 }
 
