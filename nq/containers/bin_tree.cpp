@@ -81,13 +81,13 @@ int NQBinTree::compare(const NQBinTreeCell* a, const NQBinTreeCell* b) const {
   int order = 0;
   while (order == 0 && (climbA->pParent_ != nullptr || climbB->pParent_ != nullptr)) {
     if (NQBinTreeCell* const parent = climbA->pParent_) {
-      if (parent->visited() != 0) order = parent->pLeft_ == climbA ? -1 : 1;
+      if (parent->visited() != 0) order = parent->pLeft() == climbA ? -1 : 1;
       parent->visited(1);
       climbA = parent;
     }
     NQBinTreeCell* const parent = climbB->pParent_;
     if (order == 0 && parent != nullptr) {
-      if (parent->visited() != 0) order = parent->pRight_ == climbB ? -1 : 1;
+      if (parent->visited() != 0) order = parent->pRight() == climbB ? -1 : 1;
       parent->visited(1);
       climbB = parent;
     }
@@ -106,29 +106,31 @@ int NQBinTree::compare(const NQBinTreeCell* a, const NQBinTreeCell* b) const {
 NQBinTreeCell* NQBinTree::insertCell(NQBinTreeCell* after, NQBinTreeCell* cell) {
   if (cell == nullptr) return nullptr;
   if (length() == 0) {
-    attach(nullptr, pRoot_, nullptr, cell);
+    attach(nullptr, kLeft, cell);
   } else if (after == nullptr) {
-    NQBinTreeCell* const first = pFirstCell();
-    attach(first, first->pLeft_, after, cell);
-  } else if (isReal(after->pRight_)) {
-    NQBinTreeCell* const next = after->pNextCell();
-    attach(next, next->pLeft_, after, cell);
+    attach(pFirstCell(), kLeft, cell);
+  } else if (isReal(after->pRight())) {
+    attach(after->pNextCell(), kLeft, cell);
   } else {
-    attach(after, after->pRight_, after, cell);
+    attach(after, kRight, cell);
   }
   return cell;
 }
 
-// Puts the cell into `place`, a child of `parent` that is missing, and after
-// `after` in the list, where that place is.
-void NQBinTree::attach(NQBinTreeCell* parent, NQBinTreeCell*& place, NQBinTreeCell* after,
-                       NQBinTreeCell* cell) {
-  place = cell;
-  cell->pLeft_ = cell->pRight_ = &sentinel_;
+// Makes the cell the child that `parent`, null for the root, has not on that side.
+// In the list it is then beside its parent.
+void NQBinTree::attach(NQBinTreeCell* parent, int side, NQBinTreeCell* cell) {
+  cell->pChildren_[kLeft] = cell->pChildren_[kRight] = &sentinel_;
   cell->pParent_ = parent;
   makeRed(cell);
-  if (parent == nullptr) makeBlack(cell);
-  NQDList::insertCell(after, cell);
+  if (parent == nullptr) {
+    pRoot_ = cell;
+    makeBlack(cell);
+    NQDList::insertCell(nullptr, cell);
+  } else {
+    parent->pChildren_[side] = cell;
+    NQDList::insertCell(side == kRight ? parent : parent->pPreviousCell(), cell);
+  }
   if (type_ == 1) insertRedBlackFixup(cell);
 }
 
@@ -169,31 +171,31 @@ NQBinTreeCell* NQBinTree::addObjectIfNotInList(NQBinTreeCell* after, NQObject* o
 NQBinTreeCell* NQBinTree::removeCell(NQBinTreeCell* cell) {
   if (cell == nullptr) return nullptr;
   NQBinTreeCell* child;
-  if (isReal(cell->pLeft_) && isReal(cell->pRight_)) {
+  if (isReal(cell->pLeft()) && isReal(cell->pRight())) {
     // The cell changes places with its successor, which has no left child, and
     // leaves the tree from there.
     NQBinTreeCell* const next = cell->pNextCell();
-    child = next->pRight_;
+    child = next->pRight();
     if (next->pParent_ == cell) {
       child->pParent_ = next;
     } else {
       child->pParent_ = next->pParent_;
-      next->pParent_->pLeft_ = child;
-      next->pRight_ = cell->pRight_;
-      next->pRight_->pParent_ = next;
+      next->pParent_->pChildren_[kLeft] = child;
+      next->pChildren_[kRight] = cell->pRight();
+      next->pRight()->pParent_ = next;
     }
-    next->pLeft_ = cell->pLeft_;
-    next->pLeft_->pParent_ = next;
+    next->pChildren_[kLeft] = cell->pLeft();
+    next->pLeft()->pParent_ = next;
     next->pParent_ = cell->pParent_;
     replaceChild(cell->pParent_, cell, next);
     exchangeColours(cell, next);
   } else {
-    child = isReal(cell->pLeft_) ? cell->pLeft_ : cell->pRight_;
+    child = isReal(cell->pLeft()) ? cell->pLeft() : cell->pRight();
     child->pParent_ = cell->pParent_;
     replaceChild(cell->pParent_, cell, child);
   }
   NQDList::removeCell(cell);
-  cell->pLeft_ = cell->pRight_ = cell->pParent_ = nullptr;
+  cell->pChildren_[kLeft] = cell->pChildren_[kRight] = cell->pParent_ = nullptr;
   if (type_ == 1 && cell->isBlack()) removeRedBlackFixup(child);
   return cell;
 }
@@ -342,28 +344,30 @@ int NQBinTree::reverse() {
 void NQBinTree::swapPosition(NQBinTreeCell* a, NQBinTreeCell* b) {
   if (a == b || a == nullptr || b == nullptr) return;
   NQDList::swapPosition(a, b);
-  const bool wasLeft[] = {a->pParent_ != nullptr && a->pParent_->pLeft_ == a,
-                          b->pParent_ != nullptr && b->pParent_->pLeft_ == b};
+  const auto sideBelow = [](const NQBinTreeCell* parent, const NQBinTreeCell* cell) {
+    return parent == nullptr ? kLeft : parent->sideOf(cell);
+  };
+  const int sides[] = {sideBelow(a->pParent_, a), sideBelow(b->pParent_, b)};
   std::swap(a->pParent_, b->pParent_);
-  std::swap(a->pLeft_, b->pLeft_);
-  std::swap(a->pRight_, b->pRight_);
+  std::swap(a->pChildren_, b->pChildren_);
   NQBinTreeCell* const cells[] = {a, b};
   for (int i = 0; i < 2; ++i) {
-    NQBinTreeCell* const other = cells[1 - i];
+    NQBinTreeCell* const cell = cells[i];
     // A link of the cell to itself was one between the two.
-    for (auto link :
-         {&NQBinTreeCell::pParent_, &NQBinTreeCell::pLeft_, &NQBinTreeCell::pRight_}) {
-      if (cells[i]->*link == cells[i]) cells[i]->*link = other;
+    for (NQBinTreeCell** link :
+         {&cell->pParent_, &cell->pChildren_[kLeft], &cell->pChildren_[kRight]}) {
+      if (*link == cell) *link = cells[1 - i];
     }
   }
   for (int i = 0; i < 2; ++i) {
     NQBinTreeCell* const cell = cells[i];
-    if (isReal(cell->pLeft_)) cell->pLeft_->pParent_ = cell;
-    if (isReal(cell->pRight_)) cell->pRight_->pParent_ = cell;
+    for (NQBinTreeCell* const child : cell->pChildren_) {
+      if (isReal(child)) child->pParent_ = cell;
+    }
     if (cell->pParent_ == nullptr) {
       pRoot_ = cell;
     } else {
-      (wasLeft[1 - i] ? cell->pParent_->pLeft_ : cell->pParent_->pRight_) = cell;
+      cell->pParent_->pChildren_[sides[1 - i]] = cell;
     }
   }
   exchangeColours(a, b);
@@ -396,27 +400,16 @@ void NQBinTree::replaceChild(NQBinTreeCell* parent, NQBinTreeCell* old,
   if (parent == nullptr) {
     pRoot(child);
   } else {
-    (parent->pLeft_ == old ? parent->pLeft_ : parent->pRight_) = child;
+    parent->pChildren_[parent->sideOf(old)] = child;
   }
 }
 
-void NQBinTree::leftRotate(NQBinTreeCell* cell) {
-  NQBinTreeCell* const riser = cell->pRight_;
-  NQBinTreeCell* const inner = riser->pLeft_;
-  cell->pRight_ = inner;
+void NQBinTree::rotate(NQBinTreeCell* cell, int side) {
+  NQBinTreeCell* const riser = cell->pChildren_[1 - side];
+  NQBinTreeCell* const inner = riser->pChildren_[side];
+  cell->pChildren_[1 - side] = inner;
   if (isReal(inner)) inner->pParent_ = cell;
-  riser->pLeft_ = cell;
-  riser->pParent_ = cell->pParent_;
-  replaceChild(cell->pParent_, cell, riser);
-  cell->pParent_ = riser;
-}
-
-void NQBinTree::rightRotate(NQBinTreeCell* cell) {
-  NQBinTreeCell* const riser = cell->pLeft_;
-  NQBinTreeCell* const inner = riser->pRight_;
-  cell->pLeft_ = inner;
-  if (isReal(inner)) inner->pParent_ = cell;
-  riser->pRight_ = cell;
+  riser->pChildren_[side] = cell;
   riser->pParent_ = cell->pParent_;
   replaceChild(cell->pParent_, cell, riser);
   cell->pParent_ = riser;
@@ -429,8 +422,8 @@ void NQBinTree::insertRedBlackFixup(NQBinTreeCell* x) {
     NQBinTreeCell* const parent = x->pParent_;
     if (!parent->isRed() || parent == pRoot_) return;
     NQBinTreeCell* const grand = parent->pParent_;
-    const bool left = parent == grand->pLeft_;
-    NQBinTreeCell* const uncle = left ? grand->pRight_ : grand->pLeft_;
+    const int side = grand->sideOf(parent);
+    NQBinTreeCell* const uncle = grand->pChildren_[1 - side];
     if (uncle->isRed()) {
       makeBlack(parent);
       makeBlack(uncle);
@@ -438,11 +431,11 @@ void NQBinTree::insertRedBlackFixup(NQBinTreeCell* x) {
       x = grand;
       continue;
     }
-    const bool inside = left ? x == parent->pRight_ : x == parent->pLeft_;
-    if (inside) left ? leftRotate(parent) : rightRotate(parent);
+    const bool inside = parent->sideOf(x) != side;
+    if (inside) rotate(parent, side);
     makeBlack(inside ? x : parent);
     makeRed(grand);
-    left ? rightRotate(grand) : leftRotate(grand);
+    rotate(grand, 1 - side);
     return;
   }
 }
@@ -452,28 +445,21 @@ void NQBinTree::insertRedBlackFixup(NQBinTreeCell* x) {
 void NQBinTree::removeRedBlackFixup(NQBinTreeCell* x) {
   while (x->isBlack() && x->pParent_ != nullptr) {
     NQBinTreeCell* const parent = x->pParent_;
-    const bool left = x == parent->pLeft_;
-    const auto towards = [&](NQBinTreeCell* top) {
-      left ? leftRotate(top) : rightRotate(top);
-    };
-    const auto away = [&](NQBinTreeCell* top) {
-      left ? rightRotate(top) : leftRotate(top);
-    };
-    const auto sibling = [&] { return left ? parent->pRight_ : parent->pLeft_; };
+    const int side = parent->sideOf(x);
 
-    NQBinTreeCell* w = sibling();
+    NQBinTreeCell* w = parent->pChildren_[1 - side];
     if (w->isRed()) {
       makeBlack(w);
       makeRed(parent);
-      towards(parent);
-      w = sibling();
+      rotate(parent, side);
+      w = parent->pChildren_[1 - side];
     }
     if (!isReal(w)) {
       x = parent;
       continue;
     }
-    NQBinTreeCell* const near = left ? w->pLeft_ : w->pRight_;
-    NQBinTreeCell* far = left ? w->pRight_ : w->pLeft_;
+    NQBinTreeCell* const near = w->pChildren_[side];
+    NQBinTreeCell* far = w->pChildren_[1 - side];
     if (near->isBlack() && far->isBlack()) {
       makeRed(w);
       x = parent;
@@ -483,14 +469,14 @@ void NQBinTree::removeRedBlackFixup(NQBinTreeCell* x) {
       // `near` is not black, and so not the sentinel.
       makeBlack(near);
       makeRed(w);
-      away(w);
+      rotate(w, 1 - side);
       far = w;
       w = near;
     }
     parent->isRed() ? makeRed(w) : makeBlack(w);
     makeBlack(parent);
     makeBlack(far);
-    towards(parent);
+    rotate(parent, side);
     x = pRoot_;
   }
   makeBlack(x);
@@ -503,15 +489,15 @@ int NQBinTree::isValidRedBlackTree() const {
        cell != nullptr; cell = cell->pNextCell()) {
     const NQBinTreeCell* const parent = cell->pParent_;
     if (parent == nullptr ? cell != pRoot_
-                          : parent->pLeft_ != cell && parent->pRight_ != cell) {
+                          : parent->pLeft() != cell && parent->pRight() != cell) {
       return 0;
     }
     const NQBinTreeCell* next = parent;
-    if (isReal(cell->pRight_)) {
-      next = cell->pRight_;
-      while (isReal(next->pLeft_) && steps-- > 0) next = next->pLeft_;
+    if (isReal(cell->pRight())) {
+      next = cell->pRight();
+      while (isReal(next->pLeft()) && steps-- > 0) next = next->pLeft();
     } else {
-      for (const NQBinTreeCell* from = cell; next != nullptr && next->pRight_ == from;) {
+      for (const NQBinTreeCell* from = cell; next != nullptr && next->pRight() == from;) {
         if (steps-- < 0) return 0;
         from = next;
         next = next->pParent_;
@@ -522,7 +508,7 @@ int NQBinTree::isValidRedBlackTree() const {
     if (type_ != 1 || exclusiveColors() == 0) continue;
     if (cell->isRed() == cell->isBlack()) return 0;
     if (parent != nullptr && cell->isRed() && parent->isRed()) return 0;
-    if (isReal(cell->pLeft_) && isReal(cell->pRight_)) continue;
+    if (isReal(cell->pLeft()) && isReal(cell->pRight())) continue;
     nqLong blacks = 0;
     for (const NQBinTreeCell* above = cell; above != nullptr; above = above->pParent_) {
       if (steps-- < 0) return 0;

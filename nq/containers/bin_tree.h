@@ -77,6 +77,10 @@ class NQ_EXPORT NQBinTreeCell : public NQDListCell {
     return static_cast<NQBinTreeCell*>(NQDListCell::pNextCell());
   }
 
+  // For cells in a tree: fetches some that a walk will come to into the cache, as
+  // neighbours in the list may lie anywhere in memory. The tree's iterators do it.
+  [[gnu::always_inline]] void fetchAhead(bool forward) const;
+
   using NQDListCell::operator new;
   static void* operator new(std::size_t size) noexcept;
   static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
@@ -107,12 +111,34 @@ class NQ_EXPORT NQBinTreeCell : public NQDListCell {
   void makeRed(unsigned char kept = 0xff) { flags_ = (flags_ & kept) | kRed; }
   void makeBlack(unsigned char kept = 0xff) { flags_ = (flags_ & kept) | kBlack; }
 
-  // Null in a free cell; null in the root alone.
-  NQBinTreeCell* pLeft_ = nullptr;
-  NQBinTreeCell* pRight_ = nullptr;
-  NQBinTreeCell* pParent_ = nullptr;
+  // Sides index the children, so that no side needs a branch.
+  static constexpr int kLeft = 0;
+  static constexpr int kRight = 1;
+  int sideOf(const NQBinTreeCell* child) const {
+    return pChildren_[kLeft] == child ? kLeft : kRight;
+  }
+  [[gnu::always_inline]] void fetchChildren() const {
+    for (const NQBinTreeCell* child : pChildren_) nqdetail::prefetchCell(child);
+  }
+  NQBinTreeCell* pLeft() const { return pChildren_[kLeft]; }
+  NQBinTreeCell* pRight() const { return pChildren_[kRight]; }
+
+  NQBinTreeCell* pChildren_[2] = {};  // null in a free cell
+  NQBinTreeCell* pParent_ = nullptr;  // null in a free cell and in the root
   unsigned char flags_ = 0;
 };
+
+// What lies on the far side of the parent is visited after a few steps; the cells in
+// between are the children of a cell that was fetched before. Cells side by side in
+// memory need no help.
+inline void NQBinTreeCell::fetchAhead(bool forward) const {
+  if (pParent_ == nullptr || pNextCell() == this + 1) return;
+  const int ahead = forward ? kRight : kLeft;
+  const NQBinTreeCell* const beside = pParent_->pChildren_[ahead];
+  nqdetail::prefetchCell(beside->pChildren_[ahead]);
+  const NQBinTreeCell* const nearer = beside->pChildren_[1 - ahead];
+  if (nearer != nullptr) nearer->fetchChildren();
+}
 
 class NQ_EXPORT NQBinTree : public NQDList {
   NQ_COPY_PROTOCOL(NQBinTree)
@@ -126,6 +152,13 @@ class NQ_EXPORT NQBinTree : public NQDList {
   // only; answers what holds then.
   int exclusiveColors() const { return keptFlags_ == kAllFlags ? 0 : 1; }
   int exclusiveColors(int value);
+
+  using iterator = NQObjectIterator<NQBinTree, NQBinTreeCell, NQObject*>;
+  using const_iterator = NQObjectIterator<NQBinTree, NQBinTreeCell, NQObject* const>;
+  iterator begin() { return {this, pFirstCell()}; }
+  iterator end() { return {this, nullptr}; }
+  const_iterator begin() const { return {this, pFirstCell()}; }
+  const_iterator end() const { return {this, nullptr}; }
 
   NQBinTreeCell* pFirstCell() const { return cell(NQDList::pFirstCell()); }
   NQBinTreeCell* pLastCell() const { return cell(NQDList::pLastCell()); }
@@ -275,6 +308,9 @@ class NQ_EXPORT NQBinTree : public NQDList {
   static NQBinTreeCell* cell(NQDListCell* listCell) {
     return static_cast<NQBinTreeCell*>(listCell);
   }
+  static constexpr int kLeft = NQBinTreeCell::kLeft;
+  static constexpr int kRight = NQBinTreeCell::kRight;
+
   bool isReal(const NQBinTreeCell* child) const { return child != &sentinel_; }
   bool refuses(const NQDList* source) const {
     return source == nullptr || source == this;
@@ -283,8 +319,10 @@ class NQ_EXPORT NQBinTree : public NQDList {
   // Sets the root; null stands for the sentinel then.
   NQBinTreeCell* pRoot(NQBinTreeCell* cell);
   void replaceChild(NQBinTreeCell* parent, NQBinTreeCell* old, NQBinTreeCell* child);
-  void leftRotate(NQBinTreeCell* cell);
-  void rightRotate(NQBinTreeCell* cell);
+  // Towards a side: the child on the other side rises.
+  void rotate(NQBinTreeCell* cell, int side);
+  void leftRotate(NQBinTreeCell* cell) { rotate(cell, kLeft); }
+  void rightRotate(NQBinTreeCell* cell) { rotate(cell, kRight); }
 
   void makeRed(NQBinTreeCell* cell) { cell->makeRed(keptFlags_); }
   void makeBlack(NQBinTreeCell* cell) { cell->makeBlack(keptFlags_); }
@@ -295,8 +333,7 @@ class NQ_EXPORT NQBinTree : public NQDList {
   // red child and every path to a missing child passes as many black cells.
   int isValidRedBlackTree() const;
 
-  void attach(NQBinTreeCell* parent, NQBinTreeCell*& place, NQBinTreeCell* after,
-              NQBinTreeCell* cell);
+  void attach(NQBinTreeCell* parent, int side, NQBinTreeCell* cell);
   static bool reaches(const NQDListCell* from, const NQDListCell* to);
   bool takeOut(NQBinTreeCell* from, NQBinTreeCell* to, NQDList& cells);
   void insertAll(NQBinTreeCell* after, NQDList& cells);

@@ -45,6 +45,10 @@ template <class Cell>
 inline constexpr bool kHasPrevious = requires(const Cell& cell) {
   cell.pPreviousCell();
 };
+template <class Cell>
+inline constexpr bool kFetchesAhead = requires(const Cell& cell) {
+  cell.fetchAhead(true);
+};
 
 // `next`, the successor of `cell`. Cells that were made one after the other
 // stand side by side in memory. Where that guess is right, a walk need not wait
@@ -64,6 +68,14 @@ Cell* guessNext(const Cell* cell, Cell* next) {
   }
 #endif
   return next;
+}
+
+// Fetches the cell into the cache; null is harmless. Functions that do nothing else
+// are to be inlined always: compilers leave out calls of what has no effect.
+[[gnu::always_inline]] inline void prefetchCell([[maybe_unused]] const void* cell) {
+#if defined(__GNUC__)
+  __builtin_prefetch(cell);
+#endif
 }
 }  // namespace nqdetail
 
@@ -94,6 +106,7 @@ class NQObjectIterator {
   reference operator*() const { return pCell_->pObject_; }
   pointer operator->() const { return &pCell_->pObject_; }
   NQObjectIterator& operator++() {
+    if constexpr (nqdetail::kFetchesAhead<Cell>) pCell_->fetchAhead(true);
     pCell_ = pCell_->pNextCell();
     return *this;
   }
@@ -103,7 +116,10 @@ class NQObjectIterator {
     return old;
   }
   NQObjectIterator& operator--() requires(nqdetail::kHasPrevious<Cell>) {
-    pCell_ = pCell_ == nullptr ? pList_->pLastCell() : pCell_->pPrevious_;
+    if constexpr (nqdetail::kFetchesAhead<Cell>) {
+      if (pCell_ != nullptr) pCell_->fetchAhead(false);
+    }
+    pCell_ = pCell_ == nullptr ? pList_->pLastCell() : pCell_->pPreviousCell();
     return *this;
   }
   NQObjectIterator operator--(int) requires(nqdetail::kHasPrevious<Cell>) {

@@ -1,7 +1,5 @@
 #include "nq/containers/sorted_bin_tree.h"
 
-#include "nq/containers/cell_pool_internal.h"
-
 // ---- Copy protocol; by hand, since there is nothing to make a clone of
 
 NQSortedBinTree::NQSortedBinTree(const NQSortedBinTree& source, NQDeepFlagEnum flag) {
@@ -59,12 +57,10 @@ NQBinTreeCell* NQSortedBinTree::find(Compare compare, Matches matches) const {
   for (;;) {
     if (equal == nullptr || !isReal(equal)) return nullptr;
     if (matches(equal)) return equal;
-    // Both children are on their way while the comparison looks at the objects.
-    nqdetail::prefetch(equal->pLeft_);
-    nqdetail::prefetch(equal->pRight_);
+    equal->fetchChildren();
     const int order = compare(equal);
     if (order == 0) break;
-    equal = order < 0 ? equal->pRight_ : equal->pLeft_;
+    equal = equal->pChildren_[order < 0 ? kRight : kLeft];
   }
   NQBinTreeCell* cell = equal->pNextCell();
   while (cell != nullptr && compare(cell) == 0) {
@@ -98,18 +94,27 @@ NQBinTreeCell* NQSortedBinTree::searchObject(const NQObject* object) const {
 
 NQBinTreeCell* NQSortedBinTree::insertCell(NQBinTreeCell* cell) {
   if (cell == nullptr || length() == 0) return NQBinTree::insertCell(nullptr, cell);
+  const auto sideBelow = [&](const NQBinTreeCell* other) {
+    other->fetchChildren();
+    return virtualCellCompare(other, cell) < 0 ? kRight : kLeft;
+  };
   NQBinTreeCell* last = pRoot_;
-  for (;;) {
-    nqdetail::prefetch(last->pLeft_);
-    nqdetail::prefetch(last->pRight_);
-    const bool right = virtualCellCompare(last, cell) < 0;
-    NQBinTreeCell*& next = right ? last->pRight_ : last->pLeft_;
-    if (!isReal(next)) {
-      attach(last, next, right ? last : last->pPreviousCell(), cell);
-      return cell;
-    }
+  int side = sideBelow(last);
+  NQBinTreeCell* next = last->pChildren_[side];
+  // Keys that come in order go along an edge of the tree, which the processor
+  // predicts. From there on no step is a branch, as none could be predicted.
+  for (const int edge = side; isReal(next) && side == edge;) {
     last = next;
+    side = sideBelow(last);
+    next = side == edge ? last->pChildren_[edge] : last->pChildren_[1 - edge];
   }
+  while (isReal(next)) {
+    last = next;
+    side = sideBelow(last);
+    next = last->pChildren_[side];
+  }
+  attach(last, side, cell);
+  return cell;
 }
 
 NQBinTreeCell* NQSortedBinTree::addObject(NQObject* object) {

@@ -224,6 +224,11 @@ TEST_P(BinTree, BehavesLikeAVectorOfCells) {
     for (const int i : {0, 1}) {
       ASSERT_EQ(checkBinTree(*trees[i]).fault, "") << "step " << step;
       ASSERT_EQ(cellsOf(*trees[i]), models[i]) << "step " << step;
+      auto object = trees[i]->end();
+      for (std::size_t k = models[i].size(); k-- > 0;) {
+        ASSERT_EQ(*--object, models[i][k]->pObject()) << "backward, step " << step;
+      }
+      ASSERT_EQ(object, trees[i]->begin());
     }
   }
 }

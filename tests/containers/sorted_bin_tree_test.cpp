@@ -39,8 +39,8 @@ void ByValue::ByValueattributeCopy(const ByValue& source) {
   NQCopyAccess::attributes<NQSortedBinTree>(*this, source);
 }
 
-std::vector<const NQObject*> objectsOf(const NQDList& list) {
-  return {list.begin(), list.end()};
+std::vector<const NQObject*> objectsOf(const NQBinTree& tree) {
+  return {tree.begin(), tree.end()};
 }
 
 // A sorted vector in which the newest of equal objects comes first.

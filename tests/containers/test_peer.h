@@ -9,6 +9,8 @@
 #include "nq/containers/index_hash_table.h"
 #include "nq/containers/list_sort.h"
 
+#include <type_traits>
+
 class NQTestPeer {
  public:
   // Slabs of the calling thread.
@@ -46,11 +48,19 @@ class NQTestPeer {
   }
   template <class Cell>
   static const Cell* left(const Cell* cell) {
-    return cell->pLeft_;
+    if constexpr (std::is_same_v<Cell, NQBinTreeCell>) {
+      return cell->pLeft();
+    } else {
+      return cell->pLeft_;
+    }
   }
   template <class Cell>
   static const Cell* right(const Cell* cell) {
-    return cell->pRight_;
+    if constexpr (std::is_same_v<Cell, NQBinTreeCell>) {
+      return cell->pRight();
+    } else {
+      return cell->pRight_;
+    }
   }
   template <class Cell>
   static const Cell* parent(const Cell* cell) {
