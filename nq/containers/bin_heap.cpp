@@ -47,6 +47,13 @@ namespace {
 // No way from the root to a leaf is longer, since a length has 31 bits.
 constexpr int kMaxDepth = 31;
 
+// Without a branch: the side cannot be predicted.
+void replaceChild(NQBinHeapCell*& left, NQBinHeapCell*& right, const NQBinHeapCell* child,
+                  NQBinHeapCell* other) {
+  left = left == child ? other : left;
+  right = right == child ? other : right;
+}
+
 }  // namespace
 
 // The links of the cell in a place, but for the one to its parent.
@@ -56,12 +63,6 @@ struct NQBinHeap::Place {
         next(nqdetail::ListLinks<NQDList, NQDListCell>::next(cell)),
         left(cell->pLeft_),
         right(cell->pRight_) {}
-
-  // Without a branch: the side cannot be predicted.
-  void replaceChild(const NQBinHeapCell* child, NQBinHeapCell* other) {
-    left = left == child ? other : left;
-    right = right == child ? other : right;
-  }
 
   NQDListCell* previous;
   NQDListCell* next;
@@ -135,11 +136,13 @@ inline void NQBinHeap::put(NQBinHeapCell* cell, NQBinHeapCell* parent,
   using Links = nqdetail::ListLinks<NQDList, NQDListCell>;
   Links::connect(*this, cell, place.next);
   Links::connect(*this, place.previous, cell);
-  cell->pParent_ = parent;
   cell->pLeft_ = place.left;
   cell->pRight_ = place.right;
-  if (place.left != nullptr) place.left->pParent_ = cell;
-  if (place.right != nullptr) place.right->pParent_ = cell;
+  // Whether a cell has children cannot be predicted. Where one is missing, the cell
+  // itself stands for it, as its own parent is set last.
+  (place.left != nullptr ? place.left : cell)->pParent_ = cell;
+  (place.right != nullptr ? place.right : cell)->pParent_ = cell;
+  cell->pParent_ = parent;
 }
 
 // Moves `cell` from the place of `old`, which may be itself, up to where its
@@ -153,7 +156,7 @@ bool NQBinHeap::bubbleUp(Order order, NQBinHeapCell* old, NQBinHeapCell* cell) {
     NQBinHeapCell* const sinker = parent;
     Place vacated(sinker);
     parent = sinker->pParent_;
-    vacated.replaceChild(old, sinker);
+    replaceChild(vacated.left, vacated.right, old, sinker);
     // Of places above each other only the root and its left child are neighbours
     // in the list; `cell` becomes the root then.
     if (free.previous == sinker) {
@@ -164,9 +167,7 @@ bool NQBinHeap::bubbleUp(Order order, NQBinHeapCell* old, NQBinHeapCell* cell) {
     free = vacated;
     old = sinker;
   } while (parent != nullptr && order.greater(parent, cell));
-  if (parent != nullptr) {
-    (parent->pLeft_ == old ? parent->pLeft_ : parent->pRight_) = cell;
-  }
+  if (parent != nullptr) replaceChild(parent->pLeft_, parent->pRight_, old, cell);
   put(cell, parent, free);
   return true;
 }
@@ -200,14 +201,13 @@ void NQBinHeap::heapify(Order order, NQBinHeapCell* old, NQBinHeapCell* cell) {
 void NQBinHeap::moveDown(NQBinHeapCell* const* way, int count, NQBinHeapCell* cell) {
   NQBinHeapCell* parent = way[0]->pParent_;
   if (parent != nullptr) {
-    (parent->pLeft_ == way[0] ? parent->pLeft_ : parent->pRight_) =
-        count > 1 ? way[1] : cell;
+    replaceChild(parent->pLeft_, parent->pRight_, way[0], count > 1 ? way[1] : cell);
   }
   Place free(way[0]);
   for (int i = 1; i < count; ++i) {
     NQBinHeapCell* const riser = way[i];
     Place vacated(riser);
-    free.replaceChild(riser, i + 1 < count ? way[i + 1] : cell);
+    replaceChild(free.left, free.right, riser, i + 1 < count ? way[i + 1] : cell);
     // As above; the other direction is set when the place is filled.
     if (vacated.previous == way[0]) vacated.previous = riser;
     put(riser, parent, free);
@@ -284,7 +284,8 @@ void NQBinHeap::changeValue(NQBinHeapCell* cell, nqLong value) {
   ordered([&](auto order) {
     constexpr bool byValue = std::is_same_v<decltype(order), ByValue>;
     const bool knownSmaller = byValue && value < before;
-    if (!bubbleUp(order, cell, cell) && !knownSmaller) heapify(order, cell, cell);
+    const bool risen = bubbleUp(order, cell, cell);
+    if (!knownSmaller && !risen) heapify(order, cell, cell);
   });
 }
 
