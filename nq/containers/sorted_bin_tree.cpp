@@ -1,5 +1,7 @@
 #include "nq/containers/sorted_bin_tree.h"
 
+#include <type_traits>
+
 // ---- Copy protocol; by hand, since there is nothing to make a clone of
 
 NQSortedBinTree::NQSortedBinTree(const NQSortedBinTree& source, NQDeepFlagEnum flag) {
@@ -95,7 +97,6 @@ NQBinTreeCell* NQSortedBinTree::searchObject(const NQObject* object) const {
 NQBinTreeCell* NQSortedBinTree::insertCell(NQBinTreeCell* cell) {
   if (cell == nullptr || length() == 0) return NQBinTree::insertCell(nullptr, cell);
   const auto sideBelow = [&](const NQBinTreeCell* other) {
-    other->fetchChildren();
     return virtualCellCompare(other, cell) < 0 ? kRight : kLeft;
   };
   NQBinTreeCell* last = pRoot_;
@@ -103,13 +104,25 @@ NQBinTreeCell* NQSortedBinTree::insertCell(NQBinTreeCell* cell) {
   NQBinTreeCell* next = last->pChildren_[side];
   // Keys that come in order go along an edge of the tree, which the processor
   // predicts. From there on no step is a branch, as none could be predicted.
-  for (const int edge = side; isReal(next) && side == edge;) {
-    last = next;
-    side = sideBelow(last);
-    next = side == edge ? last->pChildren_[edge] : last->pChildren_[1 - edge];
+  const auto followEdge = [&](auto edge) {
+    while (isReal(next)) {
+      last = next;
+      side = sideBelow(last);
+      if (side != edge) {
+        next = last->pChildren_[1 - edge];
+        return;
+      }
+      next = last->pChildren_[edge];
+    }
+  };
+  if (side == kRight) {
+    followEdge(std::integral_constant<int, kRight>());
+  } else {
+    followEdge(std::integral_constant<int, kLeft>());
   }
   while (isReal(next)) {
     last = next;
+    last->fetchChildren();
     side = sideBelow(last);
     next = last->pChildren_[side];
   }

@@ -154,7 +154,7 @@ TEST(NQBinHeap, IsTheArrayHeapWhateverIsDone) {
   runBesideModel<Hooked>(2, 3, 6, 20000, 1);
   runBesideModel<NQBinHeap>(3, 40, 30, 40000, 2);
   runBesideModel<Hooked>(4, 1000000, 200, 80000, 40);
-  runBesideModel<NQBinHeap>(5, 1000000, 20000, 200000, 40000);
+  runBesideModel<NQBinHeap>(5, 1000000, 20000, 250000, 40000);
 }
 
 TEST(NQBinHeap, RefusesWhatIsNotThere) {

@@ -57,7 +57,7 @@ TEST_P(BinTree, BehavesLikeAVectorOfCells) {
   };
   const std::unique_ptr<NQBinTree> trees[] = {treeOf(""), treeOf("")};
   Cells models[2];
-  for (int step = 0; step < 20000; ++step) {
+  for (int step = 0; step < 30000; ++step) {
     const std::size_t which = below(2);
     NQBinTree& tree = *trees[which];
     NQBinTree& other = *trees[1 - which];

@@ -126,7 +126,7 @@ TEST(NQSortedBinTree, IsTheSortedVectorWhateverIsDone) {
     runBesideModel(exclusive, 4, 12, 60000, 3);
     runBesideModel(exclusive, 1000000, 60, 60000, 6);
   }
-  runBesideModel(1, 1000000, 4000, 100000, 5000);
+  runBesideModel(1, 1000000, 4000, 200000, 5000);
   runBesideModel(1, 50, 1000, 40000, 2000);
 }
 
