@@ -51,9 +51,10 @@ if(UNIX AND BUILD_SHARED_LIBS)
     endif()")
 endif()
 
-# The documents refer to one another as they lie in the source tree.
+# The documents refer to one another as they lie in the source tree. The examples are
+# there to be read, and the layout to be built as well.
 install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
   DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
   DESTINATION ${CMAKE_INSTALL_DOCDIR}
-  PATTERN CMakeLists.txt EXCLUDE)
+  REGEX "/examples/CMakeLists.txt$|/run_example.cmake$|/Doxyfile$|/api.dox$" EXCLUDE)

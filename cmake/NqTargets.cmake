@@ -6,8 +6,10 @@
 
 include(GNUInstallDirs)
 
-set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
-set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+if(PROJECT_IS_TOP_LEVEL)
+  set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+  set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+endif()
 
 add_library(nq_options INTERFACE)
 target_compile_features(nq_options INTERFACE cxx_std_20)
@@ -42,7 +44,8 @@ set_target_properties(nq_objects PROPERTIES
   CXX_EXTENSIONS OFF
   CXX_VISIBILITY_PRESET hidden
   VISIBILITY_INLINES_HIDDEN ON
-  POSITION_INDEPENDENT_CODE ON)
+  POSITION_INDEPENDENT_CODE ON
+  UNITY_BUILD OFF)  # sources have names of their own for like things
 target_link_libraries(nq_objects PRIVATE nq_options)
 target_include_directories(nq_objects PRIVATE ${PROJECT_SOURCE_DIR})
 # Calls from one exported function to another stay inside the library, so that
