@@ -24,8 +24,18 @@ install(FILES
   ${PROJECT_BINARY_DIR}/nqConfigVersion.cmake
   DESTINATION ${CMAKE_INSTALL_LIBDIR}/cmake/nq)
 
-file(RELATIVE_PATH NQ_PC_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
-string(REGEX REPLACE "/$" "" NQ_PC_PREFIX ${NQ_PC_PREFIX})
+# The prefix is found from where the file lies, so that the installed tree can be
+# moved; not so from a folder for libraries that was given from the root on.
+if(IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}")
+  set(NQ_PC_PREFIX ${CMAKE_INSTALL_PREFIX})
+else()
+  file(RELATIVE_PATH NQ_PC_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
+  string(REGEX REPLACE "/$" "" NQ_PC_PREFIX "\${pcfiledir}/${NQ_PC_PREFIX}")
+endif()
+foreach(folder LIBDIR INCLUDEDIR)
+  set(NQ_PC_${folder} "\${prefix}")
+  cmake_path(APPEND NQ_PC_${folder} "${CMAKE_INSTALL_${folder}}")  # or replaces it
+endforeach()
 set(NQ_PC_LIBS_PRIVATE)
 foreach(library IN LISTS CMAKE_DL_LIBS)
   string(APPEND NQ_PC_LIBS_PRIVATE "-l${library}")
