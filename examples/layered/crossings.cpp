@@ -1,5 +1,8 @@
 #include <algorithm>
+#include <limits>
 #include <numeric>
+#include <random>
+#include <span>
 
 #include "hierarchy.h"
 
@@ -19,17 +22,12 @@ class ByKey : public NQDListSort {
   void virtualDebugOutputElement(NQDListCell*) override {}
 };
 
-void renumber(const NQDList& layer) {
-  nqLong position = 0;
-  for (Vertex* v : Range<Vertex>(layer)) v->position = position++;
-}
-
-enum class Side { kBefore, kAfter };
-
 // Crossings as the layers are ordered now, and what to do about them.
 class Ordering {
  public:
-  explicit Ordering(Hierarchy& h) : h_(h), adjacency_(h.arcs, h.vertices.size()) {}
+  // `comparisons`: how many it may make in sifting.
+  Ordering(Hierarchy& h, long long comparisons)
+      : h_(h), adjacency_(h.arcs, h.vertices.size()), comparisons_(comparisons) {}
 
   long long crossings() {
     long long sum = 0;
@@ -38,39 +36,46 @@ class Ordering {
     return sum;
   }
 
-  // Puts each vertex of a layer where its neighbours in the next one are on
-  // average; equal ones stay in their order.
-  void sortBy(NQDList& layer, Side side) {
-    for (Vertex* v : Range<Vertex>(layer)) {
-      const auto& near = neighbours(*v, side);
-      v->key = near.empty() ? v->position
-                            : std::accumulate(near.begin(), near.end(), 0.0) /
-                                  static_cast<double>(near.size());
+  // Sorts each layer by where in the one before, or after, each vertex has its
+  // neighbours on average; equal ones stay in their order.
+  void sweep(Side side) {
+    const auto sortLayer = [&](NQDList& layer) {
+      for (Vertex* v : Range<Vertex>(layer)) {
+        const auto& near = neighbours(*v, side);
+        v->key = near.empty() ? v->position
+                              : std::accumulate(near.begin(), near.end(), 0.0) /
+                                    static_cast<double>(near.size());
+      }
+      sort(layer);
+    };
+    if (side == Side::kBefore) {
+      std::for_each(h_.layers.begin(), h_.layers.end(), sortLayer);
+    } else {
+      std::for_each(h_.layers.rbegin(), h_.layers.rend(), sortLayer);
     }
-    sort_.mergeSort(&layer);
-    renumber(layer);
   }
 
-  // Exchanges neighbours as long as that saves crossings. Whether any did.
-  bool exchange(NQDList& layer) {
-    bool any = false;
-    for (bool improved = true; improved;) {
-      improved = false;
-      NQDListCell* cell = layer.pFirstCell();
-      while (cell != nullptr && cell->pNextCell() != nullptr) {
-        NQDListCell* const next = cell->pNextCell();
-        Vertex& left = *vertexIn(cell);
-        Vertex& right = *vertexIn(next);
-        if (gain(left, right) > 0) {
-          cell->pObject(&right);
-          next->pObject(&left);
-          std::swap(left.position, right.position);
-          improved = any = true;
-        }
-        cell = next;
-      }
+  // Moves vertices to where in their layers, not too far away, their edges cross the
+  // fewest others, as long as that helps and comparisons are left. (C. Matuszewski, R.
+  // Schönfeld, P. Molitor, "Using sifting for k-layer straightline crossing
+  // minimization".)
+  void sift() {
+    for (bool moved = true; moved && maySift();) {
+      moved = false;
+      for (NQDList& layer : h_.layers) moved |= sift(layer);
     }
-    return any;
+  }
+  bool maySift() const { return comparisons_ > 0; }
+
+  // Begins anew, from any order. (The engine's numbers are the same everywhere.)
+  void shuffle() {
+    for (NQDList& layer : h_.layers) {
+      for (Vertex* v : Range<Vertex>(layer)) v->key = static_cast<double>(random_());
+      sort(layer);
+    }
+    for (const Side side : {Side::kBefore, Side::kAfter, Side::kBefore, Side::kAfter}) {
+      sweep(side);
+    }
   }
 
   std::vector<nqLong> positions() const {
@@ -83,13 +88,17 @@ class Ordering {
     for (Vertex& v : h_.vertices) {
       v.key = positions[static_cast<std::size_t>(v.number)];
     }
-    for (NQDList& layer : h_.layers) {
-      sort_.mergeSort(&layer);
-      renumber(layer);
-    }
+    for (NQDList& layer : h_.layers) sort(layer);
   }
 
  private:
+  // By the keys of vertices.
+  void sort(NQDList& layer) {
+    sort_.mergeSort(&layer);
+    nqLong position = 0;
+    for (Vertex* v : Range<Vertex>(layer)) v->position = position++;
+  }
+
   // The positions of the neighbours in the layer before or after, in order.
   const std::vector<nqLong>& neighbours(const Vertex& v, Side side) {
     near_.clear();
@@ -104,27 +113,95 @@ class Ordering {
     return near_;
   }
 
-  // Pairs with the greater one first, among two ordered rows.
-  static long long inversions(const std::vector<nqLong>& a,
-                              const std::vector<nqLong>& b) {
-    long long count = 0;
-    std::size_t below = 0;
-    for (const nqLong x : a) {
-      while (below < b.size() && b[below] < x) ++below;
-      count += static_cast<long long>(below);
+  // A vertex with the positions of its neighbours, in order.
+  struct Seat {
+    Vertex* vertex;
+    std::span<const nqLong> before;
+    std::span<const nqLong> after;
+  };
+
+  // The seats of a layer; they hold as long as the layers beside it do not change.
+  void takeSeats(const NQDList& layer) {
+    seats_.clear();
+    ends_.clear();
+    for (Vertex* v : Range<Vertex>(layer)) {
+      for (const Side side : {Side::kBefore, Side::kAfter}) {
+        const std::vector<nqLong>& near = neighbours(*v, side);
+        ends_.insert(ends_.end(), near.begin(), near.end());
+      }
     }
-    return count;
+    const nqLong* end = ends_.data();
+    for (Vertex* v : Range<Vertex>(layer)) {
+      const std::size_t before = adjacency_.in(*v).size();
+      const std::size_t after = adjacency_.out(*v).size();
+      seats_.push_back({v, {end, before}, {end + before, after}});
+      end += before + after;
+    }
   }
 
-  // How many crossings it saves to exchange two neighbours.
-  long long gain(const Vertex& left, const Vertex& right) {
+  // Whether any vertex moved.
+  bool sift(NQDList& layer) {
+    constexpr nqLong kReach = 200;
+    takeSeats(layer);
+    bool moved = false;
+    for (const Vertex* v : Range<Vertex>(layer)) {
+      if (!maySift()) break;
+      const auto seat = seats_.begin() + v->position;
+      const auto low = seats_.begin() + std::max(v->position - kReach, nqLong{0});
+      const auto high =
+          seats_.end() - std::max(layer.length() - v->position - kReach, nqLong{1});
+      auto best = seat;
+      long long most = 0;
+      long long saved = 0;
+      for (auto other = seat; other != low;) {
+        saved += gain(*--other, *seat);
+        if (saved > most) {
+          most = saved;
+          best = other;
+        }
+      }
+      saved = 0;
+      for (auto other = seat; other != high;) {
+        saved += gain(*seat, *++other);
+        if (saved > most) {
+          most = saved;
+          best = other;
+        }
+      }
+      comparisons_ -= high - low;
+      if (best == seat) continue;
+      moved = true;
+      if (best < seat) {
+        std::rotate(best, seat, seat + 1);
+      } else {
+        std::rotate(seat, seat + 1, best + 1);
+      }
+      for (auto any = std::min(seat, best); any <= std::max(seat, best); ++any)
+        any->vertex->position = static_cast<nqLong>(any - seats_.begin());
+    }
+    NQDListCell* cell = layer.pFirstCell();
+    for (const Seat& seat : seats_) {
+      cell->pObject(seat.vertex);
+      cell = cell->pNextCell();
+    }
+    return moved;
+  }
+
+  // How many crossings of edges between ordered ends it saves to exchange them.
+  static long long gain(std::span<const nqLong> left, std::span<const nqLong> right) {
     long long saved = 0;
-    for (const Side side : {Side::kBefore, Side::kAfter}) {
-      const std::vector<nqLong> a = neighbours(left, side);
-      const std::vector<nqLong>& b = neighbours(right, side);
-      saved += inversions(a, b) - inversions(b, a);
+    std::size_t below = 0;     // how many on the right are less
+    std::size_t notAbove = 0;  // or equal
+    for (const nqLong x : left) {
+      while (below < right.size() && right[below] < x) ++below;
+      while (notAbove < right.size() && right[notAbove] <= x) ++notAbove;
+      saved +=
+          static_cast<long long>(below + notAbove) - static_cast<long long>(right.size());
     }
     return saved;
+  }
+  static long long gain(const Seat& left, const Seat& right) {
+    return gain(left.before, right.before) + gain(left.after, right.after);
   }
 
   // (W. Barth, M. Jünger, P. Mutzel, "Simple and efficient bilayer cross counting":
@@ -154,47 +231,50 @@ class Ordering {
 
   Hierarchy& h_;
   Adjacency adjacency_;
+  long long comparisons_;
   ByKey sort_;
+  std::minstd_rand random_;
   std::vector<nqLong> near_;
+  std::vector<Seat> seats_;
+  std::vector<nqLong> ends_;  // where the spans of seats are
   std::vector<nqLong> tree_;
 };
 
 }  // namespace
 
-// Down and up again through the layers, as long as that helps, and within reason:
-// a graph of a million vertices is swept through a few times only.
+// Sweeps down and up again through the layers, as long as that helps. Then vertices are
+// sifted: in small graphs after each sweep, and again and again from other orders, in
+// large ones once. What is done is counted, not timed, so that a graph looks the same
+// on every machine.
 long long reduceCrossings(Hierarchy& h) {
-  Ordering ordering(h);
-  constexpr std::size_t kVisits = 10'000'000;
-  constexpr std::size_t kFew = 20'000;  // pieces, for which every exchange is tried
-  const auto sweeps =
-      static_cast<int>(std::clamp<std::size_t>(kVisits / (h.vertices.size() + 1), 2, 40));
-  constexpr int kPatience = 6;
+  constexpr std::size_t kFew = 20'000;          // pieces of edges
+  constexpr long long kMostVisits = 5'000'000;  // to vertices, in sorting
+  const bool small = h.arcs.size() <= kFew;
+  const int patience = small ? 1 : 5;  // for sweeps that do not help
+  Ordering ordering(h, small ? 5'000'000 : 500'000'000);
+  long long visits = kMostVisits;
 
   long long best = ordering.crossings();
   std::vector<nqLong> bestPositions = ordering.positions();
-  int failures = 0;
-  for (int sweep = 0; sweep < sweeps && failures < kPatience && best > 0; ++sweep) {
-    if (sweep % 2 == 0) {
-      for (NQDList& layer : h.layers) ordering.sortBy(layer, Side::kBefore);
-    } else {
-      for (auto layer = h.layers.rbegin(); layer != h.layers.rend(); ++layer) {
-        ordering.sortBy(*layer, Side::kAfter);
-      }
+  while (best > 0) {
+    long long bestHere = std::numeric_limits<long long>::max();
+    int failures = 0;
+    for (Side side = Side::kBefore; failures < patience && visits > 0;
+         side = side == Side::kBefore ? Side::kAfter : Side::kBefore) {
+      ordering.sweep(side);
+      if (small) ordering.sift();
+      visits -= static_cast<long long>(h.vertices.size());
+      const long long crossings = ordering.crossings();
+      failures = crossings < bestHere ? 0 : failures + 1;
+      bestHere = std::min(bestHere, crossings);
+      if (crossings >= best) continue;
+      best = crossings;
+      bestPositions = ordering.positions();
     }
-    if (h.arcs.size() <= kFew) {
-      for (bool improved = true; improved;) {
-        improved = false;
-        for (NQDList& layer : h.layers) improved |= ordering.exchange(layer);
-      }
-    }
-    const long long crossings = ordering.crossings();
-    ++failures;
-    if (crossings >= best) continue;
-    best = crossings;
-    bestPositions = ordering.positions();
-    failures = 0;
+    if (!small || visits <= 0 || !ordering.maySift()) break;
+    ordering.shuffle();
   }
   ordering.restore(bestPositions);
-  return best;
+  if (!small) ordering.sift();
+  return ordering.crossings();
 }

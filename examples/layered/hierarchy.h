@@ -25,6 +25,9 @@ class Vertex : public NQObject {
   nqLong depth = 0;     // and along
 };
 
+// Of a vertex: where arcs come from, and where they lead.
+enum class Side { kBefore, kAfter };
+
 // A connection between two vertices, in the direction of the flow.
 struct Arc {
   Vertex* from;
@@ -62,9 +65,18 @@ struct Hierarchy {
   nqLong spacing = 24;
   bool vertical = true;  // whether the flow runs up or down on paper
 
-  void measure(Vertex& v, const NQSize& onPaper) const {
-    v.breadth = vertical ? onPaper.width() : onPaper.height();
-    v.depth = vertical ? onPaper.height() : onPaper.width();
+  // Of something on paper.
+  nqLong across(const NQSize& size) const {
+    return vertical ? size.width() : size.height();
+  }
+  nqLong along(const NQSize& size) const {
+    return vertical ? size.height() : size.width();
+  }
+
+  // How far apart the centres of neighbours in a layer are at least.
+  nqLong distance(const Vertex& a, const Vertex& b) const {
+    const bool bends = a.node == nullptr && b.node == nullptr;
+    return (a.breadth + b.breadth + 1) / 2 + (bends ? (spacing + 1) / 2 : spacing);
   }
 };
 
@@ -87,7 +99,7 @@ std::vector<std::vector<Vertex*>> addBends(Hierarchy& h);
 // Orders the layers. Returns the number of crossings that are left.
 long long reduceCrossings(Hierarchy& h);
 
-// Gives each vertex its place across.
-void placeAcross(Hierarchy& h);
+// Gives each vertex its place across. `ways` are those of addBends().
+void placeAcross(Hierarchy& h, const std::vector<std::vector<Vertex*>>& ways);
 
 #endif  // LAYERED_HIERARCHY_H

@@ -6,6 +6,10 @@
 
 namespace {
 
+nqLong spanOf(const Arc& arc) {
+  return arc.to->layer - arc.from->layer;
+}
+
 // The vertices so that every arc leads forward.
 std::vector<Vertex*> topological(Hierarchy& h, const Adjacency& adjacency) {
   std::vector<Vertex*> order;
@@ -25,49 +29,93 @@ std::vector<Vertex*> topological(Hierarchy& h, const Adjacency& adjacency) {
 
 }  // namespace
 
-// Longest ways first; then vertices slide towards where most of their arcs lead,
-// which makes arcs shorter one step at a time. (The idea is that of N. S. Nikolov,
-// A. Tarassov, "Graph layering by promotion of nodes".)
+namespace {
+
+// Makes edges shorter on the whole by moving vertices, one layer at a time: with a
+// vertex goes what it would come too near to, and so on. (N. S. Nikolov, A. Tarassov,
+// "Graph layering by promotion of nodes".)
+class Promotion {
+ public:
+  Promotion(Hierarchy& h, const Adjacency& adjacency)
+      : h_(h), adjacency_(adjacency), joined_(h.vertices.size()) {}
+
+  // Moves a vertex as far as that helps. Whether it moved.
+  bool promote(Vertex& v, Side side) {
+    bool any = false;
+    while (gather(v, side)) {
+      for (Vertex* member : group_) member->layer += side == Side::kAfter ? 1 : -1;
+      any = true;
+    }
+    return any;
+  }
+
+  // Whether enough has been tried for a graph of this size.
+  bool tired() const { return steps_ > kMostSteps; }
+
+ private:
+  static constexpr nqInt64 kMostSteps = 20'000'000;  // to neighbours
+  static constexpr std::size_t kMostMembers = 50;
+
+  // Gathers the group that would go. Whether that makes edges shorter.
+  bool gather(Vertex& v, Side side) {
+    ++round_;
+    group_.clear();
+    join(v);
+    std::ptrdiff_t longer = 0;
+    for (std::size_t i = 0; i < group_.size(); ++i) {
+      if (group_.size() > kMostMembers || tired()) return false;
+      const auto in = adjacency_.in(*group_[i]);
+      const auto out = adjacency_.out(*group_[i]);
+      const auto change = std::ssize(in) - std::ssize(out);
+      longer += side == Side::kAfter ? change : -change;
+      for (const std::size_t a : side == Side::kAfter ? out : in) {
+        const Arc& arc = h_.arcs[a];
+        if (spanOf(arc) == arc.span) join(side == Side::kAfter ? *arc.to : *arc.from);
+        ++steps_;
+      }
+    }
+    return longer < 0;
+  }
+
+  void join(Vertex& v) {
+    std::size_t& round = joined_[static_cast<std::size_t>(v.number)];
+    if (round != round_) group_.push_back(&v);
+    round = round_;
+  }
+
+  Hierarchy& h_;
+  const Adjacency& adjacency_;
+  std::vector<std::size_t> joined_;  // by vertex: the last round in which it joined
+  std::size_t round_ = 0;
+  std::vector<Vertex*> group_;
+  nqInt64 steps_ = 0;
+};
+
+}  // namespace
+
+// Longest ways first; then vertices go to where their edges are shorter.
 void assignLayers(Hierarchy& h) {
   const Adjacency adjacency(h.arcs, h.vertices.size());
   const std::vector<Vertex*> order = topological(h, adjacency);
-  const auto earliest = [&](const Vertex& v) {
-    nqLong layer = 0;
-    for (const std::size_t a : adjacency.in(v)) {
-      layer = std::max(layer, h.arcs[a].from->layer + h.arcs[a].span);
+  for (Vertex* v : order) {
+    for (const std::size_t a : adjacency.in(*v)) {
+      v->layer = std::max(v->layer, h.arcs[a].from->layer + h.arcs[a].span);
     }
-    return layer;
-  };
-  const auto latest = [&](const Vertex& v) {
-    nqLong layer = std::numeric_limits<nqLong>::max();
-    for (const std::size_t a : adjacency.out(v)) {
-      layer = std::min(layer, h.arcs[a].to->layer - h.arcs[a].span);
-    }
-    return layer;
-  };
-  for (Vertex* v : order) v->layer = earliest(*v);
-
-  constexpr int kRounds = 8;
-  bool moved = true;
-  for (int round = 0; round < kRounds && moved; ++round) {
-    moved = false;
-    const auto slide = [&](Vertex& v) {
-      const std::size_t in = adjacency.in(v).size();
-      const std::size_t out = adjacency.out(v).size();
-      const nqLong layer = out > in ? latest(v) : in > out ? earliest(v) : v.layer;
-      moved |= layer != v.layer;
-      v.layer = layer;
-    };
-    for (auto v = order.rbegin(); v != order.rend(); ++v) slide(**v);
-    for (Vertex* v : order) slide(*v);
   }
+
+  Promotion promotion(h, adjacency);
+  for (bool moved = true; moved && !promotion.tired();) {
+    moved = false;
+    for (auto v = order.rbegin(); v != order.rend(); ++v)
+      moved |= promotion.promote(**v, Side::kAfter);
+    for (Vertex* v : order) moved |= promotion.promote(*v, Side::kBefore);
+  }
+  nqLong first = 0;
+  for (const Vertex& v : h.vertices) first = std::min(first, v.layer);
+  for (Vertex& v : h.vertices) v.layer -= first;
 }
 
 namespace {
-
-nqLong spanOf(const Arc& arc) {
-  return arc.to->layer - arc.from->layer;
-}
 
 // Takes the longest arcs out until the others need no more bends than that.
 void separateFar(Hierarchy& h) {
@@ -113,7 +161,9 @@ std::vector<std::vector<Vertex*>> addBends(Hierarchy& h) {
     }
     // A label takes its place where the edge is half way.
     if (arc.edge->labels.length() > 0 && way.size() > 2) {
-      h.measure(*way[way.size() / 2], sizeOf(linesOf(*arc.edge)));
+      const NQSize size = sizeOf(linesOf(*arc.edge));
+      way[way.size() / 2]->breadth = h.across(size);
+      way[way.size() / 2]->depth = h.along(size);
     }
     ways.push_back(std::move(way));
   }

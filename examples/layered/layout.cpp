@@ -42,6 +42,16 @@ struct Band {
   nqLong end() const { return start() + depth; }
 };
 
+// The free room beside a node before its edges to itself, and between them.
+constexpr nqLong kBesideNode = 12;
+constexpr nqLong kBetweenLoops = 6;
+
+// How much room across an edge takes beside its node, to which it leads back.
+nqLong breadthOfLoop(const Edge& edge, const Hierarchy& h) {
+  if (edge.labels.length() == 0) return kBetweenLoops;
+  return h.across(sizeOf(linesOf(edge))) + 2 * kBetweenLoops;
+}
+
 // Of a way of one piece across.
 NQPoint middleOf(const std::vector<NQPoint>& route) {
   const NQPoint& a = route[(route.size() - 1) / 2];
@@ -85,6 +95,23 @@ class Drawing {
     }
   }
 
+  // An edge from a node to itself: a handle beside it.
+  void routeLoop(Edge& edge, const Vertex& v, nqLong room) const {
+    const nqLong along = band(v).middle;
+    const nqLong far = v.across + h_.across(v.node->size) / 2 + room;
+    const nqLong half =
+        std::min(5 + (room - kBesideNode) / 2, h_.along(v.node->size) / 2 - 1);
+    const auto end = [&](nqLong at) {
+      NQPoint point = paper(far, at);
+      v.node->outline().intersectsSegment(point, paper(v.across, at), v.node->center,
+                                          v.node->size);
+      return point;
+    };
+    edge.route = {end(along - half), paper(far, along - half), paper(far, along + half),
+                  end(along + half)};
+    edge.labelCenter = paper(far + breadthOfLoop(edge, h_) / 2, along);
+  }
+
  private:
   NQPoint paper(nqLong across, nqLong along) const {
     return onPaper(graph_.flow, across, along);
@@ -126,16 +153,22 @@ class Drawing {
         return (h_.arcs[a].*other)->position < (h_.arcs[b].*other)->position;
       });
       const bool straight = v.node->shape == ShapeKind::kBox;
-      const nqLong room = v.breadth * (straight ? 2 : 1) / 5;  // to either side
+      const nqLong room =
+          h_.across(v.node->size) * (straight ? 2 : 1) / 5;  // to either side
       if (arcs.size() == 1) {
         port[arcs[0]] =
             std::clamp((h_.arcs[arcs[0]].*other)->across - v.across, -room, room);
-      } else {
-        const auto count = static_cast<nqLong>(arcs.size());
-        const nqLong used = std::min(2 * room * (count - 1) / count, 16 * (count - 1));
-        for (nqLong i = 0; i < count; ++i) {
-          port[arcs[static_cast<std::size_t>(i)]] = used * i / (count - 1) - used / 2;
-        }
+        return;
+      }
+      // Where there is no room for all arrowheads, some edges share one.
+      const nqLong gap = graph_.directed ? 7 : 2;
+      const auto count = static_cast<nqLong>(arcs.size());
+      const nqLong ports = std::min(count, 2 * room / gap + 1);
+      const nqLong used = std::min(2 * room * (ports - 1) / ports, 16 * (ports - 1));
+      for (nqLong i = 0; i < count; ++i) {
+        const nqLong place = i * ports / count;
+        port[arcs[static_cast<std::size_t>(i)]] =
+            ports == 1 ? 0 : used * place / (ports - 1) - used / 2;
       }
     };
     for (const Vertex& v : h_.vertices) {
@@ -188,22 +221,6 @@ class Drawing {
   std::vector<nqLong> inPort_;
 };
 
-// An edge from a node to itself: a handle beside it, around `inner` others.
-void routeLoop(Edge& edge, nqLong inner) {
-  const Node& node = *edge.from;
-  const nqLong right = node.box().right() + 12 + 6 * inner;
-  const nqLong half = std::min(5 + 3 * inner, node.size.height() / 2 - 1);
-  const auto end = [&](nqLong y) {
-    NQPoint point(right, y);
-    node.outline().intersectsSegment(point, {node.center.x(), y}, node.center, node.size);
-    return point;
-  };
-  const nqLong above = node.center.y() + half;
-  const nqLong below = node.center.y() - half;
-  edge.route = {end(above), {right, above}, {right, below}, end(below)};
-  edge.labelCenter = {right + sizeOf(linesOf(edge)).width() / 2 + 5, node.center.y()};
-}
-
 }  // namespace
 
 void LayeredLayout::emptyInformation() {
@@ -223,17 +240,37 @@ void LayeredLayout::algorithmBody() {
     Vertex& v = h.vertices.emplace_back();
     v.node = node;
     v.number = static_cast<nqLong>(h.vertices.size() - 1);
-    h.measure(v, node->size);
     numbers.update(reinterpret_cast<nqInt64>(node), v.number);
   }
   const auto vertexOf = [&](const Node* node) {
     return &h.vertices[static_cast<std::size_t>(
         numbers.lookup(reinterpret_cast<nqInt64>(node)))];
   };
+  struct Loop {
+    Edge* edge;
+    Vertex* vertex;
+    nqLong room;  // from the node
+  };
+  std::vector<Loop> loops;
+  std::map<const Vertex*, nqLong> loopRoom;  // that is needed beside a node
   for (Edge* edge : Range<Edge>(graph_.edges)) {
-    if (edge->from == edge->to) continue;
+    if (edge->from == edge->to) {
+      Vertex* const v = vertexOf(edge->from);
+      nqLong& room = loopRoom.try_emplace(v, kBesideNode).first->second;
+      loops.push_back({edge, v, room});
+      room += breadthOfLoop(*edge, h);
+      continue;
+    }
     const nqLong span = edge->labels.length() > 0 ? 2 : 1;
     h.arcs.push_back({vertexOf(edge->from), vertexOf(edge->to), edge, span, false});
+  }
+
+  for (Vertex& v : h.vertices) {
+    v.breadth = h.across(v.node->size);
+    v.depth = h.along(v.node->size);
+  }
+  for (const auto& [v, room] : loopRoom) {
+    h.vertices[static_cast<std::size_t>(v->number)].breadth += 2 * room;
   }
 
   const std::size_t nodes = h.vertices.size();
@@ -245,13 +282,10 @@ void LayeredLayout::algorithmBody() {
   result_.bends = h.vertices.size() - nodes;
   result_.layers = static_cast<int>(h.layers.size());
   result_.crossings = reduceCrossings(h);
-  placeAcross(h);
+  placeAcross(h, ways);
 
   Drawing drawing(graph_, h);
   drawing.placeNodes();
   drawing.routeEdges(ways);
-  std::map<const Node*, nqLong> loops;
-  for (Edge* edge : Range<Edge>(graph_.edges)) {
-    if (edge->from == edge->to) routeLoop(*edge, loops[edge->from]++);
-  }
+  for (const auto& [edge, v, room] : loops) drawing.routeLoop(*edge, *v, room);
 }

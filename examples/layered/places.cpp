@@ -1,4 +1,7 @@
+#include <algorithm>
 #include <cmath>
+#include <limits>
+#include <span>
 
 #include "hierarchy.h"
 
@@ -90,11 +93,7 @@ class Placing {
     const Vertex* last = nullptr;
     nqLong at = 0;
     for (const Vertex* v : Range<Vertex>(layer)) {
-      if (last != nullptr) {
-        const bool bends = last->node == nullptr && v->node == nullptr;
-        at += (last->breadth + v->breadth + 1) / 2 +
-              (bends ? (h_.spacing + 1) / 2 : h_.spacing);
-      }
+      if (last != nullptr) at += h_.distance(*last, *v);
       offset_.push_back(at);
       last = v;
     }
@@ -109,17 +108,106 @@ class Placing {
   std::vector<Block> blocks_;
 };
 
+// Makes long edges straight as far as what stands beside them lets it: bends in
+// neighbouring layers that have a place in common go there, and as many as can.
+class Straightening {
+ public:
+  explicit Straightening(Hierarchy& h) : h_(h), beside_(h.vertices.size()) {
+    for (const NQDList& layer : h.layers) {
+      const Vertex* last = nullptr;
+      for (const Vertex* v : Range<Vertex>(layer)) {
+        beside(*v).before = last;
+        if (last != nullptr) beside(*last).after = v;
+        last = v;
+      }
+    }
+  }
+
+  // The bends of an edge.
+  void straighten(std::span<Vertex* const> bends) {
+    Room common;
+    std::size_t start = 0;
+    for (std::size_t i = 0; i < bends.size(); ++i) {
+      const Room room = roomOf(*bends[i]);
+      const Room both = {std::max(common.low, room.low),
+                         std::min(common.high, room.high)};
+      if (both.low <= both.high) {
+        common = both;
+        continue;
+      }
+      move(bends.subspan(start, i - start), common);
+      start = i;
+      common = room;
+    }
+    move(bends.subspan(start), common);
+  }
+
+ private:
+  struct Beside {
+    const Vertex* before = nullptr;
+    const Vertex* after = nullptr;
+  };
+  struct Room {
+    nqLong low = std::numeric_limits<nqLong>::min();
+    nqLong high = std::numeric_limits<nqLong>::max();
+  };
+
+  Beside& beside(const Vertex& v) { return beside_[static_cast<std::size_t>(v.number)]; }
+
+  Room roomOf(const Vertex& v) {
+    const auto [before, after] = beside(v);
+    Room room;
+    if (before != nullptr) room.low = before->across + h_.distance(*before, v);
+    if (after != nullptr) room.high = after->across - h_.distance(v, *after);
+    return room;
+  }
+
+  static void move(std::span<Vertex* const> bends, const Room& room) {
+    if (bends.empty()) return;
+    nqInt64 sum = 0;
+    for (const Vertex* v : bends) sum += v->across;
+    const auto mean = static_cast<nqLong>(sum / static_cast<nqInt64>(bends.size()));
+
+    for (Vertex* v : bends) v->across = std::clamp(mean, room.low, room.high);
+  }
+
+  Hierarchy& h_;
+  std::vector<Beside> beside_;  // by vertex
+};
+
 }  // namespace
 
-void placeAcross(Hierarchy& h) {
+void placeAcross(Hierarchy& h, const std::vector<std::vector<Vertex*>>& ways) {
+  // Small graphs get all the rounds that show.
+  const auto rounds = static_cast<int>(
+      std::clamp<std::size_t>(1'000'000 / (h.vertices.size() + 1), 6, 24));
   Placing placing(h);
   placing.start();
-  constexpr int kRounds = 6;
-  for (int round = 0; round < kRounds; ++round) {
-    const bool last = round + 1 == kRounds;  // then all neighbours have their say
-    for (const NQDList& layer : h.layers) placing.place(layer, true, last);
+  for (int round = 0; round < rounds; ++round) {
+    const bool both = round >= 4;  // then all neighbours have their say
+    for (const NQDList& layer : h.layers) placing.place(layer, true, both);
     for (auto layer = h.layers.rbegin(); layer != h.layers.rend(); ++layer) {
-      placing.place(*layer, last, true);
+      placing.place(*layer, both, true);
     }
+  }
+
+  // From one side to the other and back, so that edges beside each other make room.
+  struct LongEdge {
+    std::span<Vertex* const> bends;
+    double place;
+  };
+  std::vector<LongEdge> edges;
+  for (const std::vector<Vertex*>& way : ways) {
+    if (way.size() < 4) continue;
+    edges.push_back({std::span(way).subspan(1, way.size() - 2), 0});
+    for (const Vertex* v : edges.back().bends) edges.back().place += v->across;
+    edges.back().place /= static_cast<double>(edges.back().bends.size());
+  }
+  std::sort(edges.begin(), edges.end(),
+            [](const LongEdge& a, const LongEdge& b) { return a.place < b.place; });
+  Straightening straightening(h);
+  for (int round = 0; round < rounds / 2; ++round) {
+    for (const LongEdge& edge : edges) straightening.straighten(edge.bends);
+    std::reverse(edges.begin(), edges.end());
   }
 }

@@ -40,6 +40,11 @@ std::string escaped(std::string_view text) {
   return out;
 }
 
+// Whether light text is read more easily on it than dark.
+bool isDark(const NQColor& color) {
+  return 299 * color.ired() + 587 * color.igreen() + 114 * color.iblue() < 125'000;
+}
+
 // A name for nodes that get the same colour.
 class Group : public NQObject {
  public:
@@ -144,8 +149,10 @@ class Picture {
         "text { text-anchor: middle; fill: #222 }\n"
         ".title { font-size: 17px; text-anchor: start }\n"
         ".legend { text-anchor: start }\n"
+        ".onDark { fill: white }\n"
         ".halo { stroke: white; stroke-width: 4; paint-order: stroke }\n"
-        ".edge { fill: none; stroke: #5b6b7d; stroke-width: 1; stroke-opacity: 0.75 }\n"
+        ".edge { fill: none; stroke: #5b6b7d; stroke-width: 1; stroke-opacity: 0.75; "
+        "stroke-linejoin: round }\n"
         "</style>\n<defs>"
         "<marker id=\"arrow\" viewBox=\"0 0 10 8\" refX=\"9\" refY=\"4\" "
         "markerWidth=\"8\" markerHeight=\"7\" orient=\"auto\">"
@@ -188,8 +195,10 @@ class Picture {
   void drawNode(const Node& node) {
     NQRect box;
     paper_.transformRect(node.box(), box);
-    const std::string fill =
-        node.fill() != nullptr ? hexOf(*node.fill()) : groups_.colorOf(node);
+    NQColor color;
+    parseHex(groups_.colorOf(node), color);
+    if (node.fill() != nullptr) color = *node.fill();
+    const std::string fill = hexOf(color);
     const std::string style =
         " fill=\"" + fill + "\" stroke=\"#5b6b7d\" stroke-width=\"" +
         shortReal(node.thickness) + "\"" + dashesOf(node.stroke) + "/>\n";
@@ -215,7 +224,7 @@ class Picture {
     lines.front().remove_prefix(Groups::folderOf(node).size());  // the legend tells it
     NQRect inner;
     node.outline().getCurrentInnerRect(inner, node.center, node.size);
-    drawLines(lines, inner.center(), "");
+    drawLines(lines, inner.center(), isDark(color) ? "onDark" : "");
   }
 
   void drawLines(const std::vector<std::string_view>& lines, const NQPoint& center,
