@@ -57,6 +57,7 @@
 #include "nq/oml/syntax_tree.h"
 #include "nq/oml/token.h"
 #include "nq/platform/export.h"
+#include "nq/platform/prefetch.h"
 #include "nq/platform/records.h"
 #include "nq/platform/types.h"
 #include "nq/resources/color.h"

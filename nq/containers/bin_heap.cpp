@@ -6,6 +6,7 @@
 
 #include "nq/containers/cell_pool_internal.h"
 #include "nq/containers/list_sort_internal.h"
+#include "nq/platform/prefetch.h"
 
 // ---- NQBinHeapCell
 

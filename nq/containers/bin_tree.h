@@ -56,6 +56,7 @@
 #include <new>
 
 #include "nq/containers/dlist.h"
+#include "nq/platform/prefetch.h"
 
 class NQTestPeer;
 
@@ -118,7 +119,7 @@ class NQ_EXPORT NQBinTreeCell : public NQDListCell {
     return pChildren_[kLeft] == child ? kLeft : kRight;
   }
   [[gnu::always_inline]] void fetchChildren() const {
-    for (const NQBinTreeCell* child : pChildren_) nqdetail::prefetchCell(child);
+    for (const NQBinTreeCell* child : pChildren_) nqdetail::prefetch(child);
   }
   NQBinTreeCell* pLeft() const { return pChildren_[kLeft]; }
   NQBinTreeCell* pRight() const { return pChildren_[kRight]; }
@@ -135,7 +136,7 @@ inline void NQBinTreeCell::fetchAhead(bool forward) const {
   if (pParent_ == nullptr || pNextCell() == this + 1) return;
   const int ahead = forward ? kRight : kLeft;
   const NQBinTreeCell* const beside = pParent_->pChildren_[ahead];
-  nqdetail::prefetchCell(beside->pChildren_[ahead]);
+  nqdetail::prefetch(beside->pChildren_[ahead]);
   const NQBinTreeCell* const nearer = beside->pChildren_[1 - ahead];
   if (nearer != nullptr) nearer->fetchChildren();
 }

@@ -69,14 +69,6 @@ Cell* guessNext(const Cell* cell, Cell* next) {
 #endif
   return next;
 }
-
-// Fetches the cell into the cache; null is harmless. Functions that do nothing else
-// are to be inlined always: compilers leave out calls of what has no effect.
-[[gnu::always_inline]] inline void prefetchCell([[maybe_unused]] const void* cell) {
-#if defined(__GNUC__)
-  __builtin_prefetch(cell);
-#endif
-}
 }  // namespace nqdetail
 
 // A standard iterator over the objects of a list; Object is NQObject* or

@@ -29,6 +29,7 @@
 
 #include "nq/containers/linked_list.h"
 #include "nq/core/memory_internal.h"
+#include "nq/platform/prefetch.h"
 #include "nq/platform/types.h"
 
 namespace nqdetail {

@@ -53,13 +53,6 @@ inline void poison(const void*, std::size_t) {}
 inline void unpoison(const void*, std::size_t) {}
 #endif
 
-// Fetches what stands at `place` into the cache; any pointer is harmless.
-inline void prefetch([[maybe_unused]] const void* place) {
-#if defined(__GNUC__)
-  __builtin_prefetch(place);
-#endif
-}
-
 struct Free {
   void operator()(void* memory) const { std::free(memory); }
 };

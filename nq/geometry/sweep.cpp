@@ -1,6 +1,6 @@
 #include "nq/geometry/sweep.h"
 
-#include "nq/core/memory_internal.h"
+#include "nq/platform/prefetch.h"
 
 #include <algorithm>
 #include <cstddef>

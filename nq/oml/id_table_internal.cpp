@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "nq/oml/encoding_internal.h"
+#include "nq/platform/prefetch.h"
 
 namespace nqdetail {
 
