@@ -62,7 +62,7 @@ Writer::~Writer() = default;
 void Writer::object(const char* type, const NQOMLObject* object, bool singleLine) {
   if (type == nullptr) return;
   if (object == nullptr) {
-    objectStart(type, {}, singleLine);
+    objectStart(type, "", singleLine);
     return;
   }
   const nqLong id = writtenID(*object, object->graphFileID());
