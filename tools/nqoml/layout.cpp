@@ -357,7 +357,6 @@ class Layouter {
     for (std::size_t i = 0; i < token.size();) {
       const std::size_t stop = std::min(token.find_first_of("\n\r", i), token.size());
       copy += token.substr(i, stop - i);
-      i = stop;
       if (stop == token.size()) break;
       copy += lineEnd_;
       i = scanner_.lineEnd(at_ + stop) - at_;
