@@ -163,6 +163,8 @@ class NQ_EXPORT NQFile : public NQObject {
   const char* pFileName(const char* name);
   const char* pPathName(const char* path);
 
+  // Bytes that were fetched ahead are mostly read where they stand; whoever looks at
+  // the buffer gets them there first, a copy at most once for each refill.
   char* pFileBuffer() const;
   char* pTopBuffer() const;
   int numberOfBufferedBytes() const { return numberOfBufferedBytes_; }

@@ -30,7 +30,7 @@ class StopSearch {
   // The first stop of [first, last), or `last`; bytes may be looked at up to `end`. All
   // that one object is given are parts of the same bytes, unchanged.
   const char* find(const char* first, const char* last, const char* end) {
-    for (;;) {
+    while (first < last) {
       const std::uintptr_t passed = reinterpret_cast<std::uintptr_t>(first) -
                                     reinterpret_cast<std::uintptr_t>(place_);
       if (passed < kSeen) {
@@ -40,13 +40,14 @@ class StopSearch {
             return last;
           if (isStop(*found)) return found;
         }
-        first = place_ + kSeen;
+        first += kSeen - passed;
+        if (first >= last) break;
       }
-      if (first >= last) return last;
       if (end - first < kSeen) return std::find_if(first, last, isStop);
       place_ = first;
       low_ = lowBytes(first);
     }
+    return last;
   }
 
  private:

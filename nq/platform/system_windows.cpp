@@ -87,8 +87,10 @@ bool seekFileToEnd(Handle handle) {
   return seekFile(handle, 0, FILE_END);
 }
 
+// Some devices accept every move and make none.
 bool seekFileBy(Handle handle, std::int64_t distance) {
-  return seekFile(handle, distance, FILE_CURRENT);
+  return GetFileType(handle) == FILE_TYPE_DISK &&
+         seekFile(handle, distance, FILE_CURRENT);
 }
 
 Handle standardHandle(DWORD which) {
