@@ -21,6 +21,12 @@ void writeAll(NQOMLFile& file, const NQDList& elements) {
   for (const Element* element : Range<Element>(elements)) element->write(file);
 }
 
+// The id of an object without those of what it is in.
+std::string_view lastNameOf(NQOMLSyntaxObject& syntax) {
+  const std::string_view path = syntax.nameString();
+  return path.substr(path.rfind(',') + 1);
+}
+
 // Which part of the node's box an outline leaves for text, in thousandths.
 NQRect textPlace(ShapeKind kind) {
   switch (kind) {
@@ -95,8 +101,7 @@ void Node::fill(const NQColor& color) {
 }
 
 void Node::preReadFields(NQOMLSyntaxObject* syntax, NQOMLFile*) {
-  const std::string_view path = syntax->nameString();
-  title = path.substr(path.rfind(',') + 1);
+  title = lastNameOf(*syntax);
 }
 
 int Node::readField(NQOMLSyntaxField* field, NQOMLSyntaxObject*, NQOMLFile* file) {
@@ -170,6 +175,12 @@ void Edge::write(NQOMLFile& file) const {
   }
   writeSection(file, "drawing");
   file.writeAttribute("head", wordOf(head));
+  if (stroke != Stroke::kSolid || thickness != 1) {
+    writeSection(file, "line");
+    file.writeAttribute("stroke", wordOf(stroke));
+    file.writeAttribute("thickness", thickness);
+    file.writeClosingBracket();
+  }
   file.writeClosingBracket();
   writeAll(file, labels);
   file.writeClosingBracket();
@@ -177,7 +188,8 @@ void Edge::write(NQOMLFile& file) const {
 
 // ---- The graph
 
-Graph::Graph() : Element(nullptr) {
+Graph::Graph(Graph* owner) : Element(owner) {
+  if (owner != nullptr) return;
   for (std::size_t kind = 0; kind < outlines_.size(); ++kind) {
     const NQShape shape = outlineOf(static_cast<ShapeKind>(kind));
     outlines_[kind] = shapes_.insert(new NQShapeResource(&shapes_, &shape));
@@ -188,6 +200,29 @@ Graph::~Graph() {
   edges.deleteAllCellsAndObjects();
   nodes.deleteAllCellsAndObjects();
   labels.deleteAllCellsAndObjects();
+  graphs.deleteAllCellsAndObjects();
+}
+
+Graph& Graph::outermost() {
+  return nested() ? static_cast<Graph&>(*pOMLOwner()).outermost() : *this;
+}
+
+const Graph& Graph::outermost() const {
+  return nested() ? static_cast<const Graph&>(*pOMLOwner()).outermost() : *this;
+}
+
+void Graph::collectNodes(NQDList& all) const {
+  all.copyAppendList(&nodes);
+  for (const Graph* inner : Range<Graph>(graphs)) inner->collectNodes(all);
+}
+
+void Graph::collectEdges(NQDList& all) const {
+  all.copyAppendList(&edges);
+  for (const Graph* inner : Range<Graph>(graphs)) inner->collectEdges(all);
+}
+
+void Graph::preReadFields(NQOMLSyntaxObject* syntax, NQOMLFile*) {
+  if (nested()) title = lastNameOf(*syntax);
 }
 
 int Graph::readField(NQOMLSyntaxField* field, NQOMLSyntaxObject*, NQOMLFile* file) {
@@ -197,6 +232,7 @@ int Graph::readField(NQOMLSyntaxField* field, NQOMLSyntaxObject*, NQOMLFile* fil
 void Graph::collectOwnedOMLObjects(NQDList& parts) {
   parts.copyAppendList(&labels);
   parts.copyAppendList(&nodes);
+  parts.copyAppendList(&graphs);
   parts.copyAppendList(&edges);
 }
 
@@ -216,16 +252,19 @@ void Graph::write(NQOMLFile& file) const {
   file.writeClosingBracket();
   writeAll(file, labels);
   writeAll(file, nodes);
+  writeAll(file, graphs);
   writeAll(file, edges);
   file.writeClosingBracket();
 }
 
 const NQResource* Graph::shared(const NQColor& color) {
-  return colors_.insert(new NQColorResource(&colors_, &color));
+  NQColorResourceDB& colors = outermost().colors_;
+  return colors.insert(new NQColorResource(&colors, &color));
 }
 
 const NQShape& Graph::outline(ShapeKind kind) const {
-  const NQResource* const outline = outlines_.at(static_cast<std::size_t>(kind));
+  const NQResource* const outline =
+      outermost().outlines_.at(static_cast<std::size_t>(kind));
   return *static_cast<const NQShapeResource*>(outline)->pShape();
 }
 

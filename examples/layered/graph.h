@@ -1,8 +1,9 @@
 // graph.h -- the objects of a graph that reads, writes and draws itself.
 //
-// A Graph owns its nodes, edges and labels; an edge refers to two of its nodes.
-// Colours and outlines are values that many nodes share: they live once in the
-// graph's resource databases. y grows upward, as everywhere in nq.
+// A Graph owns its nodes, edges, labels and nested graphs; an edge refers to two nodes,
+// wherever they are. Colours and outlines are values that many nodes share: they live
+// once in the resource databases of the outermost graph. y grows upward, as everywhere in
+// nq.
 
 #ifndef LAYERED_GRAPH_H
 #define LAYERED_GRAPH_H
@@ -90,7 +91,7 @@ class Node : public Element {
   void fill(const NQColor& color);
 
   NQRect box() const { return NQRect(center, size); }
-  Graph& graph() const;
+  Graph& graph() const;  // the innermost that it is in
 
   std::string title;
   int group = 0;
@@ -120,6 +121,8 @@ class Edge : public Element {
   Node* to = nullptr;
   double weight = 1;
   Head head = Head::kArrow;
+  Stroke stroke = Stroke::kSolid;
+  double thickness = 1;
   std::vector<NQPoint> route;  // its ends included; empty when it is not drawn
   NQPoint labelCenter;
   NQDList labels;  // of Label, owned
@@ -127,9 +130,12 @@ class Edge : public Element {
 
 class Graph : public Element {
  public:
-  Graph();
+  // `owner`: the graph in which it is nested; null for none.
+  explicit Graph(Graph* owner = nullptr);
   ~Graph() override;
 
+  // A file's id serves as title where none is given.
+  void preReadFields(NQOMLSyntaxObject* syntax, NQOMLFile* file) override;
   int readField(NQOMLSyntaxField* field, NQOMLSyntaxObject* syntax,
                 NQOMLFile* file) override;
   void collectOwnedOMLObjects(NQDList& parts) override;
@@ -140,6 +146,11 @@ class Graph : public Element {
   // That of all nodes of a kind; equal ones are shared by kinds, too.
   const NQShape& outline(ShapeKind kind) const;
 
+  bool nested() const { return pOMLOwner() != nullptr; }
+  // Adds those of this graph and of all that are nested in it.
+  void collectNodes(NQDList& all) const;
+  void collectEdges(NQDList& all) const;
+
   std::string title;
   std::string citation;
   bool directed = true;
@@ -148,8 +159,13 @@ class Graph : public Element {
   NQDList nodes;   // of Node, owned
   NQDList edges;   // of Edge, owned
   NQDList labels;  // of Label, owned
+  NQDList graphs;  // of Graph, owned
 
  private:
+  // Where what is shared stands.
+  Graph& outermost();
+  const Graph& outermost() const;
+
   NQColorResourceDB colors_;
   NQShapeResourceDB shapes_;
   std::array<const NQResource*, 4> outlines_{};  // by kind

@@ -7,7 +7,8 @@ namespace {
 
 const char* const kTypes[] = {"graph", "node", "edge", "label", nullptr};
 
-const char* const kSections[] = {"origin", "layout", "drawing", "line", nullptr};
+const char* const kSections[] = {"origin", "layout", "margins", "drawing",
+                                 "line",   "font",   nullptr};
 
 NQOMLStaticVEStruct kEnumerators[] = {
     {"layered", 0},  {"force", 1},    {"circular", 2},                     // algorithm
@@ -16,6 +17,7 @@ NQOMLStaticVEStruct kEnumerators[] = {
     {"box", 0},      {"rounded", 1},  {"ellipse", 2},  {"diamond", 3},     // shape
     {"solid", 0},    {"dashed", 1},   {"dotted", 2},                       // stroke
     {"none", 0},     {"arrow", 1},    {"dot", 2},                          // head
+    {"centered", 0}, {"above", 1},    {"below", 2},                        // place
     {nullptr, 0}};
 
 // clang-format off
@@ -23,29 +25,42 @@ const char* const kDefinitions[] = {
     "O $toplevel$", "[", "T graph", "]",
     "O graph", "[",
       "F title S", "F directed B R",
-      "S origin", "[", "F citation S", "]",
+      "S origin", "[", "F citation S", "F server P", "F digest X", "]",
       "S layout", "[",
         "E algorithm [layered..circular]", "E flow [down..rightward]",
         "F spacing R", "F seed I",
+        "S margins", "[", "F horizontal I", "F vertical I", "]",
       "]",
-      "T node", "T edge", "T label",
+      "S drawing", "[", "F background S", "]",
+      "T graph", "T node", "T edge", "T label",
     "]",
     "O node", "[",
       "F title S", "F group I", "F importance R",
-      "S layout", "[", "F x R", "F y R", "F width I", "F height I", "]",
+      "F address P", "F icon X", "R parent node",
+      "S layout", "[",
+        "F x R", "F y R", "F width I", "F height I", "F fixed B",
+      "]",
       "S drawing", "[",
         "E shape [box..diamond]", "F fill S",
         "S line", "[", "E stroke [solid..dotted]", "F thickness R", "]",
+        "S font", "[", "F family S", "F points I", "]",
       "]",
       "T label",
     "]",
     "O edge", "[",
       "R from node R", "R to node R", "F weight R",
+      "R bundle edge", "R subject _",
       "S layout", "[", "E routing [straight..orthogonal]", "F bend R", "]",
-      "S drawing", "[", "E head [none arrow dot]", "]",
+      "S drawing", "[",
+        "E head [none arrow dot]",
+        "S line", "[", "E stroke [solid..dotted]", "F thickness R", "]",
+      "]",
       "T label",
     "]",
-    "O label", "[", "F text S R", "]",
+    "O label", "[",
+      "F text S R", "E place [centered above below]",
+      "S drawing", "[", "S font", "[", "F family S", "F points I", "]", "]",
+    "]",
     nullptr};
 // clang-format on
 
@@ -57,6 +72,12 @@ const char* word(const std::array<const char*, count>& words, Enum value) {
 // Fields that say what a layout computes anew.
 template <class T>
 void passOver(T&, const NQOMLSyntaxField&, NQOMLFile&) {}
+
+// Fields that are neither drawn nor written.
+template <class T>
+void leaveOut(T&, const NQOMLSyntaxField&, NQOMLFile& file) {
+  static_cast<GraphFile&>(file).leaveOut();
+}
 
 }  // namespace
 
@@ -101,6 +122,8 @@ GraphGrammar::GraphGrammar()
     }
   });
   for (const char* name : {"algorithm", "seed"}) add(graphFields, name, passOver<Graph>);
+  for (const char* name : {"server", "digest", "horizontal", "vertical", "background"})
+    add(graphFields, name, leaveOut<Graph>);
 
   add(nodeFields, "title",
       [](Node& n, Field f, NQOMLFile&) { n.title = f.stringValue(); });
@@ -126,6 +149,8 @@ GraphGrammar::GraphGrammar()
       [](Node& n, Field f, NQOMLFile&) { n.thickness = f.doubleValue(); });
   for (const char* name : {"x", "y", "width", "height"})
     add(nodeFields, name, passOver<Node>);
+  for (const char* name : {"address", "icon", "parent", "fixed", "family", "points"})
+    add(nodeFields, name, leaveOut<Node>);
 
   add(edgeFields, "from",
       [](Edge& e, Field f, NQOMLFile&) { e.from = static_cast<Node*>(f.objectValue()); });
@@ -136,9 +161,17 @@ GraphGrammar::GraphGrammar()
   add(edgeFields, "head",
       [](Edge& e, Field f, NQOMLFile&) { e.head = static_cast<Head>(f.enumValue()); });
   for (const char* name : {"routing", "bend"}) add(edgeFields, name, passOver<Edge>);
+  for (const char* name : {"bundle", "subject"}) add(edgeFields, name, leaveOut<Edge>);
+  add(edgeFields, "stroke", [](Edge& e, Field f, NQOMLFile&) {
+    e.stroke = static_cast<Stroke>(f.enumValue());
+  });
+  add(edgeFields, "thickness",
+      [](Edge& e, Field f, NQOMLFile&) { e.thickness = f.doubleValue(); });
 
   add(labelFields, "text",
       [](Label& l, Field f, NQOMLFile&) { l.text = f.stringValue(); });
+  for (const char* name : {"place", "family", "points"})
+    add(labelFields, name, leaveOut<Label>);
 }
 
 // ---- The factory
@@ -156,8 +189,9 @@ NQOMLObject* makeIn(NQDList Owner::*list, NQOMLObject* owner) {
 
 }  // namespace
 
-NQOMLObject* GraphFactory::vNewGraph(NQOMLObject*, int) {
-  return new Graph;
+NQOMLObject* GraphFactory::vNewGraph(NQOMLObject* owner, int) {
+  // Where no owner was given, the factory is.
+  return owner == this ? new Graph : makeIn<Graph>(&Graph::graphs, owner);
 }
 
 NQOMLObject* GraphFactory::vNewNode(NQOMLObject* owner, int) {
@@ -199,6 +233,7 @@ GraphFile::GraphFile(GraphFactory* factory) : factory_(factory) {
 std::unique_ptr<Graph> GraphFile::read(const char* name, GraphGrammar& grammar,
                                        bool binary) {
   graphs_.clear();
+  leftOut_ = 0;
   const NQFileCodeEnum result =
       readOMLFile(name, &grammar, nullptr, -1, binary ? 1 : 0, 0, 0);
   if (result != NQ_FILE_OK || graphs_.size() != 1) return nullptr;
@@ -215,6 +250,7 @@ NQObject* GraphFile::vCreateObject(NQOMLSyntaxObject* syntax,
   auto* const keeper = static_cast<NQOMLObject*>(owner);
   switch (syntax->typeIndex()) {
     case kGraphType:
+      if (keeper != nullptr) return factory_->nqNewGraph(keeper, 0);
       graphs_.emplace_back(static_cast<Graph*>(factory_->nqNewGraph(nullptr, 0)));
       return graphs_.back().get();
     case kNodeType:

@@ -74,6 +74,9 @@ class GraphFile : public NQOMLFile {
 
   // The graph in the file, or null when it has an error.
   std::unique_ptr<Graph> read(const char* name, GraphGrammar& grammar, bool binary);
+  // How many fields of that file a graph has no place for.
+  int leftOut() const { return leftOut_; }
+  void leaveOut() { ++leftOut_; }
   // Whether the whole graph was written. What is written reads back equal.
   bool write(const char* name, GraphGrammar& grammar, Graph& graph, bool binary);
 
@@ -84,7 +87,8 @@ class GraphFile : public NQOMLFile {
 
  private:
   GraphFactory* factory_;
-  std::vector<std::unique_ptr<Graph>> graphs_;  // made in this read
+  std::vector<std::unique_ptr<Graph>> graphs_;  // outermost ones of this read
+  int leftOut_ = 0;
 };
 
 #endif  // LAYERED_GRAPH_FILE_H

@@ -225,7 +225,7 @@ class Drawing {
 
 void LayeredLayout::emptyInformation() {
   result_ = {};
-  for (Edge* edge : Range<Edge>(graph_.edges)) edge->route.clear();
+  for (Edge* edge : Range<Edge>(edges_)) edge->route.clear();
 }
 
 void LayeredLayout::algorithmBody() {
@@ -234,8 +234,8 @@ void LayeredLayout::algorithmBody() {
   h.vertical = graph_.flow == Flow::kDown || graph_.flow == Flow::kUp;
 
   // Addresses lead from nodes to vertices by way of a table made for them.
-  NQIndexHashTable numbers(nextPrimeNumber(graph_.nodes.length()), 16, -1);
-  for (Node* node : Range<Node>(graph_.nodes)) {
+  NQIndexHashTable numbers(nextPrimeNumber(nodes_.length()), 16, -1);
+  for (Node* node : Range<Node>(nodes_)) {
     fitToText(*node);
     Vertex& v = h.vertices.emplace_back();
     v.node = node;
@@ -253,7 +253,7 @@ void LayeredLayout::algorithmBody() {
   };
   std::vector<Loop> loops;
   std::map<const Vertex*, nqLong> loopRoom;  // that is needed beside a node
-  for (Edge* edge : Range<Edge>(graph_.edges)) {
+  for (Edge* edge : Range<Edge>(edges_)) {
     if (edge->from == edge->to) {
       Vertex* const v = vertexOf(edge->from);
       nqLong& room = loopRoom.try_emplace(v, kBesideNode).first->second;

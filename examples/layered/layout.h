@@ -25,7 +25,10 @@ class LayeredLayout : public NQMORAlgorithm {
   // `hideImplied`: whether an edge is left out where a longer way leads from its
   // one node to the other. The graph is borrowed.
   LayeredLayout(Graph& graph, bool hideImplied)
-      : graph_(graph), hideImplied_(hideImplied) {}
+      : graph_(graph), hideImplied_(hideImplied) {
+    graph.collectNodes(nodes_);
+    graph.collectEdges(edges_);
+  }
 
   // Of the last run.
   const Result& result() const { return result_; }
@@ -35,6 +38,8 @@ class LayeredLayout : public NQMORAlgorithm {
 
  private:
   Graph& graph_;
+  NQDList nodes_;  // of nested graphs, too
+  NQDList edges_;
   bool hideImplied_;
   Result result_;
 };

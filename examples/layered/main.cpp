@@ -74,12 +74,20 @@ int run(int argc, char** argv) {
   std::fputs(file.pWarningStringBuffer(), stderr);
   if (graph == nullptr) return 1;
   const double reading = watch.lap();
+  if (file.leftOut() > 0) {
+    std::fprintf(stderr, "%s: %d fields are neither drawn nor written\n", input.c_str(),
+                 file.leftOut());
+  }
 
   LayeredLayout layout(*graph, hideImplied);
   layout.run();
   const double computing = watch.lap();
 
-  OverlapSweep sweep(*graph);
+  NQDList nodes;
+  NQDList edges;
+  graph->collectNodes(nodes);
+  graph->collectEdges(edges);
+  OverlapSweep sweep(nodes);
   sweep.run();
   for (const auto& [a, b] : sweep.pairs()) {
     std::fprintf(stderr, "%s: overlaps %s\n", a->title.c_str(), b->title.c_str());
@@ -100,8 +108,8 @@ int run(int argc, char** argv) {
   if (quiet) return 0;
   const LayeredLayout::Result& r = layout.result();
   std::printf("%s: %d nodes on %d layers, %d edges", input.c_str(),
-              static_cast<int>(graph->nodes.length()), r.layers,
-              static_cast<int>(graph->edges.length()));
+              static_cast<int>(nodes.length()), r.layers,
+              static_cast<int>(edges.length()));
   if (r.hidden > 0) std::printf(" (%d of them implied and not drawn)", r.hidden);
   if (r.reversed > 0) std::printf(", %d against the flow", r.reversed);
   if (r.far > 0) std::printf(", %d too long to be led around nodes", r.far);

@@ -8,8 +8,7 @@ NQRect boxOf(const NQObject* node) {
 
 }  // namespace
 
-OverlapSweep::OverlapSweep(const Graph& graph)
-    : NQSweep(&graph.nodes, NQSweepTypeEnum{}) {}
+OverlapSweep::OverlapSweep(const NQDList& nodes) : NQSweep(&nodes, NQSweepTypeEnum{}) {}
 
 int OverlapSweep::virtualStartValue(NQObject* node) {
   return boxOf(node).left();

@@ -17,7 +17,7 @@ class OverlapSweep : public NQSweep {
     const Node* b;
   };
 
-  explicit OverlapSweep(const Graph& graph);
+  explicit OverlapSweep(const NQDList& nodes);
 
   // Empty exactly if no two nodes overlap; else some of the pairs that do.
   const std::vector<Pair>& pairs() const { return pairs_; }

@@ -53,17 +53,17 @@ class Group : public NQObject {
   const std::string_view name;
 };
 
-// The folders in which the nodes of a graph are, by their titles, or their groups
-// where titles name none. A pool gives each name a small number, which chooses the
+// What nodes are in: a nested graph, or the folder that their titles tell, or else just
+// a group. A pool gives each name a small number, which chooses the
 // colour; a tree keeps them in the order of the legend.
 class Groups {
  public:
-  explicit Groups(const Graph& graph) : names_(16, 16, 1, 0) {
-    for (const Node* node : Range<Node>(graph.nodes)) {
-      const std::string_view folder = folderOf(*node);
-      if (folder.empty()) continue;
+  explicit Groups(const NQDList& nodes) : names_(16, 16, 1, 0) {
+    for (const Node* node : Range<Node>(nodes)) {
+      const std::string_view name = nameOf(*node);
+      if (name.empty()) continue;
       const nqLong known = names_.decodeTableMax();
-      const nqLong code = names_.update(folder);
+      const nqLong code = names_.update(name);
       if (code == known) legend_.addObject(new Group(code, names_.decode(code)));
     }
   }
@@ -76,8 +76,8 @@ class Groups {
   bool named() const { return legend_.length() > 0; }
 
   const char* colorOf(const Node& node) const {
-    const std::string_view folder = folderOf(node);
-    return color(folder.empty() ? node.group & 0xffff : names_.lookup(folder));
+    const std::string_view name = nameOf(node);
+    return color(name.empty() ? node.group & 0xffff : names_.lookup(name));
   }
   static const char* color(nqLong code) {
     return kPalette.at(static_cast<std::size_t>(code) % kPalette.size());
@@ -88,6 +88,10 @@ class Groups {
   }
 
  private:
+  static std::string_view nameOf(const Node& node) {
+    return node.graph().nested() ? node.graph().title : folderOf(node);
+  }
+
   class ByName : public NQSortedBinTree {
    public:
     ByName() { exclusiveColors(1); }
@@ -105,15 +109,16 @@ class Groups {
 
 class Picture {
  public:
-  explicit Picture(const Graph& graph) : graph_(graph), groups_(graph) {}
+  Picture(const Graph& graph, const NQDList& nodes, const NQDList& edges)
+      : graph_(graph), nodes_(nodes), edges_(edges), groups_(nodes) {}
 
   std::string draw() {
     open();
-    for (const Edge* edge : Range<Edge>(graph_.edges)) {
+    for (const Edge* edge : Range<Edge>(edges_)) {
       if (edge->route.size() > 1) drawEdge(*edge);
     }
-    for (const Node* node : Range<Node>(graph_.nodes)) drawNode(*node);
-    for (const Edge* edge : Range<Edge>(graph_.edges)) {
+    for (const Node* node : Range<Node>(nodes_)) drawNode(*node);
+    for (const Edge* edge : Range<Edge>(edges_)) {
       if (!edge->route.empty()) drawLines(linesOf(*edge), edge->labelCenter, "halo");
     }
     drawTitle();
@@ -126,8 +131,8 @@ class Picture {
   void open() {
     NQRect bounds;
     bounds.setZero();
-    for (const Node* node : Range<Node>(graph_.nodes)) bounds |= node->box();
-    for (const Edge* edge : Range<Edge>(graph_.edges)) {
+    for (const Node* node : Range<Node>(nodes_)) bounds |= node->box();
+    for (const Edge* edge : Range<Edge>(edges_)) {
       for (const NQPoint& point : edge->route) bounds |= NQRect(point, point);
       if (!edge->route.empty() && edge->labels.length() > 0)
         bounds |= NQRect(edge->labelCenter, sizeOf(linesOf(*edge)));
@@ -186,6 +191,9 @@ class Picture {
       last = next;
     }
     out_ += '"';
+    if (edge.stroke != Stroke::kSolid) out_ += dashesOf(edge.stroke);
+    if (edge.thickness != 1)
+      add(" style=\"stroke-width: ", shortReal(edge.thickness), "\"");
     if (graph_.directed && edge.head == Head::kArrow)
       out_ += " marker-end=\"url(#arrow)\"";
     if (edge.head == Head::kDot) out_ += " marker-end=\"url(#dot)\"";
@@ -296,6 +304,8 @@ class Picture {
   }
 
   const Graph& graph_;
+  const NQDList& nodes_;  // of nested graphs, too
+  const NQDList& edges_;
   Groups groups_;
   NQTransform paper_;
   nqLong width_ = 0;
@@ -306,5 +316,9 @@ class Picture {
 }  // namespace
 
 std::string svgOf(const Graph& graph) {
-  return Picture(graph).draw();
+  NQDList nodes;
+  NQDList edges;
+  graph.collectNodes(nodes);
+  graph.collectEdges(edges);
+  return Picture(graph, nodes, edges).draw();
 }
