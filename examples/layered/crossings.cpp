@@ -251,7 +251,7 @@ long long reduceCrossings(Hierarchy& h) {
   constexpr long long kMostVisits = 5'000'000;  // to vertices, in sorting
   const bool small = h.arcs.size() <= kFew;
   const int patience = small ? 1 : 5;  // for sweeps that do not help
-  Ordering ordering(h, small ? 5'000'000 : 500'000'000);
+  Ordering ordering(h, small ? 5'000'000 : 1'000'000'000);
   long long visits = kMostVisits;
 
   long long best = ordering.crossings();
