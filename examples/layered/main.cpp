@@ -48,6 +48,7 @@ int run(int argc, char** argv) {
   std::string input, oml, omlb, svg;
   bool binary = false, hideImplied = false, quiet = false;
   CLI::App app("Lays out a graph in layers.");
+  app.allow_windows_style_options(false);  // "/" begins a path, not an option
   app.add_option("graph", input, "the graph, an OML file")->required();
   app.add_flag("--binary", binary, "the graph is in the binary encoding");
   app.add_flag("--hide-implied", hideImplied,
