@@ -77,8 +77,8 @@ class NQ_EXPORT NQListSort : public NQObject {
   int changed_ = 0;
 };
 
-extern template class NQListSort<NQDList, NQDListCell>;
-extern template class NQListSort<NQSList, NQSListCell>;
+extern template class NQ_EXPORT NQListSort<NQDList, NQDListCell>;
+extern template class NQ_EXPORT NQListSort<NQSList, NQSListCell>;
 
 class NQ_EXPORT NQDListSort : public NQListSort<NQDList, NQDListCell> {
  public:
