@@ -102,10 +102,20 @@ NQBinTreeCell* NQSortedBinTree::insertCell(NQBinTreeCell* cell) {
   NQBinTreeCell* last = pRoot_;
   int side = sideBelow(last);
   NQBinTreeCell* next = last->pChildren_[side];
+  constexpr int kStepsToEnd = 4;
   // Keys that come in order go along an edge of the tree, which the processor
-  // predicts. From there on no step is a branch, as none could be predicted.
+  // predicts, and after a few steps most likely to its end. From the edge on no step
+  // is a branch, as none could be predicted.
   const auto followEdge = [&](auto edge) {
-    while (isReal(next)) {
+    for (int step = 0; isReal(next); ++step) {
+      if (step == kStepsToEnd) {
+        NQBinTreeCell* const end = edge == kRight ? pLastCell() : pFirstCell();
+        if (sideBelow(end) == edge) {
+          last = end;
+          next = end->pChildren_[edge];
+          return;
+        }
+      }
       last = next;
       side = sideBelow(last);
       if (side != edge) {

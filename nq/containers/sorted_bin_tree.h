@@ -5,10 +5,11 @@
 // compare equal the newest comes first (the sorted lists keep them the other way
 // round). The order of two objects must not change while both are in the tree.
 //
-// Insertion and search cost one comparison for each level of the tree; searches
-// also walk over the objects that compare equal to the one sought. See bin_tree.h
-// for the depth, and for what exclusiveColors(1) does to it. A comparison that
-// contradicts itself makes searches miss and orders wrong, nothing worse.
+// Insertion and search cost one comparison for each level of the tree; insertion at
+// either end of a deep tree costs but a few, and searches also walk over the objects
+// that compare equal to the one sought. See bin_tree.h for the depth, and for what
+// exclusiveColors(1) does to it. A comparison that contradicts itself makes searches
+// miss and orders wrong, nothing worse.
 //
 // What would give cells a position of the caller's choice is not offered here.
 // The class is abstract; clones and copies work where the derived class states
@@ -57,7 +58,7 @@ class NQ_EXPORT NQSortedBinTree : public NQBinTree {
  protected:
   void init() {}
 
-  // Called for each level by insertCell() and searchCell(): the comparison of the
+  // Called by insertCell() and searchCell(), see above: the comparison of the
   // two cells' objects, if not overridden.
   virtual int virtualCellCompare(const NQDListCell* a, const NQDListCell* b) const;
   // Negative when `a` sorts before `b`, 0 when they are equal, positive when after.
