@@ -62,9 +62,12 @@ if(UNIX AND BUILD_SHARED_LIBS)
 endif()
 
 # The documents refer to one another as they lie in the source tree. The examples are
-# there to be read, and the layout to be built as well.
-install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
-  DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
-  DESTINATION ${CMAKE_INSTALL_DOCDIR}
-  REGEX "/examples/CMakeLists.txt$|/run_example.cmake$|/Doxyfile$|/api.dox$" EXCLUDE)
+# there to be read, and the layout to be built as well. As part of another project nq
+# leaves that project's folder for documents alone.
+if(PROJECT_IS_TOP_LEVEL)
+  install(FILES ${PROJECT_SOURCE_DIR}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md
+    DESTINATION ${CMAKE_INSTALL_DOCDIR})
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    REGEX "/examples/CMakeLists.txt$|/run_example.cmake$|/Doxyfile$|/api.dox$" EXCLUDE)
+endif()
