@@ -1,6 +1,7 @@
 #include "graph_file.h"
 
 #include <array>
+#include <cctype>
 #include <string_view>
 
 namespace {
@@ -75,8 +76,8 @@ void passOver(T&, const NQOMLSyntaxField&, NQOMLFile&) {}
 
 // Fields that are neither drawn nor written.
 template <class T>
-void leaveOut(T&, const NQOMLSyntaxField&, NQOMLFile& file) {
-  static_cast<GraphFile&>(file).leaveOut();
+void leaveOut(T&, const NQOMLSyntaxField& field, NQOMLFile& file) {
+  static_cast<GraphFile&>(file).leaveOut(field);
 }
 
 }  // namespace
@@ -233,7 +234,7 @@ GraphFile::GraphFile(GraphFactory* factory) : factory_(factory) {
 std::unique_ptr<Graph> GraphFile::read(const char* name, GraphGrammar& grammar,
                                        bool binary) {
   graphs_.clear();
-  leftOut_ = 0;
+  leftOut_.clear();
   const NQFileCodeEnum result =
       readOMLFile(name, &grammar, nullptr, -1, binary ? 1 : 0, 0, 0);
   if (result != NQ_FILE_OK || graphs_.size() != 1) return nullptr;
@@ -243,6 +244,12 @@ std::unique_ptr<Graph> GraphFile::read(const char* name, GraphGrammar& grammar,
 bool GraphFile::write(const char* name, GraphGrammar& grammar, Graph& graph,
                       bool binary) {
   return writeOMLFile(name, &grammar, &graph, binary ? 1 : 0, 0, 0) == NQ_FILE_OK;
+}
+
+void GraphFile::leaveOut(const NQOMLSyntaxField& field) {
+  std::string name = field.nameString();  // in upper case, as names are kept
+  for (char& c : name) c = static_cast<char>(std::tolower(c));
+  ++leftOut_[name];
 }
 
 NQObject* GraphFile::vCreateObject(NQOMLSyntaxObject* syntax,

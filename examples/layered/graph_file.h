@@ -3,6 +3,7 @@
 #ifndef LAYERED_GRAPH_FILE_H
 #define LAYERED_GRAPH_FILE_H
 
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -74,9 +75,9 @@ class GraphFile : public NQOMLFile {
 
   // The graph in the file, or null when it has an error.
   std::unique_ptr<Graph> read(const char* name, GraphGrammar& grammar, bool binary);
-  // How many fields of that file a graph has no place for.
-  int leftOut() const { return leftOut_; }
-  void leaveOut() { ++leftOut_; }
+  // The fields of that file for which a graph has no place: how many of each name.
+  const std::map<std::string, int>& leftOut() const { return leftOut_; }
+  void leaveOut(const NQOMLSyntaxField& field);
   // Whether the whole graph was written. What is written reads back equal.
   bool write(const char* name, GraphGrammar& grammar, Graph& graph, bool binary);
 
@@ -88,7 +89,7 @@ class GraphFile : public NQOMLFile {
  private:
   GraphFactory* factory_;
   std::vector<std::unique_ptr<Graph>> graphs_;  // outermost ones of this read
-  int leftOut_ = 0;
+  std::map<std::string, int> leftOut_;
 };
 
 #endif  // LAYERED_GRAPH_FILE_H

@@ -4,9 +4,11 @@
 //   nq_layered karate.oml --svg karate.svg --oml laid_out.oml
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <exception>
+#include <memory>
 #include <string>
 
 #include "graph_file.h"
@@ -30,11 +32,38 @@ class Stopwatch {
   std::chrono::steady_clock::time_point last_ = std::chrono::steady_clock::now();
 };
 
+std::unique_ptr<GraphFile> newFile(GraphFactory& factory) {
+  return std::unique_ptr<GraphFile>(
+      static_cast<GraphFile*>(factory.nqNewGraphFile(nullptr)));
+}
+
+// The graph in a file, or null. Tells what is wrong with it, and what is left out. (A
+// file keeps the syntax tree of what it read last; here it goes before the layout
+// begins.)
+std::unique_ptr<Graph> read(const std::string& name, GraphFactory& factory,
+                            GraphGrammar& grammar, bool binary) {
+  const std::unique_ptr<GraphFile> file = newFile(factory);
+  std::unique_ptr<Graph> graph = file->read(name.c_str(), grammar, binary);
+  std::fputs(file->pErrorStringBuffer(), stderr);
+  std::fputs(file->pWarningStringBuffer(), stderr);
+  if (graph == nullptr || file->leftOut().empty()) return graph;
+  std::fprintf(stderr, "%s: fields neither drawn nor written:", name.c_str());
+  for (const auto& [field, count] : file->leftOut()) {
+    std::fprintf(stderr, " %s (%d)", field.c_str(), count);
+  }
+  std::fputc('\n', stderr);
+  return graph;
+}
+
 bool save(const std::string& name, const std::string& text) {
   NQFile file;
   if (file.open(name.c_str(), NQ_WRITE_BINARY) != NQ_FILE_OK) return false;
-  const NQFileCodeEnum written =
-      file.writeBinary(text.data(), static_cast<int>(text.size()));
+  constexpr std::size_t kPiece = 1 << 20;  // bytes, of as many as there may be
+  NQFileCodeEnum written = NQ_FILE_OK;
+  for (std::size_t at = 0; at < text.size() && written == NQ_FILE_OK; at += kPiece) {
+    const std::size_t size = std::min(kPiece, text.size() - at);
+    written = file.writeBinary(text.data() + at, static_cast<int>(size));
+  }
   return file.close() == NQ_FILE_OK && written == NQ_FILE_OK;
 }
 
@@ -66,22 +95,15 @@ int run(int argc, char** argv) {
   GraphFactory factory;
   const std::unique_ptr<NQOMLStatic> made(factory.nqNewGrammar());
   auto& grammar = static_cast<GraphGrammar&>(*made);
-  const std::unique_ptr<NQOMLFile> opened(factory.nqNewGraphFile(nullptr));
-  auto& file = static_cast<GraphFile&>(*opened);
 
   Stopwatch watch;
-  const std::unique_ptr<Graph> graph = file.read(input.c_str(), grammar, binary);
-  std::fputs(file.pErrorStringBuffer(), stderr);
-  std::fputs(file.pWarningStringBuffer(), stderr);
+  const std::unique_ptr<Graph> graph = read(input, factory, grammar, binary);
   if (graph == nullptr) return 1;
   const double reading = watch.lap();
-  if (file.leftOut() > 0) {
-    std::fprintf(stderr, "%s: %d fields are neither drawn nor written\n", input.c_str(),
-                 file.leftOut());
-  }
 
   LayeredLayout layout(*graph, hideImplied);
   layout.run();
+  if (layout.result().tooLarge) return fail("is too large for coordinates", input);
   const double computing = watch.lap();
 
   NQDList nodes;
@@ -96,10 +118,11 @@ int run(int argc, char** argv) {
   if (!sweep.pairs().empty()) return 3;
   const double checking = watch.lap();
 
-  if (!oml.empty() && !file.write(oml.c_str(), grammar, *graph, false)) {
+  const std::unique_ptr<GraphFile> file = newFile(factory);
+  if (!oml.empty() && !file->write(oml.c_str(), grammar, *graph, false)) {
     return fail("cannot be written", oml);
   }
-  if (!omlb.empty() && !file.write(omlb.c_str(), grammar, *graph, true)) {
+  if (!omlb.empty() && !file->write(omlb.c_str(), grammar, *graph, true)) {
     return fail("cannot be written", omlb);
   }
   const double writing = watch.lap();
