@@ -80,6 +80,9 @@ struct Hierarchy {
   }
 };
 
+// How large a drawing may be either way, so that sums of two coordinates have 32 bits.
+constexpr nqLong kMostExtent = 250'000'000;
+
 // Turns arcs so that no way leads back. Returns how many edges run against the flow
 // of a directed graph.
 int breakCycles(Hierarchy& h, bool directed);

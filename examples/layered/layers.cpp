@@ -1,5 +1,5 @@
 #include <algorithm>
-#include <limits>
+#include <utility>
 
 #include "hierarchy.h"
 #include "text_size.h"
@@ -26,10 +26,6 @@ std::vector<Vertex*> topological(Hierarchy& h, const Adjacency& adjacency) {
   }
   return order;
 }
-
-}  // namespace
-
-namespace {
 
 // Makes edges shorter on the whole by moving vertices, one layer at a time: with a
 // vertex goes what it would come too near to, and so on. (N. S. Nikolov, A. Tarassov,

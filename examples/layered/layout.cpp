@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <map>
 
 #include "hierarchy.h"
 #include "text_size.h"
@@ -42,6 +41,29 @@ struct Band {
   nqLong end() const { return start() + depth; }
 };
 
+// Whether there are coordinates enough for each layer and for all of them together.
+bool fits(const Hierarchy& h) {
+  nqInt64 along = 0;
+  for (const NQDList& layer : h.layers) {
+    nqInt64 across = 0;
+    nqLong depth = 0;
+    for (const Vertex* v : Range<Vertex>(layer)) {
+      across += v->breadth + h.spacing;
+      depth = std::max(depth, v->depth);
+    }
+    if (across > kMostExtent) return false;
+    along += depth + 6 * h.spacing;
+  }
+  return along <= kMostExtent;
+}
+
+// An edge from a node to itself.
+struct Loop {
+  Edge* edge;
+  Vertex* vertex;
+  nqLong room = 0;  // from the node
+};
+
 // The free room beside a node before its edges to itself, and between them.
 constexpr nqLong kBesideNode = 12;
 constexpr nqLong kBetweenLoops = 6;
@@ -50,6 +72,22 @@ constexpr nqLong kBetweenLoops = 6;
 nqLong breadthOfLoop(const Edge& edge, const Hierarchy& h) {
   if (edge.labels.length() == 0) return kBetweenLoops;
   return h.across(sizeOf(linesOf(edge))) + 2 * kBetweenLoops;
+}
+
+// Gives loops their room beside their nodes. Those with labels are outermost: there
+// nothing runs through the first of them.
+void makeRoom(Hierarchy& h, std::vector<Loop>& loops) {
+  std::stable_partition(loops.begin(), loops.end(),
+                        [](const Loop& loop) { return loop.edge->labels.length() == 0; });
+  std::vector<nqLong> taken(h.vertices.size());  // beside each node
+  for (Loop& loop : loops) {
+    Vertex& v = *loop.vertex;
+    nqLong& room = taken[static_cast<std::size_t>(v.number)];
+    loop.room = std::max(room, kBesideNode);
+    room = std::min(loop.room + breadthOfLoop(*loop.edge, h), kMostExtent);
+    v.breadth = h.across(v.node->size) + 2 * room;
+    v.depth = std::max(v.depth, h.along(sizeOf(linesOf(*loop.edge))));
+  }
 }
 
 // Of a way of one piece across.
@@ -95,12 +133,14 @@ class Drawing {
     }
   }
 
-  // An edge from a node to itself: a handle beside it.
-  void routeLoop(Edge& edge, const Vertex& v, nqLong room) const {
+  // A handle beside the node.
+  void routeLoop(const Loop& loop) const {
+    Edge& edge = *loop.edge;
+    const Vertex& v = *loop.vertex;
     const nqLong along = band(v).middle;
-    const nqLong far = v.across + h_.across(v.node->size) / 2 + room;
+    const nqLong far = v.across + h_.across(v.node->size) / 2 + loop.room;
     const nqLong half =
-        std::min(5 + (room - kBesideNode) / 2, h_.along(v.node->size) / 2 - 1);
+        std::min(5 + (loop.room - kBesideNode) / 2, h_.along(v.node->size) / 2 - 1);
     const auto end = [&](nqLong at) {
       NQPoint point = paper(far, at);
       v.node->outline().intersectsSegment(point, paper(v.across, at), v.node->center,
@@ -240,38 +280,25 @@ void LayeredLayout::algorithmBody() {
     Vertex& v = h.vertices.emplace_back();
     v.node = node;
     v.number = static_cast<nqLong>(h.vertices.size() - 1);
+    v.breadth = h.across(node->size);
+    v.depth = h.along(node->size);
     numbers.update(reinterpret_cast<nqInt64>(node), v.number);
   }
   const auto vertexOf = [&](const Node* node) {
     return &h.vertices[static_cast<std::size_t>(
         numbers.lookup(reinterpret_cast<nqInt64>(node)))];
   };
-  struct Loop {
-    Edge* edge;
-    Vertex* vertex;
-    nqLong room;  // from the node
-  };
   std::vector<Loop> loops;
-  std::map<const Vertex*, nqLong> loopRoom;  // that is needed beside a node
   for (Edge* edge : Range<Edge>(edges_)) {
+    Vertex* const from = vertexOf(edge->from);
     if (edge->from == edge->to) {
-      Vertex* const v = vertexOf(edge->from);
-      nqLong& room = loopRoom.try_emplace(v, kBesideNode).first->second;
-      loops.push_back({edge, v, room});
-      room += breadthOfLoop(*edge, h);
-      continue;
+      loops.push_back({edge, from});
+    } else {
+      const nqLong span = edge->labels.length() > 0 ? 2 : 1;
+      h.arcs.push_back({from, vertexOf(edge->to), edge, span, false});
     }
-    const nqLong span = edge->labels.length() > 0 ? 2 : 1;
-    h.arcs.push_back({vertexOf(edge->from), vertexOf(edge->to), edge, span, false});
   }
-
-  for (Vertex& v : h.vertices) {
-    v.breadth = h.across(v.node->size);
-    v.depth = h.along(v.node->size);
-  }
-  for (const auto& [v, room] : loopRoom) {
-    h.vertices[static_cast<std::size_t>(v->number)].breadth += 2 * room;
-  }
+  makeRoom(h, loops);
 
   const std::size_t nodes = h.vertices.size();
   result_.reversed = breakCycles(h, graph_.directed);
@@ -281,11 +308,13 @@ void LayeredLayout::algorithmBody() {
   result_.far = static_cast<int>(h.far.size());
   result_.bends = h.vertices.size() - nodes;
   result_.layers = static_cast<int>(h.layers.size());
+  result_.tooLarge = !fits(h);
+  if (result_.tooLarge) return;
   result_.crossings = reduceCrossings(h);
   placeAcross(h, ways);
 
   Drawing drawing(graph_, h);
   drawing.placeNodes();
   drawing.routeEdges(ways);
-  for (const auto& [edge, v, room] : loops) drawing.routeLoop(*edge, *v, room);
+  for (const Loop& loop : loops) drawing.routeLoop(loop);
 }

@@ -14,6 +14,7 @@
 class LayeredLayout : public NQMORAlgorithm {
  public:
   struct Result {
+    bool tooLarge = false;  // for coordinates: then nothing got a place
     int layers = 0;
     int reversed = 0;         // edges against the flow
     int hidden = 0;           // edges not drawn, since longer ways say the same

@@ -39,9 +39,11 @@ class Placing {
       }
       blocks_.push_back(block);
     }
+    constexpr double most = kMostExtent;
     const NQDListCell* cell = layer.pFirstCell();
     for (const Block& block : blocks_) {
-      const auto place = static_cast<nqLong>(std::floor(block.place() + 0.5));
+      const auto place =
+          static_cast<nqLong>(std::clamp(std::floor(block.place() + 0.5), -most, most));
       for (nqLong i = 0; i < block.members; ++i, cell = cell->pNextCell()) {
         auto& v = static_cast<Vertex&>(*cell->pObject());
         v.across = place + offset(v);
@@ -167,7 +169,6 @@ class Straightening {
     nqInt64 sum = 0;
     for (const Vertex* v : bends) sum += v->across;
     const auto mean = static_cast<nqLong>(sum / static_cast<nqInt64>(bends.size()));
-
     for (Vertex* v : bends) v->across = std::clamp(mean, room.low, room.high);
   }
 

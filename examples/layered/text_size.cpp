@@ -2,23 +2,34 @@
 
 #include <algorithm>
 
+namespace {
+
+constexpr nqLong kMost = 100'000;
+
+}  // namespace
+
 nqLong widthOf(std::string_view text) {
   double widths = 0;  // in the size of the font
   for (const char c : text) {
-    if ((c & 0xc0) == 0x80) continue;  // goes on with a character
     const std::string_view narrow = "iljft.,:;'|!()[]I/ ";
     const std::string_view wide = "mwMW@%";
-    if (narrow.find(c) != std::string_view::npos) {
+    if ((c & 0xc0) == 0x80) continue;  // goes on with a character
+    if ((c & 0xe0) == 0xe0) {          // the first of three bytes or four
+      widths += 1;
+    } else if (narrow.find(c) != std::string_view::npos) {
       widths += 0.36;
+    } else if (wide.find(c) != std::string_view::npos) {
+      widths += 0.95;
     } else {
-      widths += wide.find(c) != std::string_view::npos ? 0.95 : 0.63;
+      widths += c >= 'A' && c <= 'Z' ? 0.75 : 0.63;
     }
   }
-  return static_cast<nqLong>(widths * kFontSize) + 1;
+  return static_cast<nqLong>(std::min(widths * kFontSize + 1, double{kMost}));
 }
 
 NQSize sizeOf(const std::vector<std::string_view>& lines) {
   nqLong width = 0;
   for (const std::string_view line : lines) width = std::max(width, widthOf(line));
-  return {width, kLineHeight * static_cast<nqLong>(lines.size())};
+  const std::size_t count = std::min<std::size_t>(lines.size(), kMost / kLineHeight);
+  return {width, kLineHeight * static_cast<nqLong>(count)};
 }

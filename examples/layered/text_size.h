@@ -14,7 +14,7 @@
 constexpr nqLong kFontSize = 11;
 constexpr nqLong kLineHeight = 14;
 
-// Of UTF-8 text.
+// Of UTF-8 text. What is more than 100,000 wide or high is taken to be that.
 nqLong widthOf(std::string_view text);
 NQSize sizeOf(const std::vector<std::string_view>& lines);
 
