@@ -1,7 +1,6 @@
 #include "graph.h"
 
 #include <charconv>
-#include <utility>
 
 #include "graph_file.h"
 
@@ -135,9 +134,17 @@ void Node::write(NQOMLFile& file) const {
   file.writeClosingBracket();
 }
 
+std::string_view folderOf(const Node& node) {
+  if (node.graph().nested()) return {};
+  const std::string_view line =
+      std::string_view(node.title).substr(0, node.title.find('\n'));
+  if (line.size() < 2) return {};
+  return line.substr(0, line.rfind('/', line.size() - 2) + 1);  // some name remains
+}
+
 std::vector<std::string_view> linesOf(const Node& node) {
   std::vector<std::string_view> lines;
-  addLines(node.title, lines);
+  addLines(std::string_view(node.title).substr(folderOf(node).size()), lines);
   for (const Label* label : Range<Label>(node.labels)) addLines(label->text, lines);
   return lines;
 }
@@ -222,7 +229,7 @@ void Graph::collectEdges(NQDList& all) const {
 }
 
 void Graph::preReadFields(NQOMLSyntaxObject* syntax, NQOMLFile*) {
-  if (nested()) title = lastNameOf(*syntax);
+  title = lastNameOf(*syntax);
 }
 
 int Graph::readField(NQOMLSyntaxField* field, NQOMLSyntaxObject*, NQOMLFile* file) {

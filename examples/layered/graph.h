@@ -171,7 +171,11 @@ class Graph : public Element {
   std::array<const NQResource*, 4> outlines_{};  // by kind
 };
 
-// The lines of what is shown: of a node its title and then its labels.
+// The folder that the title begins with, up to its last slash, as in "nq/core/text.h";
+// empty for none and in nested graphs. A colour tells it.
+std::string_view folderOf(const Node& node);
+
+// The lines of what is shown: of a node its title without a folder, and then its labels.
 std::vector<std::string_view> linesOf(const Node& node);
 std::vector<std::string_view> linesOf(const Edge& edge);
 

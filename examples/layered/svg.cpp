@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
+#include <utility>
 
 #include "text_size.h"
 
@@ -10,6 +10,7 @@ namespace {
 
 constexpr nqLong kMargin = 24;
 constexpr nqLong kTitleHeight = 34;
+constexpr nqLong kTitleSize = 17;
 
 // Light colours, far from each other, on which dark text can be read.
 constexpr std::array<const char*, 12> kPalette = {
@@ -54,8 +55,8 @@ class Group : public NQObject {
 };
 
 // What nodes are in: a nested graph, or the folder that their titles tell, or else just
-// a group. A pool gives each name a small number, which chooses the
-// colour; a tree keeps them in the order of the legend.
+// a group. A pool gives each name a small number, which chooses the colour; a tree keeps
+// the names in the order of the legend.
 class Groups {
  public:
   explicit Groups(const NQDList& nodes) : names_(16, 16, 1, 0) {
@@ -81,10 +82,6 @@ class Groups {
   }
   static const char* color(nqLong code) {
     return kPalette.at(static_cast<std::size_t>(code) % kPalette.size());
-  }
-  static std::string_view folderOf(const Node& node) {
-    const std::string_view line = linesOf(node).front();
-    return line.substr(0, line.rfind('/') + 1);
   }
 
  private:
@@ -119,9 +116,11 @@ class Picture {
     }
     for (const Node* node : Range<Node>(nodes_)) drawNode(*node);
     for (const Edge* edge : Range<Edge>(edges_)) {
-      if (!edge->route.empty()) drawLines(linesOf(*edge), edge->labelCenter, "halo");
+      if (!edge->route.empty())
+        drawLines(linesOf(*edge), edge->labelCenter, " class=\"halo\"");
     }
     drawTitle();
+    drawLegend();
     out_ += "</svg>\n";
     return std::move(out_);
   }
@@ -142,7 +141,8 @@ class Picture {
     paper_.targetOriginX(kMargin);
     paper_.targetOriginY(kMargin + kTitleHeight);
     paper_.targetExtentY(-1);
-    width_ = std::max(bounds.width(), widthOf(graph_.title) * 3 / 2) + 2 * kMargin;
+    width_ =
+        std::max(bounds.width(), widthOf(title()) * kTitleSize / kFontSize) + 2 * kMargin;
     height_ = bounds.height() + 2 * kMargin + kTitleHeight +
               (groups_.named() ? kLineHeight * 2 : 0);
     if (groups_.named()) width_ = std::max(width_, legendWidth() + 2 * kMargin);
@@ -152,7 +152,9 @@ class Picture {
         "\">\n<style>\nsvg { background: white; font: ", kFontSize,
         "px Helvetica, Arial, sans-serif }\n"
         "text { text-anchor: middle; fill: #222 }\n"
-        ".title { font-size: 17px; text-anchor: start }\n"
+        ".title { font-size: ",
+        kTitleSize,
+        "px; text-anchor: start }\n"
         ".legend { text-anchor: start }\n"
         ".onDark { fill: white }\n"
         ".halo { stroke: white; stroke-width: 4; paint-order: stroke }\n"
@@ -228,31 +230,39 @@ class Picture {
             "\" height=\"", box.height(), "\" rx=\"",
             node.shape == ShapeKind::kRounded ? 7 : 2, "\"", style);
     }
-    std::vector<std::string_view> lines = linesOf(node);
-    lines.front().remove_prefix(Groups::folderOf(node).size());  // the legend tells it
     NQRect inner;
     node.outline().getCurrentInnerRect(inner, node.center, node.size);
-    drawLines(lines, inner.center(), isDark(color) ? "onDark" : "");
+    drawLines(linesOf(node), inner.center(), isDark(color) ? " class=\"onDark\"" : "");
   }
 
+  // `style`: attributes of the text, with a blank in front.
   void drawLines(const std::vector<std::string_view>& lines, const NQPoint& center,
-                 const char* kind) {
+                 const char* style) {
     const NQPoint at = onPaper(center);
     const auto count = static_cast<nqLong>(lines.size());
     nqLong y = at.y() - count * kLineHeight / 2 + kLineHeight * 3 / 4;
     for (const std::string_view line : lines) {
-      add("<text class=\"", kind, "\" x=\"", at.x(), "\" y=\"", y, "\">", escaped(line),
+      add("<text", style, " x=\"", at.x(), "\" y=\"", y, "\">", escaped(line),
           "</text>\n");
       y += kLineHeight;
     }
   }
 
+  std::string title() const {
+    std::string text = graph_.title;
+    for (const Label* label : Range<Label>(graph_.labels)) {
+      if (!text.empty()) text += " \u2013 ";
+      text += label->text;
+    }
+    return text;
+  }
+
   void drawTitle() {
-    std::string title = graph_.title;
-    for (const Label* label : Range<Label>(graph_.labels))
-      title += " \u2013 " + label->text;
     add("<text class=\"title\" x=\"", kMargin, "\" y=\"", kMargin + 10, "\">",
-        escaped(title), "</text>\n");
+        escaped(title()), "</text>\n");
+  }
+
+  void drawLegend() {
     if (!groups_.named()) return;
     nqLong x = kMargin;
     const nqLong y = height_ - kMargin;
