@@ -11,6 +11,9 @@ namespace {
 constexpr nqLong kMargin = 24;
 constexpr nqLong kTitleHeight = 34;
 constexpr nqLong kTitleSize = 17;
+constexpr nqLong kLegendBox = 17;  // what the name of a group stands beside
+constexpr nqLong kLegendGap = 19;  // from one name to the next
+constexpr nqLong kLegendHeight = 20;
 
 // Light colours, far from each other, on which dark text can be read.
 constexpr std::array<const char*, 12> kPalette = {
@@ -74,7 +77,6 @@ class Groups {
 
   // Of those that have names.
   Range<Group> legend() const { return Range<Group>(legend_); }
-  bool named() const { return legend_.length() > 0; }
 
   const char* colorOf(const Node& node) const {
     const std::string_view name = nameOf(node);
@@ -143,9 +145,9 @@ class Picture {
     paper_.targetExtentY(-1);
     width_ =
         std::max(bounds.width(), widthOf(title()) * kTitleSize / kFontSize) + 2 * kMargin;
-    height_ = bounds.height() + 2 * kMargin + kTitleHeight +
-              (groups_.named() ? kLineHeight * 2 : 0);
-    if (groups_.named()) width_ = std::max(width_, legendWidth() + 2 * kMargin);
+    height_ = kMargin + kTitleHeight + bounds.height();
+    placeLegend();
+    height_ += kMargin;
 
     add("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"", width_, "\" height=\"",
         height_, "\" viewBox=\"0 0 ", width_, " ", height_,
@@ -239,8 +241,8 @@ class Picture {
   void drawLines(const std::vector<std::string_view>& lines, const NQPoint& center,
                  const char* style) {
     const NQPoint at = onPaper(center);
-    const auto count = static_cast<nqLong>(lines.size());
-    nqLong y = at.y() - count * kLineHeight / 2 + kLineHeight * 3 / 4;
+    const auto count = static_cast<nqInt64>(lines.size());
+    nqInt64 y = at.y() - count * kLineHeight / 2 + kLineHeight * 3 / 4;
     for (const std::string_view line : lines) {
       add("<text", style, " x=\"", at.x(), "\" y=\"", y, "\">", escaped(line),
           "</text>\n");
@@ -262,24 +264,34 @@ class Picture {
         escaped(title()), "</text>\n");
   }
 
-  void drawLegend() {
-    if (!groups_.named()) return;
+  // Puts the legend below what there is, in rows as wide as the picture.
+  void placeLegend() {
     nqLong x = kMargin;
-    const nqLong y = height_ - kMargin;
     for (const Group* group : groups_.legend()) {
-      const std::string name(group->name);
-      add("<rect x=\"", x, "\" y=\"", y - 10, "\" width=\"12\" height=\"12\" fill=\"",
-          Groups::color(group->code),
-          "\" stroke=\"#5b6b7d\"/>\n<text class=\"legend\" x=\"", x + 17, "\" y=\"", y,
-          "\">", escaped(name), "</text>\n");
-      x += widthOf(name) + 36;
+      const nqLong width = kLegendBox + widthOf(group->name);
+      width_ = std::max(width_, width + 2 * kMargin);
+      if (legend_.empty()) {
+        height_ += 2 * kLineHeight;
+      } else if (x + width > width_ - kMargin) {
+        x = kMargin;
+        height_ += kLegendHeight;
+      }
+      legend_.push_back({x, height_});
+      x += width + kLegendGap;
     }
   }
 
-  nqLong legendWidth() const {
-    nqLong width = 0;
-    for (const Group* group : groups_.legend()) width += widthOf(group->name) + 36;
-    return width;
+  void drawLegend() {
+    auto place = legend_.begin();
+    for (const Group* group : groups_.legend()) {
+      const nqLong x = place->x();
+      const nqLong y = place->y();
+      add("<rect x=\"", x, "\" y=\"", y - 10, "\" width=\"12\" height=\"12\" fill=\"",
+          Groups::color(group->code),
+          "\" stroke=\"#5b6b7d\"/>\n<text class=\"legend\" x=\"", x + kLegendBox,
+          "\" y=\"", y, "\">", escaped(group->name), "</text>\n");
+      ++place;
+    }
   }
 
   static std::string dashesOf(Stroke stroke) {
@@ -305,7 +317,7 @@ class Picture {
   }
   void addPoint(const NQPoint& point) { add(point.x(), ",", point.y()); }
 
-  void addOne(nqLong number) { out_ += std::to_string(number); }
+  void addOne(nqInt64 number) { out_ += std::to_string(number); }
   void addOne(const std::string& text) { out_ += text; }
   void addOne(const char* text) { out_ += text; }
   template <class... Piece>
@@ -320,6 +332,7 @@ class Picture {
   NQTransform paper_;
   nqLong width_ = 0;
   nqLong height_ = 0;
+  std::vector<NQPoint> legend_;  // where each of its groups is
   std::string out_;
 };
 
