@@ -471,9 +471,10 @@ NQFileCodeEnum NQFile::readAsciiString(NQStringHandle& out) {
 
 // Nearly every line stands whole in what is lent, before the next refill.
 NQFileCodeEnum NQFile::readBufferedLine(NQStringHandle& out, std::size_t endLength) {
+  const int untilRefill = numberOfBufferedBytes_ - kEarlyRefill;
+  if (pLent_ == nullptr || untilRefill <= 0) return readDividedLine(out, endLength);
   const char* const first = pTopBuffer_;
-  const char* const last = first + (numberOfBufferedBytes_ - kEarlyRefill);
-  if (pLent_ == nullptr || last <= first) return readDividedLine(out, endLength);
+  const char* const last = first + untilRefill;
   const char* const stop = input_->findStop(first, last);
   if (stop + 1 >= last || *stop == '\0') return readDividedLine(out, endLength);
   const auto length = static_cast<std::size_t>(stop - first);

@@ -343,6 +343,15 @@ TEST(NQFile, AnArchiveTakesOutputAndAnEndMark) {
   EXPECT_STREQ(line.pString(), "");
 }
 
+TEST(NQFile, ReadsNoLineWithoutABuffer) {
+  FakeSystem fake;
+  NQFile file;
+  NQStringHandle line;
+  EXPECT_EQ(file.open("missing", NQ_READ), NQ_FILE_OPEN_ERROR);
+  EXPECT_EQ(file.readString(line), NQ_FILE_READ_ERROR);
+  EXPECT_EQ(file.endOfFile(), 1);
+}
+
 TEST(NQFile, CopiesTheStateOfIdleFilesOnly) {
   FakeSystem fake;
   NQFile sample;
