@@ -153,7 +153,8 @@ class NQ_EXPORT NQFile : public NQObject {
   int storedOnDisk(int on) { return flag(kStoredOnDisk, on); }
   void* fileHandle(void* handle);
   NQArchiveClass* pArchive(NQArchiveClass* archive) { return pArchive_ = archive; }
-  // Keeps the buffer (from new[], of kBufferSize bytes) and frees the old one.
+  // Keeps the buffer (from new[], of kBufferSize bytes) and frees the old one. Unread
+  // bytes do not move along: set the other two as well.
   char* pFileBuffer(char* buffer);
   char* pTopBuffer(char* top);
   int numberOfBufferedBytes(int number);
