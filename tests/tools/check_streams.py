@@ -42,6 +42,8 @@ ROWS = [  # a shell's command, the exit code, standard error
     # A link that leads nowhere yet stays a link.
     ("$n convert $g karate.oml --to text -o link.oml && test -L link.oml -a -f target.oml",
      0, ""),
+    # A link to a device is not followed to what has no name.
+    ("test $($n convert $g karate.oml --to text -o /dev/stdout | wc -l) -gt 9", 0, ""),
     # A reader that leaves ends the program quietly.
     ("yes '({[<' | head -c 300000 | { $n dump -; echo $? >code; } | true; grep -q 141 code",
      0, ""),

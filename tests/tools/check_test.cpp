@@ -105,6 +105,12 @@ TEST_F(Check, TellsWhyAFileIsNotIncluded) {
     EXPECT_EQ(run(), kErrorsFound) << row.name;
     EXPECT_NE(out_.find("hint: " + row.hint), std::string::npos) << out_;
   }
+  // So many that the last is not even tried, though it is there.
+  std::string many;
+  for (int i = 0; i < 1000; ++i) many += "include \"twice.oml\";\n";
+  write("inner/main.oml", many);
+  EXPECT_EQ(run(), kErrorsFound);
+  EXPECT_NE(out_.find("hint: too many files are included"), std::string::npos) << out_;
   // Standard input has the current directory only.
   options_.files = {"-"};
   EXPECT_EQ(run("graph g { include \"" + fs::path(outer).generic_string() + "\"; }"),

@@ -24,7 +24,7 @@ std::string followLinks(fs::path path) {
 }  // namespace
 
 Output::Output(const std::string& target, std::ostream& out)
-    : target_(followLinks(target)), out_(out) {
+    : target_(target), out_(out) {
   std::error_code code;
   const fs::file_status status = fs::status(target, code);
   if (target == "-") {
@@ -42,6 +42,7 @@ Output::Output(const std::string& target, std::ostream& out)
   } else if (status.type() != fs::file_type::not_found) {
     kind_ = Target::kDevice;
   }
+  if (kind_ == Target::kFile) target_ = followLinks(target);
   file_ = kind_ == Target::kFile ? TemporaryFile::makeBeside(target_)
                                  : TemporaryFile::make({});
   if (!file_) {

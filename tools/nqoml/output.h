@@ -36,7 +36,7 @@ class Output {
   bool fail(const char* trouble);
 
   Target kind_ = Target::kFile;
-  std::string target_;  // with links followed
+  std::string target_;  // of a file with links followed
   std::ostream& out_;
   std::optional<TemporaryFile> file_;  // none with trouble
   std::string trouble_;

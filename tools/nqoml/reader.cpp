@@ -37,6 +37,7 @@ NQFileCodeEnum CheckingReader::read(NQOMLStatic* grammar, bool binary) {
     diagnostics_.clear();
     root_ = nullptr;
     open_ = {path_};
+    tried_ = false;
     inUse_ = false;
     const NQFileCodeEnum result =
         readOMLFile(path_.c_str(), grammar, nullptr, -1, binary ? 1 : 0, 0, 0);
@@ -69,15 +70,14 @@ int CheckingReader::vIncludeFile(const char* fileName) {
   }
   while (open_.size() > 1 && open_.back() != including) open_.pop_back();
   open_.emplace_back(fileName);
+  tried_ = true;
   return mayInclude(fileName) ? 1 : 0;
 }
 
-// What keeps a file from being included. `message` ends with its name.
-std::string CheckingReader::whyNotIncluded(const std::string& message) {
+// What keeps a file from being included.
+std::string CheckingReader::whyNotIncluded() {
   const std::string& path = open_.back();
-  const std::size_t quote = message.find('`');
-  const std::string name = message.substr(quote + 1, message.size() - quote - 2);
-  if (open_.size() == 1 || !path.ends_with(name)) {
+  if (!tried_) {
     return "too many files are included, or too many within each other, or the name is "
            "too long";
   }
@@ -97,6 +97,7 @@ std::string CheckingReader::whyNotIncluded(const std::string& message) {
 }
 
 int CheckingReader::vReadProgress(nqInt64 bytesRead, nqInt64 bytesTotal) {
+  tried_ = false;
   if (progress_ != nullptr) progress_->at(bytesRead, bytesTotal);
   return 1;
 }
@@ -154,7 +155,7 @@ void CheckingReader::collect(Severity severity, const char* file, nqLong line, i
   diagnostic.place = {shown(file), line, column};
   diagnostic.text = text;
   if (code == kCannotOpen && diagnostic.place.known()) {
-    diagnostic.notes.push_back({whyNotIncluded(diagnostic.text), {}});
+    diagnostic.notes.push_back({whyNotIncluded(), {}});
   } else if (code == kCannotOpen) {
     inUse_ = isInUse(path_);
   }

@@ -54,7 +54,7 @@ class CheckingReader : public NQOMLFile {
  private:
   const char* shown(const char* file) const;
   bool mayInclude(const std::string& path) const;
-  std::string whyNotIncluded(const std::string& message);
+  std::string whyNotIncluded();
   void collect(Severity severity, const char* file, nqLong line, int column, int code,
                const char* text);
   void takeMessage();
@@ -70,6 +70,7 @@ class CheckingReader : public NQOMLFile {
   // From path_ on, each included by the one before it; the last may be one that was
   // only tried.
   std::vector<std::string> open_;
+  bool tried_ = false;  // the last of them, and no byte was read since
   bool inUse_ = false;  // somebody else has a file open that was to be read
 };
 
