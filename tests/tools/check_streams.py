@@ -2,6 +2,7 @@
 or left by their readers, with links, and ended by signals. Works in FOLDER."""
 
 import os
+import resource
 import shutil
 import signal
 import subprocess
@@ -13,10 +14,13 @@ shutil.rmtree(folder, ignore_errors=True)
 temporary = os.path.join(folder, "temporary")
 os.makedirs(temporary)
 os.chdir(folder)
+resource.setrlimit(resource.RLIMIT_CORE, (0, 0))
 for name in ("graph.grammar", "karate.oml"):
     shutil.copy(os.path.join(samples, name), name)
 with open("broken.oml", "w") as file:
     file.write("{")
+with open("-", "w") as file:
+    file.truncate(2 << 30)  # too much for the tool, if it were read
 os.symlink("target.oml", "link.oml")
 os.mkfifo("fifo")
 environment = dict(os.environ, TMPDIR=temporary, n=nqoml, g="--grammar=graph.grammar")
@@ -39,11 +43,15 @@ ROWS = [  # a shell's command, the exit code, standard error
     ("$n convert $g broken.oml --to text -o broken.oml <&- >&- 2>&-", 1, ""),
     ("test $(cat broken.oml) = {", 0, ""),
     ("cat karate.oml | $n check -q $g /dev/stdin && $n check -q $g /dev/null", 0, ""),
+    ("printf '{}' | $n dump -", 0, ""),
     # A link that leads nowhere yet stays a link.
     ("$n convert $g karate.oml --to text -o link.oml && test -L link.oml -a -f target.oml",
      0, ""),
     # A link to a device is not followed to what has no name.
     ("test $($n convert $g karate.oml --to text -o /dev/stdout | wc -l) -gt 9", 0, ""),
+    # Neither does a limit that is met leave anything behind.
+    ("sh -c 'ulimit -f 1; $n convert $g karate.oml --to text -o big.oml; test $? -gt 128' "
+     "2>&-", 0, ""),
     # A reader that leaves ends the program quietly.
     ("yes '({[<' | head -c 300000 | { $n dump -; echo $? >code; } | true; grep -q 141 code",
      0, ""),
@@ -59,7 +67,8 @@ for command, code, errors in ROWS:
         failed = True
 
 # The converted file waits for a reader of the FIFO. No signal leaves it behind.
-for end in (signal.SIGHUP, signal.SIGINT, signal.SIGTERM):
+for end in (signal.SIGHUP, signal.SIGINT, signal.SIGQUIT, signal.SIGTERM, signal.SIGXCPU,
+            signal.SIGXFSZ):
     running = subprocess.Popen([nqoml, "convert", "-g", "graph.grammar", "karate.oml",
                                 "--to=text", "--output=fifo"], env=environment,
                                preexec_fn=lambda: signal.signal(end, signal.SIG_DFL))

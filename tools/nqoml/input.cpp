@@ -70,15 +70,16 @@ Content readContent(const std::string& name, std::istream& in, std::size_t limit
   Content content;
   content.shownAs = shownName(name);
   std::error_code code;
+  const bool isNamed = name != "-";
   std::ifstream file;
-  if (name != "-") file.open(name, std::ios::binary);
-  if (name != "-" && (!file.is_open() || fs::is_directory(name, code))) {
+  if (isNamed) file.open(name, std::ios::binary);
+  if (isNamed && (!file.is_open() || fs::is_directory(name, code))) {
     content.trouble = whyClosed(name);
     return content;
   }
   const bool isLarge =
-      fs::is_regular_file(name, code) && fs::file_size(name, code) > limit;
-  std::istream& source = name == "-" ? in : file;
+      isNamed && fs::is_regular_file(name, code) && fs::file_size(name, code) > limit;
+  std::istream& source = isNamed ? file : in;
   if (!isLarge) content.bytes = readStream(source, limit);
   if (isLarge || content.bytes.size() > limit) {
     content.trouble = "is larger than " + std::to_string(limit >> 20) + " MiB";

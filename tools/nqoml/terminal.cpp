@@ -111,7 +111,7 @@ namespace {
 // The names of the temporary files there are; more than these are never needed.
 std::array<std::atomic<const char*>, 4> temporaryFiles;
 
-constexpr int kEnding[] = {SIGHUP, SIGINT, SIGPIPE, SIGTERM};
+constexpr int kEnding[] = {SIGHUP, SIGINT, SIGPIPE, SIGQUIT, SIGTERM, SIGXCPU, SIGXFSZ};
 
 void remember(const char* path) {
   for (auto& entry : temporaryFiles) {

@@ -14,8 +14,9 @@ namespace nqoml {
 void prepareStreams();
 
 // From here on no temporary file stays behind when a signal ends the program: an
-// interrupt, a hang-up, a request to terminate, or a write to a pipe that nobody
-// reads. (Not on Windows, where an open file cannot be removed.)
+// interrupt, a hang-up, a request to terminate, a limit on time or on the size of
+// files, or a write to a pipe that nobody reads. (Not on Windows, where an open file
+// cannot be removed.)
 void cleanUpOnSignals();
 
 // True when standard output is a terminal that shows colours and the user has
