@@ -383,16 +383,18 @@ int NQOMLFile::losslessWriting(int lossless) {
 
 void NQOMLFile::writeObjectStart(const char* type, const NQOMLObject* object,
                                  int singleLine, int withID) {
-  writeObject(type, withID != 0 ? object : nullptr, singleLine);
+  writeObject(type, object, singleLine, withID != 0);
 }
 
-void NQOMLFile::writeObjectStart(const char* type, const NQObject*, int singleLine) {
-  writeObject(type, nullptr, singleLine);
+void NQOMLFile::writeObjectStart(const char* type, const NQObject* object,
+                                 int singleLine) {
+  writeObject(type, object, singleLine, false);
 }
 
-void NQOMLFile::writeObject(const char* type, const NQOMLObject* object, int singleLine) {
+void NQOMLFile::writeObject(const char* type, const NQObject* object, int singleLine,
+                            bool withID) {
   if (auto* const writer = state_->openWriter())
-    writer->object(type, object, singleLine != 0);
+    writer->object(type, object, singleLine != 0, withID);
 }
 
 void NQOMLFile::writeNamedObjectStart(const char* type, const char* id, int singleLine) {

@@ -153,8 +153,9 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   // names, -1 for unknown ones, and ignores blank lines and `singleLine`.
 
   // The start of an object of a type: with the id of `object` if `withID` is not 0,
-  // else, and for any other NQObject, without one. From here to the next closing
-  // bracket everything stands on one line if `singleLine` is not 0.
+  // else, and for any other NQObject, without one. Either way pIndexHashTable() keeps
+  // the id, unless it is 0. From here to the next closing bracket everything stands on
+  // one line if `singleLine` is not 0.
   void writeObjectStart(const char* type, const NQOMLObject* object, int singleLine,
                         int withID);
   void writeObjectStart(const char* type, const NQObject* object, int singleLine);
@@ -208,9 +209,10 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   // The result of what was reported since the last read began.
   NQFileCodeEnum errorCode() const;
 
-  // The number at the end of the id of each object made or written, under the
-  // object's address; null when the last read or write was not to keep them. It lasts
-  // until one that is not to use it, and one that is adds to it.
+  // The number at the end of the id of each object made, and the id of each object
+  // written, in 32 bits, under the object's address; null when the last read or write
+  // was not to keep them. It lasts until one that is not to use it, and one that is
+  // adds to it.
   NQIndexHashTable* pIndexHashTable() const;
   const NQOMLStatic* pOMLStatic() const;
   // The extension whose own file this is (oml_extension.h), null at first; borrowed,
@@ -301,7 +303,7 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
                                              nqLong line, int position);
 
   void copyFields(const NQOMLFile& source);
-  void writeObject(const char* type, const NQOMLObject* object, int singleLine);
+  void writeObject(const char* type, const NQObject* object, int singleLine, bool withID);
   // The grammar's definition of a node's type, or null.
   const NQOMLDefObjType* definitionOf(const NQOMLSyntaxObject* syntax) const;
   void parse(const char* fileName, bool binary);

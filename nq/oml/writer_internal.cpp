@@ -59,20 +59,22 @@ Writer::Writer(const WriteSettings& settings)
 
 Writer::~Writer() = default;
 
-void Writer::object(const char* type, const NQOMLObject* object, bool singleLine) {
+void Writer::object(const char* type, const NQObject* object, bool singleLine,
+                    bool withID) {
   if (type == nullptr) return;
-  if (object == nullptr) {
+  if (object == nullptr || (!withID && settings_.numbers == nullptr)) {
     objectStart(type, "", singleLine);
     return;
   }
-  const nqLong id = writtenID(*object, object->graphFileID());
-  if (settings_.numbers != nullptr) {
-    settings_.numbers->update(static_cast<nqInt64>(reinterpret_cast<std::intptr_t>(
-                                  static_cast<const NQObject*>(object))),
-                              id);
+  const nqInt64 own = object->graphFileID();
+  const nqLong id = withID ? writtenID(*object, own) : static_cast<nqLong>(own);
+  if (settings_.numbers != nullptr && id != 0) {
+    settings_.numbers->update(
+        static_cast<nqInt64>(reinterpret_cast<std::intptr_t>(object)), id);
   }
   char digits[kIntegerText];
-  objectStart(type, {digits, putInteger(digits, id)}, singleLine);
+  const char* const end = withID ? putInteger(digits, id) : digits;
+  objectStart(type, {digits, end}, singleLine);
 }
 
 void Writer::reference(const char* name, const NQOMLObject* object,
@@ -113,7 +115,7 @@ void Writer::collectAddress(const NQOMLObject& object) {
   }
 }
 
-nqLong Writer::numberOf(const NQOMLObject& object) {
+nqLong Writer::numberOf(const NQObject& object) {
   return numbers_.try_emplace(&object, static_cast<nqLong>(numbers_.size()) + 1)
       .first->second;
 }

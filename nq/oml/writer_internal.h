@@ -97,8 +97,9 @@ class Writer {
   // Whether the file is not what it should be.
   bool failed() const { return spoiled_ || output_.failed(); }
 
-  // The start of an object with the id of `object`, or without one for null.
-  void object(const char* type, const NQOMLObject* object, bool singleLine);
+  // The start of an object, with the id of `object` or without one, as for null. The
+  // table of numbers gets to know the id.
+  void object(const char* type, const NQObject* object, bool singleLine, bool withID);
   // A reference to `object` as it reads in `context`.
   void reference(const char* name, const NQOMLObject* object, const NQOMLObject* context,
                  bool withName);
@@ -139,18 +140,18 @@ class Writer {
 
  private:
   // What stands in the file for an object with that graphFileID().
-  nqLong writtenID(const NQOMLObject& object, nqInt64 id) {
+  nqLong writtenID(const NQObject& object, nqInt64 id) {
     return lossless() ? numberOf(object) : static_cast<nqLong>(id);
   }
   // The number of its first mention.
-  nqLong numberOf(const NQOMLObject& object);
+  nqLong numberOf(const NQObject& object);
   // Puts the address from the top together.
   void collectAddress(const NQOMLObject& object);
 
   WriteSettings settings_;
   bool spoiled_ = false;
-  std::unordered_map<const NQOMLObject*, nqLong> numbers_;  // given so far
-  std::string address_;                                     // being put together
+  std::unordered_map<const NQObject*, nqLong> numbers_;  // given so far
+  std::string address_;                                  // being put together
 };
 
 }  // namespace nqdetail

@@ -596,6 +596,31 @@ TEST_F(Writing, KeepsTheNumbersOfObjects) {
   ASSERT_EQ(write(script, false, &top, 1), NQ_FILE_OK);
   EXPECT_EQ(system.files["f"], second);
   EXPECT_EQ(a.graphFileID(), 0);
+
+  // Numbers that do not stand in the file are kept as well; a null object, and an
+  // object without a number, leaves what is there.
+  const NQObject other;
+  const auto number = [&](const NQObject& object) {
+    return numbers->lookup(reinterpret_cast<nqInt64>(&object));
+  };
+  nqLong id = 98;
+  const auto silent = [&](TestWriter& file) {
+    c.iUserField(-id);
+    file.writeObjectStart("node", &c, 0, 0);
+    a.iUserField(id);
+    file.writeObjectStart("node", static_cast<const NQObject*>(&a), 0);
+    file.writeObjectStart("node", &other, 0);
+    file.writeObjectStart("node", &top, 0, 0);
+    file.writeObjectStart("node", static_cast<const NQObject*>(nullptr), 0);
+  };
+  for (const bool binary : {false, true}) {
+    ASSERT_EQ(write(silent, binary, &top, 1), NQ_FILE_OK);
+    EXPECT_EQ(number(c), -id);
+    EXPECT_EQ(number(a), id++);
+    EXPECT_EQ(number(other), static_cast<nqLong>(other.graphFileID()));
+    EXPECT_EQ(number(top), 1);
+    EXPECT_EQ(system.files["f"].find('9'), std::string::npos);
+  }
 }
 
 // A name is known by its text, wherever that stands.
