@@ -1,10 +1,9 @@
 // syntax_arena_internal.h -- the memory of a reader's syntax tree.
 //
 // The arena makes nodes with everything that belongs to them in one piece: an
-// object with its list cell, a field with its cell and its token. A node is still
-// to be added to its parent. clear() frees a tree of any size without visiting
-// it; only the binary values, and nodes that somebody made with new and added to
-// the tree, are deleted one by one.
+// object or a field with its list cell. A node is still to be added to its parent.
+// clear() frees a tree of any size without visiting it; only the binary values, and
+// nodes that somebody made with new and added to the tree, are deleted one by one.
 
 #ifndef NQ_OML_SYNTAX_ARENA_INTERNAL_H
 #define NQ_OML_SYNTAX_ARENA_INTERNAL_H

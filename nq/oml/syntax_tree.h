@@ -93,7 +93,7 @@ class NQ_EXPORT NQOMLSyntaxStruct : public NQObject {
 // One value, with the name it was given.
 class NQ_EXPORT NQOMLSyntaxField : public NQOMLSyntaxStruct {
  public:
-  // Keeps `token`, which may be null: the field takes its value over and deletes it.
+  // Takes the value of `token`, which may be null, over and deletes the token.
   // `nameIndex` and `sectionIDIndex` count on behind the grammar's names for names
   // that only the file declares.
   NQOMLSyntaxField(NQOMLFile* file, nqLong line, int position, nqLong fileNameIndex,
@@ -389,9 +389,9 @@ class NQ_EXPORT NQOMLSyntaxObjectIter : public NQObject {
 //
 // A field with wildcards in its section path comes once for each section they
 // stand for that defines it, in tree order; pField() is then a view of the field
-// with the definition, section and path of that section, sharing the token, valid
-// until the iterator moves on. The field in the tree is never changed. A field
-// that has no definition anywhere is passed over.
+// with the definition, section and path of that section, valid until the iterator
+// moves on. The field in the tree is never changed. A field that has no definition
+// anywhere is passed over.
 class NQ_EXPORT NQOMLSyntaxFieldIter : public NQObject {
   NQ_COPY_PROTOCOL(NQOMLSyntaxFieldIter)
 
