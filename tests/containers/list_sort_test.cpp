@@ -110,7 +110,7 @@ std::vector<int> quicklySorted(const std::vector<int>& values, int* changed = nu
   }
   const auto sorted = [=](const std::vector<int>& part) {
     if (depth < 31) return quicklySorted(part, changed, depth + 1);
-    const std::vector<int> stable = stablySorted(part);
+    std::vector<int> stable = stablySorted(part);
     if (changed != nullptr && part.size() < 6) *changed = 0;  // a bubble sort
     if (changed != nullptr && stable != part) *changed = 1;
     return stable;
