@@ -1,6 +1,6 @@
 #include "nq/oml/definitions.h"
 
-#include "nq/oml/section_path_internal.h"
+#include "nq/oml/grammar/section_path.h"
 
 namespace nqdetail {
 

@@ -9,15 +9,15 @@
 #include <optional>
 
 #include "nq/containers/index_hash_table.h"
-#include "nq/oml/creation_internal.h"
-#include "nq/oml/diagnostics_internal.h"
-#include "nq/oml/lexer_internal.h"
+#include "nq/oml/diagnostics/diagnostics.h"
 #include "nq/oml/oml_file.h"
-#include "nq/oml/read_hooks_internal.h"
-#include "nq/oml/read_tables_internal.h"
-#include "nq/oml/sources_internal.h"
-#include "nq/oml/syntax_arena_internal.h"
-#include "nq/oml/writer_internal.h"
+#include "nq/oml/reading/creation.h"
+#include "nq/oml/reading/lexer.h"
+#include "nq/oml/reading/read_hooks.h"
+#include "nq/oml/reading/sources.h"
+#include "nq/oml/tree/read_tables.h"
+#include "nq/oml/tree/syntax_arena.h"
+#include "nq/oml/writing/writer.h"
 
 namespace nqdetail {
 

@@ -7,8 +7,8 @@
 #include "nq/containers/numbers.h"
 #include "nq/core/string_pool.h"
 #include "nq/file/text_file.h"
-#include "nq/oml/definition_language_internal.h"
-#include "nq/oml/pool_size_internal.h"
+#include "nq/oml/grammar/definition_language.h"
+#include "nq/oml/grammar/pool_size.h"
 
 namespace {
 

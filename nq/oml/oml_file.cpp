@@ -5,11 +5,11 @@
 
 #include "nq/core/message_table.h"
 #include "nq/core/string_pool.h"
+#include "nq/oml/diagnostics/message_codes.h"
 #include "nq/oml/file_state_internal.h"
-#include "nq/oml/message_codes_internal.h"
 #include "nq/oml/oml_object.h"
-#include "nq/oml/parser_internal.h"
-#include "nq/oml/semantics_internal.h"
+#include "nq/oml/reading/parser.h"
+#include "nq/oml/reading/semantics.h"
 
 namespace nqdetail {
 

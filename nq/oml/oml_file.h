@@ -26,11 +26,11 @@
 //
 // How it works
 //   A read goes through a row of rooms, each with a header of its own: sources
-//   and lexer (lexer_internal.h), parser, semantic pass, creation, and diagnostics
+//   and lexer (reading/lexer.h), parser, semantic pass, creation, and diagnostics
 //   on which all of them report. A fatal error only marks the read as ended; every
 //   room then answers as if there were nothing more to do, and what they share
 //   goes when the read returns. A write has a room for each encoding
-//   (writer_internal.h) and gathers its output before it goes to the file.
+//   (writing/writer.h) and gathers its output before it goes to the file.
 
 #ifndef NQ_OML_OML_FILE_H
 #define NQ_OML_OML_FILE_H

@@ -4,9 +4,9 @@
 
 #include "nq/oml/bin_value.h"
 #include "nq/oml/grammar.h"
-#include "nq/oml/read_tables_internal.h"
-#include "nq/oml/section_path_internal.h"
-#include "nq/oml/syntax_arena_internal.h"
+#include "nq/oml/grammar/section_path.h"
+#include "nq/oml/tree/read_tables.h"
+#include "nq/oml/tree/syntax_arena.h"
 
 using nqdetail::readTables;
 using nqdetail::ReadTables;

@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "nq/oml/bin_value_internal.h"
+#include "nq/oml/encoding/bin_value_builder.h"
 #include "nq/oml/token.h"
 #include "tests/support/copy_protocol_check.h"
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "nq/oml/escapes_internal.h"
+#include "nq/oml/encoding/escapes.h"
 #include "tests/support/fake_system.h"
 #include "tests/support/oml_reading.h"
 #include "tests/support/token_dump.h"

@@ -1,4 +1,4 @@
-#include "nq/oml/section_path_internal.h"
+#include "nq/oml/grammar/section_path.h"
 
 #include <gtest/gtest.h>
 

@@ -4,8 +4,8 @@
 #include <set>
 #include <string>
 
-#include "nq/oml/id_table_internal.h"
-#include "nq/oml/lexer_internal.h"
+#include "nq/oml/reading/lexer.h"
+#include "nq/oml/tree/id_table.h"
 #include "tests/support/fake_system.h"
 #include "tests/support/oml_reading.h"
 #include "tests/support/test_peer.h"

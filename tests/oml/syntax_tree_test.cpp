@@ -9,7 +9,7 @@
 #include "nq/core/string_pool.h"
 #include "nq/oml/bin_value.h"
 #include "nq/oml/grammar.h"
-#include "nq/oml/syntax_arena_internal.h"
+#include "nq/oml/tree/syntax_arena.h"
 #include "tests/support/copy_protocol_check.h"
 #include "tests/support/reading_file.h"
 

@@ -13,7 +13,7 @@
 #include "nq/containers/index_hash_table.h"
 #include "nq/core/string_pool.h"
 #include "nq/oml/bin_value.h"
-#include "nq/oml/number_text_internal.h"
+#include "nq/oml/encoding/number_text.h"
 #include "nq/oml/oml_object.h"
 #include "tests/support/fake_system.h"
 #include "tests/support/tree_writing.h"

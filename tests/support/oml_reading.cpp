@@ -4,7 +4,7 @@
 #include <cctype>
 
 #include "nq/core/string_pool.h"
-#include "nq/oml/section_path_internal.h"
+#include "nq/oml/grammar/section_path.h"
 #include "tests/support/test_peer.h"
 #include "tests/support/value_text.h"
 

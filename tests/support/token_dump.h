@@ -6,7 +6,7 @@
 #include <functional>
 #include <string>
 
-#include "nq/oml/lexer_internal.h"
+#include "nq/oml/reading/lexer.h"
 
 // What a reader's rooms below the parser report and ask, for tests without a file
 // above them.
