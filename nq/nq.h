@@ -49,6 +49,7 @@
 #include "nq/geometry/typed_list.h"
 #include "nq/oml/bin_value.h"
 #include "nq/oml/definitions.h"
+#include "nq/oml/diagnostic.h"
 #include "nq/oml/factory.h"
 #include "nq/oml/grammar.h"
 #include "nq/oml/oml_extension.h"

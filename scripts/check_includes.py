@@ -24,7 +24,7 @@ FLOORS = {
 # The floors inside nq/oml, from below: folders, and the files beside them, each with
 # its source. A file includes from its own wing and from the floors below.
 OML_FLOORS = [
-    {"encoding", "diagnostics", "token", "bin_value"},
+    {"encoding", "diagnostics", "diagnostic", "token", "bin_value"},
     {"grammar", "definitions"},
     {"tree", "syntax_tree", "oml_object.h"},
     {"reading", "writing"},

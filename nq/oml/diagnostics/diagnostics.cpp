@@ -1,13 +1,13 @@
 #include "nq/oml/diagnostics/diagnostics.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstring>
 #include <new>
 #include <string>
 
 #include "nq/core/format_internal.h"
 #include "nq/core/message_table.h"
+#include "nq/oml/diagnostic.h"
 #include "nq/oml/diagnostics/message_codes.h"
 
 namespace nqdetail {
@@ -22,18 +22,15 @@ const char* textOf(const char* text) {
   return text == nullptr ? "" : text;
 }
 
-// "prefix #code (file:line:column) text !"; without a place when line is negative.
-std::string lineOf(int prefix, const char* codeFormat, int code, const char* file,
-                   nqLong line, int column, const char* text) {
-  char number[16];
-  std::snprintf(number, sizeof number, codeFormat, code);
-  std::string result = getStringResource(prefix);
-  result.append(" #").append(number).append(" ");
-  if (line >= 0) {
-    result.append("(").append(textOf(file)).append(":").append(std::to_string(line));
-    result.append(":").append(std::to_string(column)).append(") ");
-  }
-  return result.append(textOf(text)).append(" !\n");
+std::string lineOf(NQOMLSeverityEnum severity, const char* file, nqLong line, int column,
+                   int code, const char* text) {
+  NQOMLDiagnostic diagnostic;
+  diagnostic.code = code;
+  diagnostic.severity = severity;
+  diagnostic.file = textOf(file);
+  diagnostic.first = {line, column, -1};
+  diagnostic.text = textOf(text);
+  return diagnostic.message();
 }
 
 }  // namespace
@@ -133,8 +130,8 @@ void Diagnostics::warning(const char* file, nqLong line, int column, int code,
 
 void Diagnostics::storeError(const char* file, nqLong line, int column, int code,
                              const char* text, int fatal) {
-  const int prefix = fatal != 0 ? kFatalErrorPrefix : kErrorPrefix;
-  errors.append(lineOf(prefix, "%03d", code, file, line, column, text).c_str());
+  const NQOMLSeverityEnum severity = fatal != 0 ? NQ_OML_FATAL_ERROR : NQ_OML_ERROR;
+  errors.append(lineOf(severity, file, line, column, code, text).c_str());
   if (fatal == 0 && numberOfErrors >= maxNumberOfErrors) {
     report({}, kTooManyErrors, nullptr, nullptr, nullptr, nullptr, 1);
   }
@@ -142,9 +139,7 @@ void Diagnostics::storeError(const char* file, nqLong line, int column, int code
 
 void Diagnostics::storeWarning(const char* file, nqLong line, int column, int code,
                                const char* text) {
-  const char* const codeFormat = line < 0 ? "%3d" : "%03d";
-  warnings.append(
-      lineOf(kWarningPrefix, codeFormat, code, file, line, column, text).c_str());
+  warnings.append(lineOf(NQ_OML_WARNING, file, line, column, code, text).c_str());
   if (numberOfWarnings >= maxNumberOfWarnings) {
     report({}, kTooManyWarnings, nullptr, nullptr, nullptr, nullptr, 1);
   }
