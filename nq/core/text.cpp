@@ -29,8 +29,6 @@ NQInternalText::NQInternalText(const char* text) {
 
 NQInternalText::NQInternalText(int textId) : NQInternalText(getStringResource(textId)) {}
 
-NQInternalText::NQInternalText(long textId) : NQInternalText(static_cast<int>(textId)) {}
-
 NQInternalText::NQInternalText(const NQInternalText& source)
     : NQInternalText(source.pString()) {}
 

@@ -9,6 +9,7 @@
 #ifndef NQ_CORE_TEXT_H
 #define NQ_CORE_TEXT_H
 
+#include <concepts>
 #include <memory>
 
 #include "nq/core/copy_protocol.h"
@@ -17,10 +18,11 @@
 class NQ_EXPORT NQInternalText {
  public:
   explicit NQInternalText(const char* text = nullptr);
-  // A copy of the library's message text with that number (getStringResource).
-  // Both take it in 32 bits.
+  // A copy of the library's message text with that number (getStringResource), of
+  // which the low 32 bits count.
   explicit NQInternalText(int textId);
-  explicit NQInternalText(long textId);
+  template <std::integral Integer>
+  explicit NQInternalText(Integer textId) : NQInternalText(static_cast<int>(textId)) {}
   NQInternalText(const NQInternalText& source);
   const NQInternalText& operator=(const NQInternalText& source);
 

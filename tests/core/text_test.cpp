@@ -63,6 +63,9 @@ TEST(NQInternalText, HoldsALibraryMessageByNumber) {
                "right bracket different than left bracket");
   EXPECT_STREQ(NQInternalText(52).pString(), "");
   EXPECT_STREQ(NQInternalText(-1L).pString(), "");
+  EXPECT_STREQ(NQInternalText(1U).pString(), "Fatal error");
+  EXPECT_STREQ(NQInternalText(1ULL).pString(), "Fatal error");
+  EXPECT_STREQ(NQInternalText(-1LL).pString(), "");
 }
 
 TEST(MessageTable, HoldsFiftyTwoTextsSafeToFormat) {
