@@ -57,6 +57,18 @@ ROWS = [  # a shell's command, the exit code, standard error
      0, ""),
 ]
 
+# A file whose group cannot be kept: what the old group was allowed, the new one is not.
+if os.geteuid() == 0:
+    os.mkdir("shared")
+    os.chmod("shared", 0o777)
+    with open("shared/loose.oml", "w") as file:
+        file.write("x:1")
+    os.chown("shared/loose.oml", 65534, 1234)
+    os.chmod("shared/loose.oml", 0o664)
+    ROWS.append(("setpriv --reuid=65534 --regid=65534 --clear-groups $n format "
+                 "shared/loose.oml && test $(stat -c %a:%g shared/loose.oml) = 604:65534",
+                 0, ""))
+
 failed = False
 for command, code, errors in ROWS:
     done = subprocess.run(command, shell=True, env=environment, capture_output=True,

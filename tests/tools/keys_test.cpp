@@ -1,6 +1,9 @@
 #include "tools/nqoml/keys.h"
+#include "tools/nqoml/output.h"
 
 #include "tests/tools/tool_test.h"
+
+#include <cstdio>
 
 #if !defined(_WIN32)
 #include <sys/resource.h>
@@ -36,6 +39,17 @@ TEST_F(KeysTest, DeliversOnlyWholeHeaders) {
   }
   (void)std::signal(SIGXFSZ, ignored);
 #endif
+}
+
+// What was written is gone before it is handed on.
+TEST_F(KeysTest, TellsThatStandardOutputGotNothing) {
+  std::ostringstream out;
+  Output output("-", out);
+  ASSERT_TRUE(output.write("text"));
+  ASSERT_EQ(std::remove(output.path().c_str()), 0);
+  EXPECT_FALSE(output.commit());
+  EXPECT_EQ(output.trouble(), "cannot be written");
+  EXPECT_EQ(out.str(), "");
 }
 
 }  // namespace

@@ -68,6 +68,7 @@ bool Output::commit() {
     return file_->replace(target_) ? true : fail("cannot be replaced");
   }
   std::ifstream written(path(), std::ios::binary);
+  if (!written) return fail("cannot be written");
   std::ofstream device;
   if (kind_ == Target::kDevice) device.open(target_, std::ios::binary);
   std::ostream& out = kind_ == Target::kDevice ? device : out_;

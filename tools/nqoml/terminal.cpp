@@ -191,10 +191,11 @@ std::optional<TemporaryFile> TemporaryFile::makeBeside(const std::string& path) 
   struct stat status;
   mode_t mode = 0;
   if (stat(path.c_str(), &status) == 0) {
-    // Whoever may not give the file away may still be in its group.
+    // Whoever may not give the file away may still be in its group. What the group
+    // was allowed is not for another one.
     const bool grouped = fchown(handle, static_cast<uid_t>(-1), status.st_gid) == 0;
     const bool owned = fchown(handle, status.st_uid, static_cast<gid_t>(-1)) == 0;
-    mode = status.st_mode & (grouped && owned ? 07777 : 0777);
+    mode = status.st_mode & (grouped && owned ? 07777 : grouped ? 0777 : 0707);
   } else {
     mode = umask(0);
     (void)umask(mode);
