@@ -18,10 +18,10 @@ int main() {
 
   NQTextFile out;
   if (out.open(name, NQ_WRITE) != NQ_FILE_OK) return failed("create the file");
-  (void)out.writeLine("stations");
-  (void)out.writeLine(3);
-  (void)out.writeLine(12.5, "%.3f");
-  (void)out.writeLineTrueOrFalse(1);
+  out.writeLine("stations");
+  out.writeLine(3);
+  out.writeLine(12.5, "%.3f");
+  out.writeLineTrueOrFalse(1);
   // Output is gathered: only a close that succeeds says that all of it is there.
   if (out.close() != NQ_FILE_OK) return failed("write the file");
 
@@ -40,6 +40,5 @@ int main() {
   // No more lines is a result like any other; an error would set error().
   const bool more = in.readLine(title) == NQ_FILE_OK;
   std::printf("%s, %s\n", more ? "more" : "no more", in.error() ? "error" : "no error");
-  (void)in.close();
   return std::remove(name);
 }

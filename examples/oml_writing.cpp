@@ -101,6 +101,5 @@ int main() {
   NQStringHandle line;
   if (written.open(name, NQ_READ) != NQ_FILE_OK) return 1;
   while (written.readLine(line) == NQ_FILE_OK) std::printf("%s\n", line.pString());
-  (void)written.close();
   return std::remove(name);
 }

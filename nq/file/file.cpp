@@ -118,11 +118,7 @@ const char* NQFile::pPathName() {
 
 int NQFile::fileExist(const char* name) {
   if (name == nullptr || !fits(name)) return 0;
-  const nqdetail::Handle handle =
-      system().open(name, nqdetail::Access::kRead, nqdetail::Creation::kExisting);
-  if (handle == noHandle()) return 0;
-  system().close(handle);
-  return 1;
+  return system().exists(name) ? 1 : 0;
 }
 
 int NQFile::renameUnique(char* name) {
@@ -165,7 +161,7 @@ NQFileCodeEnum NQFile::open(const char* name, NQFileModeEnum newMode) {
   char ownName[kNameSize] = "";  // `name` may go with the buffers
   const bool nameFits = name != nullptr && fits(name);
   if (nameFits) std::strcpy(ownName, name);
-  (void)empty();
+  if (const NQFileCodeEnum emptied = empty(); emptied != NQ_FILE_OK) return emptied;
   error(1);
   if (name == nullptr) return NQ_FILE_OPEN_ERROR;
 
@@ -193,8 +189,9 @@ NQFileCodeEnum NQFile::open(const char* name, NQFileModeEnum newMode) {
 NQFileCodeEnum NQFile::close() {
   error(1);
   if (!isOpen()) return NQ_FILE_CLOSE_ERROR;
-  flush();
+  const bool flushed = flush() == NQ_FILE_OK;
   const bool sent = sendOutput();  // also where an override does not flush
+  const bool whole = flushed && sent && (output_ == nullptr || !output_->lostAny());
   const bool closed = system().close(fileHandle_);
   output_.reset();
   input_.reset();
@@ -202,11 +199,11 @@ NQFileCodeEnum NQFile::close() {
   isOpen(0);
   discardBufferedBytes();
   pFileName(nullptr);
-  return conclude(sent && closed ? NQ_FILE_OK : NQ_FILE_CLOSE_ERROR);
+  return conclude(whole && closed ? NQ_FILE_OK : NQ_FILE_CLOSE_ERROR);
 }
 
 NQFileCodeEnum NQFile::attach(NQArchiveClass* archive) {
-  (void)empty();
+  if (const NQFileCodeEnum emptied = empty(); emptied != NQ_FILE_OK) return emptied;
   isAttached(1);
   pArchive_ = archive;
   mode_ = NQ_WRITE;
@@ -214,7 +211,7 @@ NQFileCodeEnum NQFile::attach(NQArchiveClass* archive) {
 }
 
 NQFileCodeEnum NQFile::attach(void* handle, NQFileModeEnum newMode) {
-  (void)empty();
+  if (const NQFileCodeEnum emptied = empty(); emptied != NQ_FILE_OK) return emptied;
   isAttached(1);
   fileHandle_ = handle;
   mode_ = newMode;
@@ -225,7 +222,7 @@ NQFileCodeEnum NQFile::attach(void* handle, NQFileModeEnum newMode) {
 
 NQFileCodeEnum NQFile::detach(int mark) {
   if (!isAttached()) return conclude(NQ_FILE_CLOSE_ERROR);
-  if (mark != 0 && isOneOf(mode_, {NQ_WRITE, NQ_WRITE_ASCII})) (void)writeEndOfFile();
+  if (mark != 0 && isOneOf(mode_, {NQ_WRITE, NQ_WRITE_ASCII})) writeEndOfFile();
   flush();
   isAttached(0);
   pArchive_ = nullptr;
@@ -234,8 +231,10 @@ NQFileCodeEnum NQFile::detach(int mark) {
   return conclude(NQ_FILE_OK);
 }
 
-void NQFile::flush() {
-  if (!sendOutput()) error(1);
+NQFileCodeEnum NQFile::flush() {
+  if (sendOutput()) return NQ_FILE_OK;
+  error(1);
+  return NQ_FILE_WRITE_ERROR;
 }
 
 NQFileCodeEnum NQFile::writeEndOfFile() {

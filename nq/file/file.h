@@ -11,12 +11,14 @@
 // out of data; the latter stays until the next open, attach or empty.
 //
 // Output to a file opened by name is gathered and sent on, in order, by flush,
-// close, a read and destruction; when the system does not take it, close
-// answers NQ_FILE_CLOSE_ERROR. So only a close that succeeded says that
-// everything is in the file; opening the next file without one does not. Input
-// of a file opened by name is fetched ahead. An attached handle is written
-// through at once; in a buffered mode it is read ahead by as much as the buffer
-// holds, and what is still unread there is lost to its owner at detach.
+// close, a read and destruction. When the system ever refuses any of it, close
+// answers NQ_FILE_CLOSE_ERROR, and so does an open, attach or empty that closes the
+// file: the results of single writes may be passed over, that of the close may not.
+// Destruction and assignment cannot answer. Call flush before a fork: both processes
+// would send on what is gathered. Input of a file opened by name is fetched ahead. An
+// attached handle is written through at once; in a buffered mode it is read ahead by as
+// much as the buffer holds, and what is still unread there is lost to its owner at
+// detach.
 //
 // How it works
 //   The reading modes except NQ_READ_WRITE are buffered. The unread bytes are
@@ -79,8 +81,8 @@ class NQ_EXPORT NQFile : public NQObject {
   const char* pQueryFileName() const { return pFileName_.get(); }
   const char* pQueryPathName() const { return pPathName_.get(); }
 
-  // Whether a file of that name can be opened for reading now: 0 also for one
-  // that is open elsewhere, and for null.
+  // Whether there is a file of that name, be it open or without permission to read;
+  // 0 for directories and null. Asking disturbs nobody who has it open.
   static int fileExist(const char* name);
   // Changes `name`, a buffer of 260 bytes, to the first of base1.ext, base2.ext,
   // ... that is not the name of an existing file, and returns 1. It renames
@@ -96,25 +98,27 @@ class NQ_EXPORT NQFile : public NQObject {
   // the name and do not overlap it; nothing is done when one is null.
   static void separatePathFromFile(const char* full, char* file, char* path);
 
-  // Opens a file by name, after empty(). NQ_FILE_OPEN_ERROR for null, for a name
-  // of 260 bytes or more, for directories and FIFOs, for a file that is open
-  // already through this library, and for an unknown mode; the file is idle then,
-  // and mode() and buffered() tell of the mode that was asked for. `name` may
-  // be this file's own pFileName().
-  virtual NQFileCodeEnum open(const char* name, NQFileModeEnum mode);
+  // Opens a file by name, after empty(); when that fails, its result is the answer and
+  // nothing is opened. NQ_FILE_OPEN_ERROR for null, for a name of 260 bytes or more, for
+  // directories and FIFOs, for a file that is open already through this library, and
+  // for an unknown mode; the file is idle then, and mode() and buffered() tell of the
+  // mode that was asked for. `name` may be this file's own pFileName().
+  [[nodiscard]] virtual NQFileCodeEnum open(const char* name, NQFileModeEnum mode);
   // Failed or not, the file is idle afterwards and its names are "".
   // NQ_FILE_CLOSE_ERROR when it was not open, when gathered output could not be
   // written, or when the system reports a failure.
-  virtual NQFileCodeEnum close();
-  // Both borrow their argument until detach, after empty(). An archive takes
-  // output (the mode is NQ_WRITE) and drops it.
+  [[nodiscard]] virtual NQFileCodeEnum close();
+  // Both borrow their argument until detach, after empty(); when that fails, its result
+  // is the answer and nothing is attached. An archive takes output (the mode is
+  // NQ_WRITE) and drops it.
   virtual NQFileCodeEnum attach(NQArchiveClass* archive);
   virtual NQFileCodeEnum attach(void* handle, NQFileModeEnum mode);
   // Lets go of what is attached, unclosed; NQ_FILE_CLOSE_ERROR when nothing is.
   // With `mark` not 0, writeEndOfFile() comes first in the modes 1 and 7.
   virtual NQFileCodeEnum detach(int mark);
-  // Sends on what was gathered. A failure sets error() and remains for close.
-  virtual void flush();
+  // Sends on what was gathered. NQ_FILE_WRITE_ERROR when the system does not take it
+  // all; what is left is tried again by the next flush, and by close.
+  virtual NQFileCodeEnum flush();
   // Writes the end marker "__NQ_END_OF_FILE__" to an archive in the modes 1 and
   // 7; succeeds without effect otherwise.
   virtual NQFileCodeEnum writeEndOfFile();
@@ -136,7 +140,7 @@ class NQ_EXPORT NQFile : public NQObject {
 
   // Makes the file idle (detach(1) or close(), whose result it returns) and
   // frees the buffer and the names.
-  NQFileCodeEnum empty();
+  [[nodiscard]] NQFileCodeEnum empty();
 
  protected:
   void init();

@@ -17,14 +17,14 @@ enum NQFileModeEnum : int {
 };
 
 // The result of every file operation, and of reading or writing an OML file.
-enum [[nodiscard]] NQFileCodeEnum : int{
-    NQ_FILE_OK = 0,
-    NQ_FILE_OPEN_ERROR = 2,
-    NQ_FILE_CLOSE_ERROR = 3,           // was not open, or did not close well
-    NQ_FILE_READ_ERROR = 4,            // or the wrong mode, or no data left
-    NQ_FILE_WRITE_ERROR = 5,           // or the wrong mode
-    NQ_FILE_READ_ARGUMENT_ERROR = 6,   // an OML read without name or grammar
-    NQ_FILE_WRITE_ARGUMENT_ERROR = 7,  // an OML write without name or grammar
+enum NQFileCodeEnum : int {
+  NQ_FILE_OK = 0,
+  NQ_FILE_OPEN_ERROR = 2,
+  NQ_FILE_CLOSE_ERROR = 3,           // was not open, or did not close well
+  NQ_FILE_READ_ERROR = 4,            // or the wrong mode, or no data left
+  NQ_FILE_WRITE_ERROR = 5,           // or the wrong mode
+  NQ_FILE_READ_ARGUMENT_ERROR = 6,   // an OML read without name or grammar
+  NQ_FILE_WRITE_ARGUMENT_ERROR = 7,  // an OML write without name or grammar
 };
 
 // A number that files carry for their users; nothing here interprets it.

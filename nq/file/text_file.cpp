@@ -155,11 +155,19 @@ NQFileCodeEnum NQTextFile::write(unsigned int value) {
 }
 
 NQFileCodeEnum NQTextFile::write(long value) {
-  return write(static_cast<int>(value));
+  return write(NumberText(value).pText());
 }
 
 NQFileCodeEnum NQTextFile::write(unsigned long value) {
-  return write(static_cast<unsigned int>(value));
+  return write(NumberText(value).pText());
+}
+
+NQFileCodeEnum NQTextFile::write(long long value) {
+  return write(NumberText(value).pText());
+}
+
+NQFileCodeEnum NQTextFile::write(unsigned long long value) {
+  return write(NumberText(value).pText());
 }
 
 NQFileCodeEnum NQTextFile::write(double value) {
@@ -187,11 +195,19 @@ NQFileCodeEnum NQTextFile::writeLine(unsigned int value) {
 }
 
 NQFileCodeEnum NQTextFile::writeLine(long value) {
-  return writeLine(static_cast<int>(value));
+  return writeLine(NumberText(value).pText());
 }
 
 NQFileCodeEnum NQTextFile::writeLine(unsigned long value) {
-  return writeLine(static_cast<unsigned int>(value));
+  return writeLine(NumberText(value).pText());
+}
+
+NQFileCodeEnum NQTextFile::writeLine(long long value) {
+  return writeLine(NumberText(value).pText());
+}
+
+NQFileCodeEnum NQTextFile::writeLine(unsigned long long value) {
+  return writeLine(NumberText(value).pText());
 }
 
 NQFileCodeEnum NQTextFile::writeLine(double value) {

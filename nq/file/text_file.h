@@ -17,13 +17,15 @@ class NQ_EXPORT NQTextFile : public NQFile {
   NQTextFile() = default;
   ~NQTextFile() override;
 
-  // A text, or a number as "%d", "%u" or "%lf" prints it, however long. Longs
-  // count as 32-bit numbers on every system.
+  // A text, or a number in decimal digits: an integer of any type whole, a real as
+  // "%lf" prints it.
   NQFileCodeEnum write(const char* text);
   NQFileCodeEnum write(int value);
   NQFileCodeEnum write(unsigned int value);
   NQFileCodeEnum write(long value);
   NQFileCodeEnum write(unsigned long value);
+  NQFileCodeEnum write(long long value);
+  NQFileCodeEnum write(unsigned long long value);
   NQFileCodeEnum write(double value);
   // The number as the format prints it (nq/core/format.h says which formats
   // there are); NQ_FILE_WRITE_ERROR for a null format.
@@ -35,6 +37,8 @@ class NQ_EXPORT NQTextFile : public NQFile {
   NQFileCodeEnum writeLine(unsigned int value);
   NQFileCodeEnum writeLine(long value);
   NQFileCodeEnum writeLine(unsigned long value);
+  NQFileCodeEnum writeLine(long long value);
+  NQFileCodeEnum writeLine(unsigned long long value);
   NQFileCodeEnum writeLine(double value);
   NQFileCodeEnum writeLine(double value, const char* format);
 

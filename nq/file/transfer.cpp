@@ -7,6 +7,12 @@
 namespace nqdetail {
 
 bool WriteBehind::write(Handle handle, const char* data, std::size_t count) {
+  const bool taken = gather(handle, data, count);
+  lostAny_ = lostAny_ || !taken;
+  return taken;
+}
+
+bool WriteBehind::gather(Handle handle, const char* data, std::size_t count) {
   if (block_ == nullptr) block_.reset(new char[kTransferBlock]);
   if (shared_ || count > kTransferBlock - used_) {
     if (!send(handle)) return false;

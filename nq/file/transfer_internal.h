@@ -19,13 +19,16 @@ namespace nqdetail {
 
 inline constexpr std::size_t kTransferBlock = 65536;
 
-// Nothing that write() accepted is ever dropped: what a failing transfer leaves
-// behind stays gathered, in order, and is tried again.
+// Nothing that write() accepted is ever dropped: what a failing transfer did not take
+// stays gathered, in order, and is tried again.
 class WriteBehind {
  public:
   // False when the system failed; the data is then not gathered, though a part
   // of more than a block may have arrived.
   bool write(Handle handle, const char* data, std::size_t count);
+
+  // Whether any write() failed, so that the file lacks something.
+  bool lostAny() const { return lostAny_; }
 
   // Sends what is gathered; false when some of it is left.
   bool send(Handle handle);
@@ -33,9 +36,12 @@ class WriteBehind {
   void share(Handle handle);
 
  private:
+  bool gather(Handle handle, const char* data, std::size_t count);
+
   std::unique_ptr<char[]> block_;  // made by the first write
   std::size_t used_ = 0;
   bool shared_ = false;
+  bool lostAny_ = false;
 };
 
 class ReadAhead {

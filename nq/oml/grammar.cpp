@@ -91,7 +91,7 @@ nqLong NQOMLStatic::refusedLine(nqLong n) const {
              : refusedLines_[static_cast<std::size_t>(n)];
 }
 
-void NQOMLStatic::writeIndexDefinitions(const char* fileName) const {
+NQFileCodeEnum NQOMLStatic::writeIndexDefinitions(const char* fileName) const {
   const struct {
     const char* title;
     const char* prefix;
@@ -104,19 +104,19 @@ void NQOMLStatic::writeIndexDefinitions(const char* fileName) const {
       {"object type identifiers", "OI_", *objTypePool_, NQ_OML_TOPLEVEL_TYPE + 1},
   };
   NQTextFile file;
-  if (file.open(fileName, NQ_WRITE_ASCII) != NQ_FILE_OK) return;
+  if (file.open(fileName, NQ_WRITE_ASCII) != NQ_FILE_OK) return NQ_FILE_OPEN_ERROR;
   for (const auto& block : blocks) {
-    (void)file.writeLine("");
-    (void)file.writeLine((std::string("/* Coding of ") + block.title + " */").c_str());
-    (void)file.writeLine("");
+    file.writeLine("");
+    file.writeLine((std::string("/* Coding of ") + block.title + " */").c_str());
+    file.writeLine("");
     for (nqLong index = block.first; index < block.pool.decodeTableMax(); ++index) {
       const std::string line = std::string("#define NQ_XKEY_") + block.prefix +
                                block.pool.decode(index) + " " + std::to_string(index);
-      (void)file.writeLine(line.c_str());
+      file.writeLine(line.c_str());
     }
   }
-  (void)file.writeLine("");
-  (void)file.close();
+  file.writeLine("");
+  return file.close();
 }
 
 NQOMLDefObjType* NQOMLStatic::installObjTypeID(const char* name, NQOMLCheckFunction check,

@@ -33,6 +33,7 @@
 #include <vector>
 
 #include "nq/core/object.h"
+#include "nq/file/file_codes.h"
 #include "nq/oml/definitions.h"
 
 class NQStringPool;
@@ -135,8 +136,9 @@ class NQ_EXPORT NQOMLStatic : public NQObject {
   //   #define NQ_XKEY_FI_COLOUR 7
   // for a field; SI stands for a section, VI for an enumerator and OI for an
   // object type. Names stand as the pools hold them, in upper case, whether the
-  // line is then good C or not. When the file cannot be written nothing is told.
-  void writeIndexDefinitions(const char* fileName) const;
+  // line is then good C or not. NQ_FILE_OPEN_ERROR or NQ_FILE_CLOSE_ERROR when not all
+  // of it could be written.
+  NQFileCodeEnum writeIndexDefinitions(const char* fileName) const;
 
   // Installs an object type, or replaces those callbacks of an installed one that
   // are not null here. Returns its definition; null for a null or empty name.

@@ -171,9 +171,11 @@ NQFileCodeEnum NQOMLFile::writeBinary(const char* data, int count) {
   return error() ? NQ_FILE_WRITE_ERROR : NQ_FILE_OK;
 }
 
-void NQOMLFile::flush() {
-  if (auto* const writer = state_->openWriter()) writer->output().flush();
-  NQTextFile::flush();
+NQFileCodeEnum NQOMLFile::flush() {
+  auto* const writer = state_->openWriter();
+  if (writer != nullptr) writer->output().flush();
+  const NQFileCodeEnum result = NQTextFile::flush();
+  return writer != nullptr && writer->output().failed() ? NQ_FILE_WRITE_ERROR : result;
 }
 
 NQFileCodeEnum NQOMLFile::readOMLFile(const char* fileName, NQOMLStatic* grammar,

@@ -68,7 +68,7 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   // All output passes through them in large pieces.
   NQFileCodeEnum writeString(const char* text) override;
   NQFileCodeEnum writeBinary(const char* data, int count) override;
-  void flush() override;
+  NQFileCodeEnum flush() override;
 
   // The virtual operations stand in the order of their slots, which derived
   // classes in other modules rely on: new ones go to the end.
@@ -81,10 +81,10 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   //                      pIndexHashTable()
   //   unused             accepted and ignored
   // The result is NQ_FILE_OK when nothing was reported; NQ_FILE_OPEN_ERROR when the
-  // file or one it includes cannot be opened; NQ_FILE_READ_ERROR for everything
-  // else that was reported, for a read that was broken off, and for a call out of
-  // a hook of this reader, which changes nothing; NQ_FILE_READ_ARGUMENT_ERROR for a
-  // null name or grammar.
+  // file or one it includes cannot be opened, because it is open elsewhere for instance;
+  // NQ_FILE_READ_ERROR for everything else that was reported, for a read that was broken
+  // off, and for a call out of a hook of this reader, which changes nothing;
+  // NQ_FILE_READ_ARGUMENT_ERROR for a null name or grammar.
   virtual NQFileCodeEnum readOMLFile(const char* fileName, NQOMLStatic* grammar,
                                      NQObject* top, nqLong topTypeIndex, int binary,
                                      int useIndexHashTable, int unused);
@@ -102,9 +102,10 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   // hook, and for a call out of a hook of this file, which changes nothing;
   // NQ_FILE_CLOSE_ERROR when only the close failed; NQ_FILE_WRITE_ARGUMENT_ERROR for a
   // null name or grammar.
-  virtual NQFileCodeEnum writeOMLFile(const char* fileName, NQOMLStatic* grammar,
-                                      NQObject* top, int binary, int useIndexHashTable,
-                                      int unused);
+  [[nodiscard]] virtual NQFileCodeEnum writeOMLFile(const char* fileName,
+                                                    NQOMLStatic* grammar, NQObject* top,
+                                                    int binary, int useIndexHashTable,
+                                                    int unused);
 
   // The steps before and after a read, called by readOMLFile(). initParser()
   // forgets the last read, with a call of cleanup(), and makes the tables of the
@@ -285,7 +286,7 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   virtual int vIncludeFile(const char* name);
   // Called about every 64 kilobytes with the number of bytes read so far and the
   // size of the files met so far, included ones among them; -1 when one of them
-  // has none, as standard input. 0 breaks the read off without a message.
+  // has none, as a device. 0 breaks the read off without a message.
   virtual int vReadProgress(nqInt64 bytesRead, nqInt64 bytesTotal);
 
   // Writes the top object of writeOMLFile(); nothing here.

@@ -37,6 +37,9 @@ struct System {
   // Directories and FIFOs are refused at once; devices are not exclusive.
   Handle (*open)(const char* name, Access access, Creation creation);
   bool (*close)(Handle handle);
+  // Whether there is a file of that name, open or not; directories do not count. Takes
+  // no lock and opens nothing.
+  bool (*exists)(const char* name);
   // How many bytes a plain file has; -1 for a device.
   std::int64_t (*fileSize)(Handle handle);
 

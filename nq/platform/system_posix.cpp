@@ -86,6 +86,11 @@ bool closeFile(Handle handle) {
   return close(descriptorOf(handle)) == 0 || errno == EINTR;
 }
 
+bool fileExists(const char* name) {
+  struct stat status;
+  return stat(name, &status) == 0 && !S_ISDIR(status.st_mode);
+}
+
 std::int64_t fileSize(Handle handle) {
   struct stat status;
   return fstat(descriptorOf(handle), &status) == 0 && S_ISREG(status.st_mode)
@@ -157,6 +162,7 @@ void modulePath(void* module, char* buffer, std::size_t size) {
 constexpr System kPosixSystem = {
     .open = openFile,
     .close = closeFile,
+    .exists = fileExists,
     .fileSize = fileSize,
     .read = readFile,
     .write = writeFile,

@@ -52,6 +52,12 @@ bool closeFile(Handle handle) {
   return handle != noHandle() && CloseHandle(handle) != 0;
 }
 
+bool fileExists(const char* name) {
+  const DWORD attributes = GetFileAttributesA(name);
+  return attributes != INVALID_FILE_ATTRIBUTES &&
+         (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
 std::int64_t fileSize(Handle handle) {
   LARGE_INTEGER size;
   return GetFileType(handle) == FILE_TYPE_DISK && GetFileSizeEx(handle, &size) != 0
@@ -126,6 +132,7 @@ void* moduleSymbol(void* module, const char* name) {
 constexpr System kWindowsSystem = {
     .open = openFile,
     .close = closeFile,
+    .exists = fileExists,
     .fileSize = fileSize,
     .read = readFile,
     .write = writeFile,

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -206,7 +207,7 @@ TEST(NQFile, GathersOutputAndSendsItOnInOrder) {
   ASSERT_EQ(file->open("a", NQ_WRITE), NQ_FILE_OK);
   for (int i = 0; i < 1000; ++i) write("line " + std::to_string(i) + "\n");
   EXPECT_EQ(fake.writes, 0);
-  file->flush();
+  EXPECT_EQ(file->flush(), NQ_FILE_OK);
   EXPECT_EQ(fake.files["a"], expected);
   write("small");
   write(big);
@@ -247,24 +248,41 @@ TEST(NQFile, AFullDiskIsReportedAndLosesNothingThatWasAccepted) {
   EXPECT_EQ(fake.files["a"], "012");
   EXPECT_EQ(fake.openFiles(), 0);
 
-  ASSERT_EQ(file.open("a", NQ_WRITE), NQ_FILE_OK);
-  EXPECT_EQ(file.writeString("01234"), NQ_FILE_OK);
-  EXPECT_EQ(file.empty(), NQ_FILE_CLOSE_ERROR);
+  // Whatever closes the file answers for it, and opens or attaches nothing else.
+  NQArchiveClass archive;
+  const std::function<NQFileCodeEnum()> closing[] = {
+      [&] { return file.empty(); }, [&] { return file.open("b", NQ_WRITE); },
+      [&] { return file.open(nullptr, NQ_READ); }, [&] { return file.attach(&archive); },
+      [&] { return file.attach(noHandle(), NQ_READ); }};
+  for (const auto& close : closing) {
+    ASSERT_EQ(file.open("a", NQ_WRITE), NQ_FILE_OK);
+    EXPECT_EQ(file.writeString("01234"), NQ_FILE_OK);
+    EXPECT_EQ(close(), NQ_FILE_CLOSE_ERROR);
+    EXPECT_TRUE(isIdle(file));
+    EXPECT_EQ(file.error(), 1);
+  }
+  EXPECT_FALSE(fake.files.contains("b"));
 
   // Failures on the way, then room again.
   ASSERT_EQ(file.open("a", NQ_READ_WRITE), NQ_FILE_OK);
   EXPECT_EQ(file.writeString("01234"), NQ_FILE_OK);
-  file.flush();
+  EXPECT_EQ(file.flush(), NQ_FILE_WRITE_ERROR);
   EXPECT_EQ(file.error(), 1);
   NQStringHandle line;
   EXPECT_EQ(file.readString(line), NQ_FILE_READ_ERROR);
-  const std::string big(100000, 'b');
-  fake.diskSpace = 2;
-  EXPECT_EQ(file.writeString(big.c_str()), NQ_FILE_WRITE_ERROR);
   fake.diskSpace = FakeSystem::kUnlimited;
+  EXPECT_EQ(file.flush(), NQ_FILE_OK);
   EXPECT_EQ(file.writeString("56"), NQ_FILE_OK);
   EXPECT_EQ(file.close(), NQ_FILE_OK);
   EXPECT_EQ(fake.files["a"], "0123456");
+
+  // What one write lost is missing whatever follows.
+  ASSERT_EQ(file.open("a", NQ_WRITE), NQ_FILE_OK);
+  fake.diskSpace = 2;
+  EXPECT_EQ(file.writeString(std::string(100000, 'b').c_str()), NQ_FILE_WRITE_ERROR);
+  fake.diskSpace = FakeSystem::kUnlimited;
+  EXPECT_EQ(file.writeString("56"), NQ_FILE_OK);
+  EXPECT_EQ(file.close(), NQ_FILE_CLOSE_ERROR);
 
   // Only the system's own close fails.
   ASSERT_EQ(file.open("a", NQ_WRITE_BINARY), NQ_FILE_OK);
@@ -412,6 +430,7 @@ TEST(NQFile, FindsAndSplitsAtSeparators) {
 TEST(NQFile, MakesNamesUnique) {
   FakeSystem fake;
   for (const char* const name : {"a1.txt", "a2.txt", "a4.txt", "b1."}) fake.files[name];
+  fake.handleOn("a1.txt");  // which somebody has open
   for (int i = 1; i <= 998; ++i) fake.files["full" + std::to_string(i) + ".x"];
   const std::string longest = std::string(257, 'n');  // "1." still fits
   const std::string tooLong(258, 'n');
@@ -430,7 +449,7 @@ TEST(NQFile, MakesNamesUnique) {
     EXPECT_EQ(name, row.unique);
   }
   EXPECT_EQ(NQFile::renameUnique(nullptr), 0);
-  EXPECT_EQ(fake.openFiles(), 0);
+  EXPECT_EQ(fake.openFiles(), 1) << "nothing is opened to ask";
 }
 
 TEST(NQFile, SharesTheHostsFilesWithNobody) {
@@ -440,7 +459,7 @@ TEST(NQFile, SharesTheHostsFilesWithNobody) {
   NQFile file;
   ASSERT_EQ(file.open(name.c_str(), NQ_WRITE), NQ_FILE_OK);
   EXPECT_EQ(file.writeString("text\r\n"), NQ_FILE_OK);
-  EXPECT_EQ(NQFile::fileExist(name.c_str()), 0) << "is open";
+  EXPECT_EQ(NQFile::fileExist(name.c_str()), 1) << "is open";
   NQFile second;
   for (const NQFileModeEnum mode : kModes) {
     EXPECT_EQ(second.open(name.c_str(), mode), NQ_FILE_OPEN_ERROR) << mode;

@@ -6,6 +6,7 @@
 #include <climits>
 #include <clocale>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <functional>
@@ -49,6 +50,12 @@ TEST(NQTextFile, WritesValuesWithAndWithoutLineEnd) {
   expectWritten(UINT_MAX, "4294967295");
   expectWritten(-1L, "-1");
   expectWritten(4294967295UL, "4294967295");
+  expectWritten(LLONG_MIN, "-9223372036854775808");
+  expectWritten(ULLONG_MAX, "18446744073709551615");
+  expectWritten(std::int64_t{1} << 40, "1099511627776");  // a long on some systems
+  expectWritten(std::size_t{1} << 40, "1099511627776");
+  expectWritten(short{-3}, "-3");
+  expectWritten(true, "1");
   for (const double value : {1.5, -0.0000004, 0.0000005, 1e300, -DBL_MAX}) {
     expectWritten(value, inFull(value));
   }

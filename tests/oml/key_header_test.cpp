@@ -6,6 +6,7 @@
 #include <string>
 
 #include "nq/oml/grammar.h"
+#include "tests/support/fake_system.h"
 #include "tests/support/temporary_directory.h"
 
 namespace {
@@ -16,7 +17,8 @@ struct Grammar : NQOMLStatic {
                     9, 9, 9, 9, 9, 9) {}
 
   std::string keys(const std::string& name) const {
-    writeIndexDefinitions(directory.file(name).c_str());
+    const NQFileCodeEnum result = writeIndexDefinitions(directory.file(name).c_str());
+    EXPECT_EQ(result == NQ_FILE_OK, std::filesystem::exists(directory.file(name)));
     return directory.contents(name);
   }
 
@@ -66,14 +68,19 @@ TEST(KeyHeader, ReplacesAnOlderOne) {
                 std::string(3000, 'E') + " 2\r\n\r\n");
 }
 
-TEST(KeyHeader, IsSilentWhereItCannotBeWritten) {
+TEST(KeyHeader, TellsThatItCannotBeWritten) {
   const Grammar grammar;
   EXPECT_EQ(grammar.keys("missing/keys.h"), "");
   EXPECT_FALSE(std::filesystem::exists(grammar.directory.file("missing")));
-  grammar.writeIndexDefinitions(nullptr);
-  grammar.writeIndexDefinitions("");
-  grammar.writeIndexDefinitions(grammar.directory.path().c_str());
-  EXPECT_TRUE(std::filesystem::is_empty(grammar.directory.path()));
+  for (const char* const name : {static_cast<const char*>(nullptr), ""}) {
+    EXPECT_EQ(grammar.writeIndexDefinitions(name), NQ_FILE_OPEN_ERROR);
+  }
+  const std::string folder = grammar.directory.path();
+  EXPECT_EQ(grammar.writeIndexDefinitions(folder.c_str()), NQ_FILE_OPEN_ERROR);
+  EXPECT_TRUE(std::filesystem::is_empty(folder));
+  FakeSystem fake;
+  fake.diskSpace = 9;
+  EXPECT_EQ(grammar.writeIndexDefinitions("keys.h"), NQ_FILE_CLOSE_ERROR);
 }
 
 }  // namespace

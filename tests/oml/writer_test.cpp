@@ -525,8 +525,8 @@ TEST_F(Writing, LetsTheHookUseTheFile) {
     EXPECT_EQ(file.writeHook("node", &node), 6);
     EXPECT_EQ(file.writeHook("graph", &node), 0);
     EXPECT_EQ(file.writeHook("what", &node), 0);
-    (void)file.write("# text\r\n");
-    (void)file.writeBinary("bytes", 5);
+    file.write("# text\r\n");
+    file.writeBinary("bytes", 5);
     file.writeAttribute("x", 2);
     file.flush();
   };

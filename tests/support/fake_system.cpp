@@ -97,6 +97,7 @@ struct FakeCalls {
 FakeSystem::FakeSystem() : table_(nqdetail::hostSystem()) {
   table_.open = FakeCalls::open;
   table_.close = FakeCalls::close;
+  table_.exists = [](const char* name) { return inForce->files.contains(name); };
   table_.fileSize = FakeCalls::fileSize;
   table_.read = FakeCalls::read;
   table_.write = FakeCalls::write;
