@@ -13,6 +13,7 @@
 #include <typeinfo>
 
 #include "nq/core/format_internal.h"
+#include "nq/core/real_scan_internal.h"
 
 namespace {
 
@@ -83,24 +84,6 @@ bool isHexadecimal(const char* text) {
          (first >= 'A' && first <= 'F');
 }
 
-// Of a decimal number that no double holds: whether it is too small, so that 0 is
-// its nearest double, rather than too large.
-bool isTiny(const char* text) {
-  const char* point = text + std::strspn(text, "0123456789");
-  const char* const firstDigit = text + std::strspn(text, "0.");
-  const std::ptrdiff_t places =
-      *point == '.' && firstDigit > point ? point + 1 - firstDigit : point - firstDigit;
-  const char* exponent = text + std::strspn(text, "0123456789.");
-  std::int64_t power = 0;
-  if (*exponent == 'e' || *exponent == 'E') {
-    exponent += exponent[1] == '+' ? 2 : 1;
-    const auto result =
-        std::from_chars(exponent, exponent + std::strlen(exponent), power);
-    if (result.ec != std::errc()) return *exponent == '-';
-  }
-  return places + power < 0;
-}
-
 bool scanReal(const char* text, double& value) {
   bool negative;
   text = skipSign(text, &negative);
@@ -109,14 +92,8 @@ bool scanReal(const char* text, double& value) {
   double magnitude = 0;
   const auto result = isHexadecimal(text) ? std::from_chars(text + 2, end, magnitude,
                                                             std::chars_format::hex)
-                                          : std::from_chars(text, end, magnitude);
-  if (result.ec != std::errc()) {
-    if (result.ec != std::errc::result_out_of_range || isHexadecimal(text) ||
-        !isTiny(text)) {
-      return false;
-    }
-    magnitude = 0;
-  }
+                                          : nqdetail::scanDecimal(text, end, magnitude);
+  if (result.ec != std::errc()) return false;
   value = negative ? -magnitude : magnitude;
   return true;
 }

@@ -49,7 +49,8 @@ TEST(BinaryLexer, ReadsRecords) {
       {"'p 07 'P 0a010203", "ip0.0.0.7 ip10.1.2.3"},
       {"'R 00e4e1c0 'R fffffff9", "r1.5"},
       {"'r 00 'r 00 'r 01 'r 16 'R fffffffe 'r 01", "r0 r1e+22 r-20"},
-      {"'r 01 'R 00000134 'r 01 'R 00000135 'r 00 'R 7fffffff", "r1e+308 ? r0"},
+      {"'r 01 'R 00000134 'r 01 'R 00000135 'r 00 'R 7fffffff 'r 01 'R 80000000",
+       "r1e+308 ? r0 r0"},
       // Indices, by the tables that they belong to.
       {"'e 00 'E 00000001 'e ff 'E ffffffff", "eTRUE eFALSE ? ?"},
       {"'f 00 'F 00000006 'f ff 'F ffffffff 'F 7fffffff", "fINCLUDE fFIELD ? ? ?"},

@@ -1,14 +1,16 @@
 #include "nq/oml/encoding/number_scan.h"
 
 #include <charconv>
+#include <type_traits>
 
+#include "nq/core/real_scan_internal.h"
 #include "nq/oml/encoding/records.h"
 
 namespace nqdetail {
 
 namespace {
 
-// std::from_chars knows no plus sign; a sign behind one is none.
+// std::from_chars rejects "+"; "+-1" is not a number.
 std::string_view withoutPlus(std::string_view text) {
   if (text.size() > 1 && text[0] == '+' && isOf(text[1], kNumberPart)) {
     text.remove_prefix(1);
@@ -19,7 +21,12 @@ std::string_view withoutPlus(std::string_view text) {
 template <class Value>
 bool convertsWhole(std::string_view text, Value& value) {
   const char* const end = text.data() + text.size();
-  const auto result = std::from_chars(text.data(), end, value);
+  std::from_chars_result result;
+  if constexpr (std::is_same_v<Value, double>) {
+    result = scanDecimal(text.data(), end, value);
+  } else {
+    result = std::from_chars(text.data(), end, value);
+  }
   return result.ec == std::errc() && result.ptr == end;
 }
 

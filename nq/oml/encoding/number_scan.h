@@ -12,9 +12,9 @@ namespace nqdetail {
 
 enum class NumberKind {
   kInteger,    // an optional sign and digits, within 32 bits
-  kReal,       // a point or an exponent, within the range of a double
+  kReal,       // a point or an exponent; 0 when it is too small for a double
   kIPAddress,  // four parts from 0 to 255, without a sign
-  kNone        // anything else: 1.2.3, 1e, a lone sign, a number out of range
+  kNone        // anything else: 1.2.3, 1e, a lone sign, a number too large
 };
 
 struct Number {

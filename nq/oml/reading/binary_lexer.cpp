@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
+#include "nq/core/real_scan_internal.h"
 #include "nq/oml/diagnostics/message_codes.h"
 #include "nq/oml/encoding/escapes.h"
 #include "nq/oml/encoding/number_scan.h"
@@ -18,7 +19,7 @@ constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                               1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
 constexpr nqLong kLargestPower = 22;
 
-// mantissa * 10^exponent, rounded once; false when it is out of range.
+// mantissa * 10^exponent, rounded once; false when it is too large.
 bool scaled(nqLong mantissa, nqLong exponent, double& value) {
   if (exponent >= -kLargestPower && exponent <= kLargestPower) {
     value = exponent < 0 ? mantissa / kPowers[-exponent] : mantissa * kPowers[exponent];
@@ -28,8 +29,7 @@ bool scaled(nqLong mantissa, nqLong exponent, double& value) {
   char* end = std::to_chars(text, text + 12, mantissa).ptr;
   *end++ = 'e';
   end = std::to_chars(end, text + sizeof text, exponent).ptr;
-  return mantissa == 0 ? (value = 0, true)
-                       : std::from_chars(text, end, value).ec == std::errc();
+  return scanDecimal(text, end, value).ec == std::errc();
 }
 
 }  // namespace

@@ -14,6 +14,13 @@ constexpr bool isSign(char c) {
   return c == '+' || c == '-';
 }
 
+// Whether `text`, which is not empty, is digits behind a sign or none.
+constexpr bool isDigits(std::string_view text) {
+  if (isSign(text[0])) text.remove_prefix(1);
+  return !text.empty() &&
+         std::all_of(text.begin(), text.end(), [](char c) { return isOf(c, kDigit); });
+}
+
 // Whether the digits from `start` to `end` and what follows begin a binary value.
 bool beginsBinValue(const char* start, const char* end) {
   return start != end && *end == 'x' &&
@@ -239,8 +246,11 @@ void TextLexer::readIntRealScopeOrIP(NQOMLToken& token) {
       token.address(number.address);
       break;
     case NumberKind::kNone:
-      // An integer out of range spoils the scope that it begins.
-      if (isSeparator(*end)) readRemainingScope(token, IDTable::kTop);
+      // An integer out of range spoils the scope that it begins. Nothing else that is
+      // not a number begins one: it ends at the separator.
+      if (isSeparator(*end) && isDigits(text)) {
+        readRemainingScope(token, IDTable::kTop);
+      }
       token.tag = NQ_OML_UNRECOGNISED;
       break;
   }
