@@ -1,5 +1,6 @@
 #include "nq/oml/syntax_tree.h"
 
+#include <algorithm>
 #include <new>
 
 #include "nq/oml/bin_value.h"
@@ -21,14 +22,14 @@ void NQOMLSyntaxStruct::copyFields(const NQOMLSyntaxStruct& source) {
   file_ = source.file_;
   fileNameIndex_ = source.fileNameIndex_;
   line_ = source.line_;
-  position_ = source.position_;
+  column_ = source.column_;
 }
 
 void NQOMLSyntaxStruct::init() {
   file_ = nullptr;
   fileNameIndex_ = -1;
   line_ = -1;
-  position_ = 0;
+  column_ = 0;
 }
 
 const char* NQOMLSyntaxStruct::fileNameString() const {
@@ -37,16 +38,24 @@ const char* NQOMLSyntaxStruct::fileNameString() const {
 
 // NQOMLSyntaxField
 
+namespace {
+
+constexpr std::uint32_t kSectionBits =
+    static_cast<std::uint32_t>(NQOMLSyntaxField::kMaxSectionIDIndex) + 1;
+
+}  // namespace
+
 NQOMLSyntaxField::NQOMLSyntaxField(NQOMLFile* file, nqLong line, int position,
                                    nqLong fileNameIndex, nqLong nameIndex,
                                    nqLong sectionIDIndex, nqULong sectionPath,
                                    NQOMLToken* token, NQOMLDefField* defField,
                                    int unchecked)
     : NQOMLSyntaxStruct(file, line, position, fileNameIndex),
+      nameIndex_(nameIndex),
+      section_(packedSection(sectionIDIndex) & kSectionBits),
+      storage_(kHeap),
       tag_(kNoToken),
       unchecked_(unchecked != 0),
-      nameIndex_(nameIndex),
-      sectionIDIndex_(sectionIDIndex),
       sectionPath_(sectionPath),
       defField_(defField),
       word_(0) {
@@ -58,22 +67,26 @@ NQOMLSyntaxField::NQOMLSyntaxField(const NQOMLSyntaxField& field,
                                    const NQOMLDefSection& section,
                                    NQOMLDefField* defField)
     : NQOMLSyntaxStruct(field),
+      nameIndex_(field.nameIndex_),
+      section_(packedSection(section.nameIndex()) & kSectionBits),
+      storage_(kView),
       tag_(field.tag_),
       unchecked_(field.unchecked_),
-      nameIndex_(field.nameIndex_),
-      sectionIDIndex_(section.nameIndex()),
       sectionPath_(section.path()),
       defField_(defField),
-      word_(field.word_) {
-  storage(Storage::kView);
-}
+      word_(field.word_) {}
 
 NQOMLSyntaxField::~NQOMLSyntaxField() {
-  if (storage() == Storage::kHeap) token().deleteValue();
+  if (storage_ == kHeap) token().deleteValue();
+}
+
+std::uint32_t NQOMLSyntaxField::packedSection(nqLong sectionIDIndex) {
+  return static_cast<std::uint32_t>(
+      std::clamp(sectionIDIndex, nqLong{-1}, kMaxSectionIDIndex) + 1);
 }
 
 void NQOMLSyntaxField::takeValue(const NQOMLToken& token) {
-  tag_ = static_cast<std::uint8_t>(token.tag) & kNoToken;
+  tag_ = static_cast<std::uint32_t>(token.tag) & kNoToken;
   word_ = token.word;
 }
 
@@ -96,7 +109,7 @@ const char* NQOMLSyntaxField::nameString() const {
 }
 
 const char* NQOMLSyntaxField::sectionString() const {
-  return nqdetail::sectionName(readTables(pFile()), sectionIDIndex_);
+  return nqdetail::sectionName(readTables(pFile()), sectionIDIndex());
 }
 
 NQOMLFieldTypeEnum NQOMLSyntaxField::valueType() const {
@@ -151,7 +164,7 @@ const char* NQOMLSyntaxField::stringValue() const {
 
 NQObject* NQOMLSyntaxField::objectValue() const {
   const ReadTables* const tables = readTables(pFile());
-  if (!hasToken() || tables == nullptr || tables->pObjectIDs == nullptr) {
+  if (tag_ != NQ_OML_OBJECT_ID || tables == nullptr || tables->pObjectIDs == nullptr) {
     return nullptr;
   }
   return tables->pObjectIDs->pObject(token().integer());
@@ -159,7 +172,9 @@ NQObject* NQOMLSyntaxField::objectValue() const {
 
 nqLong NQOMLSyntaxField::objectTypeIndex() const {
   const ReadTables* const tables = readTables(pFile());
-  if (!hasToken() || tables == nullptr || tables->pObjectIDs == nullptr) return -1;
+  if (tag_ != NQ_OML_OBJECT_ID || tables == nullptr || tables->pObjectIDs == nullptr) {
+    return -1;
+  }
   const NQOMLSyntaxObject* const object =
       tables->pObjectIDs->pSyntaxObject(token().integer());
   return object == nullptr ? -1 : object->typeIndex();
@@ -197,7 +212,6 @@ NQOMLSyntaxObject::NQOMLSyntaxObject(SyntaxArena* arena, NQOMLFile* file, nqLong
       sectionPath_(sectionPath),
       defObjType_(defObjType),
       arena_(arena) {
-  if (arena != nullptr) storage(Storage::kArena);
   nqdetail::announceSyntaxObject(file, this, line, position);
 }
 
@@ -243,7 +257,7 @@ void NQOMLSyntaxObject::addObject(NQOMLSyntaxObject* object) {
 void NQOMLSyntaxObject::addField(NQOMLSyntaxField* field) {
   if (field == nullptr) return;
   NQOMLSyntaxFieldList* cell =
-      field->storage() == Storage::kArena ? SyntaxArena::cellOf(field) : nullptr;
+      field->storage_ == NQOMLSyntaxField::kArena ? SyntaxArena::cellOf(field) : nullptr;
   if (cell != nullptr && cell->field_ == nullptr) {
     cell->field_ = field;
   } else {
@@ -361,7 +375,7 @@ NQOMLSyntaxField* NQOMLSyntaxObject::searchField(nqLong nameIndex,
   for (NQOMLSyntaxFieldIter iter(this); iter; ++iter) {
     const NQOMLSyntaxField& field = *iter.pField();
     if (field.nameIndex_ == nameIndex &&
-        (sectionIDIndex == -1 || field.sectionIDIndex_ == sectionIDIndex)) {
+        (sectionIDIndex == -1 || field.sectionIDIndex() == sectionIDIndex)) {
       return iter.pWrittenField();
     }
   }
@@ -473,9 +487,7 @@ void NQOMLSyntaxObjectList::destroyOne(NQOMLSyntaxObjectList* cell) {
 
 NQOMLSyntaxFieldList::~NQOMLSyntaxFieldList() {
   destroyChain(next_);
-  if (field_ != nullptr && field_->storage() == NQOMLSyntaxField::Storage::kHeap) {
-    delete field_;
-  }
+  if (field_ != nullptr && field_->storage_ == NQOMLSyntaxField::kHeap) delete field_;
 }
 
 void NQOMLSyntaxFieldList::destroyChain(NQOMLSyntaxFieldList* first) {
@@ -489,7 +501,7 @@ void NQOMLSyntaxFieldList::destroyChain(NQOMLSyntaxFieldList* first) {
 
 void NQOMLSyntaxFieldList::destroyOne(NQOMLSyntaxFieldList* cell) {
   NQOMLSyntaxField* const field = cell->field_;
-  if (field != nullptr && field->storage() == NQOMLSyntaxField::Storage::kArena &&
+  if (field != nullptr && field->storage_ == NQOMLSyntaxField::kArena &&
       cell == SyntaxArena::cellOf(field)) {
     return;
   }

@@ -51,12 +51,9 @@ class NQ_EXPORT NQOMLSyntaxStruct : public NQObject {
   NQ_COPY_PROTOCOL(NQOMLSyntaxStruct)
 
  public:
-  // `position` is the column, of which 16 bits are kept.
+  // `position` is the column.
   NQOMLSyntaxStruct(NQOMLFile* file, nqLong line, int position, nqLong fileNameIndex)
-      : file_(file),
-        fileNameIndex_(fileNameIndex),
-        line_(line),
-        position_(static_cast<std::int16_t>(position)) {}
+      : file_(file), fileNameIndex_(fileNameIndex), line_(line), column_(position) {}
 
   // The reading file, not owned.
   NQOMLFile* pFile() const { return file_; }
@@ -64,21 +61,14 @@ class NQ_EXPORT NQOMLSyntaxStruct : public NQObject {
   nqLong fileNameIndex() const { return fileNameIndex_; }
   const char* fileNameString() const;
   nqLong line() const { return line_; }
-  // The column; beyond 32767 it wraps to negative numbers.
-  int position() const { return position_; }
+  // The column, from 1: the number of the byte in its line, in the binary encoding in
+  // its file.
+  nqLong column() const { return column_; }
+  // The low 16 bits of the column, which wraps to negative numbers beyond 32767.
+  int position() const { return static_cast<std::int16_t>(column_); }
 
  protected:
   void init();
-
-  // Who frees the node's memory and what it owns.
-  enum class Storage : std::uint8_t {
-    kHeap,   // made with new
-    kArena,  // goes with the tree's memory
-    kView,   // a passing picture of a field, which owns nothing
-  };
-
-  Storage storage() const { return storage_; }
-  void storage(Storage storage) { storage_ = storage; }
 
  private:
   void copyFields(const NQOMLSyntaxStruct& source);
@@ -86,16 +76,17 @@ class NQ_EXPORT NQOMLSyntaxStruct : public NQObject {
   NQOMLFile* file_;
   nqLong fileNameIndex_;
   nqLong line_;
-  std::int16_t position_;
-  Storage storage_ = Storage::kHeap;  // not copied
+  nqLong column_;
 };
 
 // One value, with the name it was given.
 class NQ_EXPORT NQOMLSyntaxField : public NQOMLSyntaxStruct {
  public:
+  static constexpr nqLong kMaxSectionIDIndex = (nqLong{1} << 25) - 2;
+
   // Takes the value of `token`, which may be null, over and deletes the token.
   // `nameIndex` and `sectionIDIndex` count on behind the grammar's names for names
-  // that only the file declares.
+  // that only the file declares; a section's is at most kMaxSectionIDIndex.
   NQOMLSyntaxField(NQOMLFile* file, nqLong line, int position, nqLong fileNameIndex,
                    nqLong nameIndex, nqLong sectionIDIndex, nqULong sectionPath,
                    NQOMLToken* token, NQOMLDefField* defField, int unchecked);
@@ -106,7 +97,7 @@ class NQ_EXPORT NQOMLSyntaxField : public NQOMLSyntaxStruct {
   nqLong nameIndex() const { return nameIndex_; }
   const char* nameString() const;
   // The section under which the field stands; -1 for none.
-  nqLong sectionIDIndex() const { return sectionIDIndex_; }
+  nqLong sectionIDIndex() const { return static_cast<nqLong>(section_) - 1; }
   const char* sectionString() const;
   // That section's path, which may hold wildcards.
   nqULong sectionPath() const { return sectionPath_; }
@@ -132,9 +123,12 @@ class NQ_EXPORT NQOMLSyntaxField : public NQOMLSyntaxStruct {
   int enumValue() const;
   int boolValue() const;
   const char* stringValue() const;
-  // The object to which a reference leads, once it is made.
+  // The object to which a reference leads, once it is made; null for a value that is
+  // not an id. What an unchecked field names may be of any type, and of a class that
+  // the caller does not expect: cast it with castDown().
   NQObject* objectValue() const;
-  // The type of the object that a reference names; -1 and "" when there is none.
+  // The type of the object that a reference names; -1 and "" when there is none, and
+  // for a value that is not an id.
   nqLong objectTypeIndex() const;
   const char* objectTypeString() const;
   // Owned by the field; null for values that are not binary.
@@ -154,17 +148,26 @@ class NQ_EXPORT NQOMLSyntaxField : public NQOMLSyntaxStruct {
                    NQOMLDefField* defField);
 
   bool hasToken() const { return tag_ != kNoToken; }
+  static std::uint32_t packedSection(nqLong sectionIDIndex);
   void takeValue(const NQOMLToken& token);
   // Makes the value a reference to the object of that id.
   void reference(nqLong objectIDIndex);
 
+  // Who frees the field's memory and its binary value.
+  enum Storage : std::uint32_t {
+    kHeap,   // made with new
+    kArena,  // goes with the tree's memory
+    kView,   // a picture of another field, which owns nothing
+  };
+  static constexpr std::uint32_t kNoToken = 15;  // behind the tags
+
   // Files hold fields by the million: of a token only what is asked for is kept, and
-  // the members stand such that nothing is lost between them.
-  static constexpr std::uint8_t kNoToken = 15;  // behind the tags
-  std::uint8_t tag_ : 4;
-  std::uint8_t unchecked_ : 1;
+  // the members are packed so that nothing is lost between them.
   nqLong nameIndex_;
-  nqLong sectionIDIndex_;
+  std::uint32_t section_ : 25;  // its index and 1; 0 for none
+  std::uint32_t storage_ : 2;
+  std::uint32_t tag_ : 4;
+  std::uint32_t unchecked_ : 1;
   nqULong sectionPath_;
   NQOMLDefField* defField_;
   std::uint64_t word_;  // of the token; 0 when there is none

@@ -119,11 +119,12 @@ class SyntaxTree : public testing::Test {
 TEST_F(SyntaxTree, PlacesFollowTheCopyProtocol) {
   NQOMLSyntaxStruct sample(file_.pFile(), 7, 40000, 3);
   EXPECT_EQ(sample.position(), 40000 - 65536);
+  EXPECT_EQ(sample.column(), 40000);
   checkCopyProtocol(
       sample, [] { return std::make_unique<NQOMLSyntaxStruct>(nullptr, 1, 2, 3); },
       [](const NQOMLSyntaxStruct& a, const NQOMLSyntaxStruct& b) {
         return a.pFile() == b.pFile() && a.line() == b.line() &&
-               a.position() == b.position() && a.fileNameIndex() == b.fileNameIndex();
+               a.column() == b.column() && a.fileNameIndex() == b.fileNameIndex();
       });
 }
 
@@ -201,6 +202,13 @@ TEST_F(SyntaxTree, ValuesAreReadFromTheToken) {
   EXPECT_STREQ(value(NQ_OML_OBJECT_ID, 1)->objectTypeString(), "GRAPH");
   EXPECT_EQ(value(NQ_OML_OBJECT_ID, 0)->objectTypeIndex(), -1);
   EXPECT_EQ(value(NQ_OML_OBJECT_ID, 2)->objectValue(), nullptr);
+  // No other value that happens to be that number leads to an object.
+  for (const int tag : {0, 2, 4, 5, 6, 7, 9, 11, 12, 14}) {
+    const auto field = value(static_cast<NQOMLTokenTagEnum>(tag), 1);
+    EXPECT_EQ(field->objectValue(), nullptr) << tag;
+    EXPECT_EQ(field->objectTypeIndex(), -1) << tag;
+    EXPECT_STREQ(field->objectTypeString(), "") << tag;
+  }
   EXPECT_EQ(value(NQ_OML_INTEGER, 77)->pBinValue(), nullptr);
 
   constexpr int kTypes[] = {6, 6, 6, 6, 0, 2, 3, 5, 6, 6, 6, 1, 6, 4, 6};

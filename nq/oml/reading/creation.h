@@ -56,8 +56,7 @@ class ObjectCreation {
     return ids_.pObject(syntax.objectIDIndex());
   }
   void fatalError(const NQOMLSyntaxObject& where, int code) {
-    diagnostics_.fatalError({where.fileNameIndex(), where.line(), where.position()},
-                            code);
+    diagnostics_.fatalError({where.fileNameIndex(), where.line(), where.column()}, code);
   }
 
   ReadHooks& hooks_;

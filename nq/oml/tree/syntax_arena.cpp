@@ -51,7 +51,7 @@ NQOMLSyntaxField* SyntaxArena::makeField(NQOMLFile* file, nqLong line, int posit
       new (place) FieldRecord(file, line, position, fileNameIndex, nameIndex,
                               sectionIDIndex, sectionPath, nullptr, defField, unchecked);
   field->takeValue(token);
-  field->storage(NQOMLSyntaxField::Storage::kArena);
+  field->storage_ = NQOMLSyntaxField::kArena;
   if (NQOMLBinValue* const value = token.pBinValue()) binValues_.emplace_back(value);
   return field;
 }
