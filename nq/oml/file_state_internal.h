@@ -57,6 +57,9 @@ struct FileState final : MessageSink, SourceOwner, ReadHooks, OutputSink {
   NQOMLFile& file;
   Diagnostics diagnostics{*this};
   int maxNestingDepth = 256;
+  std::int64_t maxInheritedFields = 50'000'000;
+  SourceLimits sourceLimits;
+  bool strict = false;  // files cannot take back what the grammar demands
   std::unique_ptr<NQIndexHashTable> numbers;
   NQOMLExtension* extension = nullptr;  // borrowed
 

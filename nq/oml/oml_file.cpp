@@ -142,6 +142,10 @@ void NQOMLFile::copyFields(const NQOMLFile& source) {
   maxNumberOfErrors(source.maxNumberOfErrors());
   maxNumberOfWarnings(source.maxNumberOfWarnings());
   maxNestingDepth(source.maxNestingDepth());
+  maxInheritedFields(source.maxInheritedFields());
+  maxNumberOfOpenFiles(source.maxNumberOfOpenFiles());
+  maxNumberOfFiles(source.maxNumberOfFiles());
+  strictReading(source.strictReading());
   losslessWriting(source.losslessWriting());
 }
 
@@ -292,11 +296,12 @@ void NQOMLFile::parse(const char* fileName, bool binary) {
     state.diagnostics.end();
     return;
   }
-  state.sources.emplace(state, !binary);
+  state.sources.emplace(state, !binary, state.sourceLimits);
   const auto lexer =
       nqdetail::Lexer::make(binary, *state.sources, *state.names, state.diagnostics);
   nqdetail::Parser parser(this, *state.sources, *lexer, *state.names, state.diagnostics,
-                          state.tree, std::min(state.maxNestingDepth, kDeepestNesting));
+                          state.tree, std::min(state.maxNestingDepth, kDeepestNesting),
+                          state.strict);
   state.root = parser.parse(fileName);
   // The files are free again before the application is called.
   state.sources.reset();
@@ -307,7 +312,7 @@ void NQOMLFile::checkSemantics() {
   nqdetail::FileState& state = *state_;
   if (state.root == nullptr) return;
   nqdetail::SemanticPass pass(state, *state.grammar, state.names->ids, state.diagnostics,
-                              state.bytesRead);
+                              state.maxInheritedFields, state.bytesRead);
   pass.checkSemantics(*state.root);
   state.mayExecute = !state.diagnostics.failed() && !state.diagnostics.ended();
 }
@@ -327,14 +332,14 @@ void NQOMLFile::errorMessage(NQOMLSyntaxStruct* where, int code, const char* tex
                              int fatal) {
   state_->diagnostics.error(
       where == nullptr ? "" : where->fileNameString(),
-      where == nullptr ? -1 : where->line(), where == nullptr ? -1 : where->position(),
+      where == nullptr ? -1 : where->line(), where == nullptr ? -1 : where->column(),
       code, text == nullptr ? "" : text, nullptr, nullptr, nullptr, fatal);
 }
 
 void NQOMLFile::warningMessage(NQOMLSyntaxStruct* where, int code, const char* text) {
   state_->diagnostics.warning(
       where == nullptr ? "" : where->fileNameString(),
-      where == nullptr ? -1 : where->line(), where == nullptr ? -1 : where->position(),
+      where == nullptr ? -1 : where->line(), where == nullptr ? -1 : where->column(),
       code, text == nullptr ? getStringResource(nqdetail::kSomethingWrong) : text);
 }
 
@@ -372,6 +377,39 @@ int NQOMLFile::maxNestingDepth() const {
 
 int NQOMLFile::maxNestingDepth(int depth) {
   return state_->maxNestingDepth = depth;
+}
+
+nqInt64 NQOMLFile::maxInheritedFields() const {
+  return state_->maxInheritedFields;
+}
+
+nqInt64 NQOMLFile::maxInheritedFields(nqInt64 number) {
+  return state_->maxInheritedFields = number;
+}
+
+int NQOMLFile::maxNumberOfOpenFiles() const {
+  return state_->sourceLimits.open;
+}
+
+int NQOMLFile::maxNumberOfOpenFiles(int number) {
+  return state_->sourceLimits.open = number;
+}
+
+int NQOMLFile::maxNumberOfFiles() const {
+  return state_->sourceLimits.opened;
+}
+
+int NQOMLFile::maxNumberOfFiles(int number) {
+  return state_->sourceLimits.opened = number;
+}
+
+int NQOMLFile::strictReading() const {
+  return state_->strict ? 1 : 0;
+}
+
+int NQOMLFile::strictReading(int strict) {
+  state_->strict = strict != 0;
+  return strict;
 }
 
 int NQOMLFile::losslessWriting() const {
@@ -515,6 +553,10 @@ NQFileCodeEnum NQOMLFile::errorCode() const {
   return state_->diagnostics.errorCode;
 }
 
+NQFileCodeEnum NQOMLFile::errorCode(NQFileCodeEnum code) {
+  return state_->diagnostics.errorCode = code;
+}
+
 NQIndexHashTable* NQOMLFile::pIndexHashTable() const {
   return state_->numbers.get();
 }
@@ -636,4 +678,41 @@ void NQOMLFile::setFatalError() {
 
 void NQOMLFile::clearFatalError() {
   state_->diagnostics.resume();
+}
+
+void NQOMLFile::internalErrorMessage(int code, const char* a1, const char* a2,
+                                     const char* a3, int fatal) {
+  internalErrorMessage(pFileNameString(), line(), position(), code, a1, a2, a3, fatal);
+}
+
+void NQOMLFile::internalErrorMessage(nqLong fileNameIndex, const NQOMLToken* token,
+                                     int code, const char* a1, const char* a2,
+                                     const char* a3, int fatal) {
+  internalErrorMessage(state_->sourceName(fileNameIndex),
+                       token == nullptr ? -1 : token->line,
+                       token == nullptr ? -1 : token->column, code, a1, a2, a3, fatal);
+}
+
+void NQOMLFile::internalErrorMessage(const char* file, nqLong line, int column, int code,
+                                     const char* a1, const char* a2, const char* a3,
+                                     int fatal) {
+  internalErrorMessage(file, line, column, code, getStringResource(code), a1, a2, a3,
+                       fatal);
+}
+
+void NQOMLFile::internalErrorMessage(const char* file, nqLong line, int column, int code,
+                                     const char* format, const char* a1, const char* a2,
+                                     const char* a3, int fatal) {
+  state_->diagnostics.error(file, line, column, code, format == nullptr ? "" : format, a1,
+                            a2, a3, fatal);
+}
+
+void NQOMLFile::internalWarningMessage(const char* file, nqLong line, int column,
+                                       int code) {
+  internalWarningMessage(file, line, column, code, getStringResource(code));
+}
+
+void NQOMLFile::internalWarningMessage(const char* file, nqLong line, int column,
+                                       int code, const char* text) {
+  state_->diagnostics.warning(file, line, column, code, text);
 }

@@ -135,6 +135,23 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   // How deep blocks may nest, 256 at first; beyond 1024 it stays at that.
   int maxNestingDepth() const;
   int maxNestingDepth(int depth);
+  // How many fields objects may inherit from defaults in one read, all objects together;
+  // 50 million at first. 64 more are allowed for each byte read.
+  nqInt64 maxInheritedFields() const;
+  nqInt64 maxInheritedFields(nqInt64 number);
+  // How many files may be open at once, and how many read in one read, included ones
+  // among them; 64 and 1000 at first. Reaching beyond is error 13, beyond the other
+  // limits fatal error 12.
+  int maxNumberOfOpenFiles() const;
+  int maxNumberOfOpenFiles(int number);
+  int maxNumberOfFiles() const;
+  int maxNumberOfFiles(int number);
+  // Whether a file may take back what the grammar demands of it: 0, as at first, lets
+  // it switch checks off with the comment "unchecked" and declare names of fields and
+  // sections that are then passed over. Anything else makes that comment a comment,
+  // and names that the grammar lacks stay unknown. For files of strangers.
+  int strictReading() const;
+  int strictReading(int strict);
 
   // How files are written. 0, as at first, gives the established encodings exactly,
   // which lose something here and there. Anything else gives what reads back equal:
@@ -209,7 +226,6 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   unsigned int warningStringBufferSize() const;
   // The result of what was reported since the last read began.
   NQFileCodeEnum errorCode() const;
-
   // The number at the end of the id of each object made, and the id of each object
   // written, in 32 bits, under the object's address; null when the last read or write
   // was not to keep them. It lasts until one that is not to use it, and one that is
@@ -295,6 +311,27 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   int isFatalError() const;
   void setFatalError();
   void clearFatalError();
+
+  // Report a message of the message table (message_table.h), whose placeholders the
+  // arguments that are not null replace in their order; fatal, not 0, ends the read.
+  // The place is where reading stands; where a token stood, in the file of that index
+  // (none for a null token); or the one given, with line -1 for none. The form with a
+  // format takes that instead of the table's text.
+  void internalErrorMessage(int code, const char* a1, const char* a2, const char* a3,
+                            int fatal);
+  void internalErrorMessage(nqLong fileNameIndex, const NQOMLToken* token, int code,
+                            const char* a1, const char* a2, const char* a3, int fatal);
+  void internalErrorMessage(const char* file, nqLong line, int column, int code,
+                            const char* a1, const char* a2, const char* a3, int fatal);
+  void internalErrorMessage(const char* file, nqLong line, int column, int code,
+                            const char* format, const char* a1, const char* a2,
+                            const char* a3, int fatal);
+  void internalWarningMessage(const char* file, nqLong line, int column, int code);
+  void internalWarningMessage(const char* file, nqLong line, int column, int code,
+                              const char* text);
+  // What the read answers when anything was reported; each error sets it to
+  // NQ_FILE_READ_ERROR.
+  NQFileCodeEnum errorCode(NQFileCodeEnum code);
 
  private:
   friend class ::NQTestPeer;

@@ -75,8 +75,13 @@ const Row kRows[] = {
     {"graph 1 { comment \"unchecked\" 5 }",
      "Error #023 (f:1:31) unexpected attribute value"},
     {"graph 1 { comment \"unchecked\" a ; b = = c 1 }",
-     "Error #023 (f:1:33) unexpected attribute value|"
-     "Error #023 (f:1:39) unexpected attribute value"},
+     "Error #020 (f:1:33) unexpected token|Error #020 (f:1:39) unexpected token"},
+    {"graph 1 { count ; link : : include = = id ; }",
+     "Error #020 (f:1:17) unexpected token|Error #020 (f:1:26) unexpected token|"
+     "Error #020 (f:1:38) unexpected token|Error #026 (f:1:43) object id expected"},
+    {"graph 1 { ratio 1.2.3,4 }",
+     "Error #020 (f:1:17) unexpected token|Error #020 (f:1:22) unexpected token|"
+     "Error #024 (f:1:23) floating point number expected"},
     {"graph 1 { comment \"unchecked\" a } version \"x\"",
      "Error #023 (f:1:33) unexpected attribute value|"
      "Error #024 (f:1:43) integer number expected"},
@@ -85,12 +90,14 @@ const Row kRows[] = {
     {"version :", "Error #024 (f:1:1) integer number expected"},
     {"comment", "Error #024 (f:1:1) string expected"},
     {"skip", "Error #023 (f:1:1) unexpected attribute value"},
+    {"graph 1 { } :", "Error #023 (f:1:13) unexpected attribute value"},
     {"field \"mine\" mine", nullptr},
     {"graph 1 { link",
      "Error #015 (f:1:9) left bracket without right bracket|"
      "Error #026 (f:1:11) object id expected"},
     {"graph 1 { count } version 5", "Error #024 (f:1:17) integer number expected"},
     {"graph 1 { node } version 5", "Error #026 (f:1:16) object id expected"},
+    {"graph 1 { id } version 5", "Error #026 (f:1:14) object id expected"},
     {"graph 1 { layout } version 5",
      "Error #024 (f:1:18) floating point number expected"},
     // Ids and references.
@@ -149,6 +156,13 @@ const Row kRows[] = {
     {"graph 1 { node defaults { layout node defaults } }",
      "Error #045 (f:1:34) `NODE defaults' is not allowed in this section `LAYOUT' of "
      "`NODE defaults'"},
+    // Where the block turns into defaults only behind them.
+    {"graph { title \"t\" layout node 2 { } group 3 id: defaults node 4 }",
+     "Error #041 (f:1:26) `NODE' is not allowed in this section `LAYOUT' of `GRAPH "
+     "defaults'|Error #040 (f:1:37) `GROUP' is not allowed in `GRAPH defaults'|"
+     "Error #040 (f:1:58) `NODE' is not allowed in `GRAPH defaults'"},
+    {"graph 1 { node { node defaults { } node a layout name defaults } }",
+     "Error #044 (f:1:18) `NODE defaults' is not allowed in `NODE defaults'"},
     {"graph 1 { count node 2 { x 1 } }",
      "Error #048 (f:1:17) keyword `COUNT' not allowed as section containing `NODE' "
      "(1:17)"},
@@ -160,6 +174,10 @@ const Row kRows[] = {
 class CodeReader : public TestReader {
  public:
   std::set<int> codes;
+
+  using NQOMLFile::errorCode;
+  using NQOMLFile::internalErrorMessage;
+  using NQOMLFile::internalWarningMessage;
 
   void storeNothing() {
     TestReader::vErrorMessage(nullptr, 1, 2, 7, nullptr, 0);
@@ -241,6 +259,11 @@ TEST_F(Diagnostics, TellWhatIsWrongAndWhere) {
     EXPECT_EQ(reader.objects().size() - objects,
               lines().find("#033") == std::string::npos ? 0U : 2U);
   }
+
+  // However long the line.
+  const std::string far = std::string(40'000, ' ') + "strict a { }";
+  EXPECT_EQ(read("graph 1 { " + far + "}"), NQ_FILE_READ_ERROR);
+  EXPECT_EQ(lines(), "Error #029 (f:1:40011) missing attribute `SECOND'");
 
   // What takes more than a text.
   reader.maxNestingDepth(1);
@@ -333,6 +356,35 @@ TEST_F(Diagnostics, ComeFromHooksToo) {
   EXPECT_EQ(reader.errors(), "Error #007 (:1:2)  !\n");
   EXPECT_EQ(reader.warnings(), "Warning #007 (:1:2)  !\n");
 
+  // With texts of the table and their arguments, wherever the reader says.
+  NQOMLToken token;
+  token.line = 4;
+  token.column = 70'000;
+  reader.atHook = [&, this](const char* hook) {
+    if (std::string(hook) != "include") return;
+    reader.internalErrorMessage(22, nullptr, "here", nullptr, 0);
+    reader.internalErrorMessage(reader.fileNameIndex(), &token, 36, "a", "b", "c", 0);
+    reader.internalErrorMessage(reader.fileNameIndex(), nullptr, 20, "no", "%s", "", 0);
+    reader.internalErrorMessage("x", 5, 6, 7, "%s-%s", "8", nullptr, "9", 0);
+    reader.internalErrorMessage(nullptr, -1, 0, 99, nullptr, nullptr, nullptr, 1);
+    reader.internalErrorMessage("x", 5, 6, 7, nullptr, nullptr, nullptr, 0);
+    (void)reader.errorCode(NQ_FILE_OPEN_ERROR);
+  };
+  system.files["g"] = "";
+  EXPECT_EQ(read("\ninclude \"g\""), NQ_FILE_OPEN_ERROR);
+  EXPECT_EQ(lines(),
+            "Error #022 (f:2:12) unexpected identifier `here'|"
+            "Error #036 (f:4:70000) section `a' is not direct or unique subsection of "
+            "this section `b' of `c'|"
+            "Error #020 unexpected token|Error #007 (x:5:6) 8-9|Fatal error #099 ");
+  reader.atHook = nullptr;
+  reader.internalWarningMessage("x", 5, 6, 9);
+  EXPECT_EQ(read("graph 1"), NQ_FILE_OK);
+  reader.internalWarningMessage("x", 5, 6, 9);
+  reader.internalWarningMessage("x", -1, 6, 9, "%s");
+  EXPECT_EQ(reader.warnings(),
+            "Warning #009 (x:5:6) `true' or `false' !\nWarning #  9 %s !\n");
+
   // At a node, and a fatal one: it ends the read where it is.
   reader.listEvents = true;
   reader.atHook = [this](const char* hook) {
@@ -350,7 +402,7 @@ TEST_F(Diagnostics, ComeFromHooksToo) {
   EXPECT_EQ(reader.errors(), "Fatal error #006 (f:2:2) here !\n");
   EXPECT_EQ(reader.events,
             "check graph#$,-2; create graph#$,-2; pre $toplevel$#; post $toplevel$#; "
-            "pre graph#$,-2 in 3; count graph#$,-2 in 3; ");
+            "pre graph#$,-2 in 4; count graph#$,-2 in 4; ");
   EXPECT_EQ(reader.isFatalError(), 1);
   reader.atHook = nullptr;
   EXPECT_EQ(read("graph 1"), NQ_FILE_OK);

@@ -105,6 +105,39 @@ TEST(Parser, BuildsTrees) {
   }
 }
 
+// What a file says about itself is not believed.
+TEST(Parser, ReadsStrictly) {
+  FakeSystem system;
+  EverythingGrammar grammar;
+  TestReader reader;
+  reader.strictReading(1);
+  const struct {
+    const char* text;
+    const char* result;  // the tree, or the beginning of the errors
+  } rows[] = {
+      {"field \"f\" section \"s\" comment \"c\" graph 1 { skip { % } count 1 }",
+       "graph#$,1{count=1}"},
+      {"graph 1 { comment \"unchecked\" count \"x\" }", "Error #024 (f:1:37) "},
+      {"graph 1 { comment \"unchecked\" what 1 }", "Error #022 (f:1:31) "},
+      {"field \"mine\" graph 1 { count mine }", "Error #022 (f:1:30) "},
+      {"section \"mine\" graph 1 { mine { } }", "Error #022 (f:1:26) "},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.text);
+    system.files["f"] = row.text;
+    (void)reader.read("f", grammar);
+    EXPECT_EQ((reader.tree + reader.errors()).substr(0, std::string(row.result).size()),
+              row.result);
+  }
+  const std::string section{'S', 0, 0, 0,
+                            static_cast<char>(grammar.pSectionPool()->decodeTableMax())};
+  system.files["f"] = "f\3\"mine\"" + section + "{}";
+  EXPECT_EQ(reader.read("f", grammar, true), NQ_FILE_READ_ERROR);
+  EXPECT_EQ(reader.errors().substr(0, 20), "Error #020 (f:1:9) u");
+  EXPECT_EQ(reader.strictReading(0), 0);
+  EXPECT_EQ(reader.read("f", grammar, true), NQ_FILE_OK);
+}
+
 TEST(Parser, ReadsTheBinaryEncoding) {
   FakeSystem system;
   EverythingGrammar grammar;
@@ -209,6 +242,13 @@ TEST(Parser, LimitsIncludes) {
   EXPECT_EQ(reader.read("f", grammar), NQ_FILE_OK);
   system.files["f"] = times(1000);
   EXPECT_EQ(reader.read("f", grammar), NQ_FILE_OPEN_ERROR);
+
+  reader.maxNumberOfFiles(1001);
+  EXPECT_EQ(reader.read("f", grammar), NQ_FILE_OK);
+  reader.maxNumberOfOpenFiles(65);
+  EXPECT_EQ(reader.read("1", grammar), NQ_FILE_OK);
+  reader.maxNumberOfOpenFiles(0);
+  EXPECT_EQ(reader.read("1", grammar), NQ_FILE_OPEN_ERROR);
 }
 
 TEST(Parser, LimitsNesting) {

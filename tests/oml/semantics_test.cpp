@@ -86,7 +86,7 @@ TEST(Semantics, GivesIDsJoinsBlocksAndResolvesReferences) {
 
 // Many objects may inherit much from their defaults, and end with error 34 here
 // rather than for lack of memory.
-TEST(Semantics, LetsLongFilesInheritMuch) {
+TEST(Semantics, LimitsWhatIsInherited) {
   FakeSystem system;
   std::string text = "graph 1 { node defaults { ";
   for (int field = 0; field < 1000; ++field) text += "x 1 ";
@@ -97,6 +97,23 @@ TEST(Semantics, LetsLongFilesInheritMuch) {
   reader.refuse = true;
   EXPECT_EQ(reader.read("f", grammar), NQ_FILE_READ_ERROR);
   EXPECT_EQ(reader.errors(), "Error #034 several semantic errors detected !\n");
+
+  // 1000 objects inherit 100 fields each.
+  text = "graph 1 { node defaults { ";
+  for (int field = 0; field < 100; ++field) text += "x 1 ";
+  for (int object = 0; object < 1000; ++object) text += "node{} ";
+  system.files["f"] = text += "} }";
+  const auto extra = static_cast<nqInt64>(64 * text.size());
+  reader.refuse = false;
+  reader.keepTree = false;
+  reader.maxInheritedFields(100'000 - extra);
+  EXPECT_EQ(reader.read("f", grammar), NQ_FILE_OK);
+  reader.maxInheritedFields(99'999 - extra);
+  EXPECT_EQ(reader.read("f", grammar), NQ_FILE_READ_ERROR);
+  EXPECT_NE(reader.errors().find("Fatal error #012 (f:1:7420) memory exhausted: objects "
+                                 "inherit more than "),
+            std::string::npos)
+      << reader.errors();
 }
 
 TEST(NameTables, PrepareForNoMoreThanIsSensible) {
@@ -205,8 +222,7 @@ TEST(Semantics, ResolvesReferencesWithWildcards) {
   EXPECT_NE(reader.errors().find("Error #028 (f:1:22)"), std::string::npos);
 }
 
-// Objects of several types with required fields of their own may meet in one block
-// of defaults: a late "id=defaults" and a second block of one id see to that.
+// Fields of another type, with required fields of its own, may be made defaults by hand.
 TEST(Semantics, RequiredFieldsOfOtherTypesCountForNothing) {
   const char* const definitions[] = {
       "O graph",     "[",       "F title S R", "F two I R",    "F three I R",
@@ -215,17 +231,18 @@ TEST(Semantics, RequiredFieldsOfOtherTypesCountForNothing) {
       "T graph",     "T node",  "]",           nullptr};
   NQOMLStatic grammar(static_cast<const char* const*>(nullptr), nullptr, nullptr,
                       definitions, 10, 10, 10, 10, 10, 10);
-  for (const char* const text :
-       {"node a { x=1; } graph { title=\"t\"; two=1; three=1; node a { x=1; } ; "
-        "id=defaults; }",
-        "graph { title=\"t\"; node a { x=1; } ; id=defaults; }"}) {
-    FakeSystem system;
-    system.files["f"] = text;
-    TestReader reader;
-    EXPECT_EQ(reader.read("f", grammar), NQ_FILE_READ_ERROR) << text;
-    EXPECT_NE(reader.errors().find("missing attribute `LABEL'"), std::string::npos)
-        << reader.errors();
-  }
+  struct : TestReader {
+    void vSyntaxObjectCreated(NQOMLSyntaxObject* syntax, nqLong, int) override {
+      if (graph != nullptr) syntax->addDefaultList(graph->pFieldList());
+      if (syntax->typeIndex() == 1) graph = syntax;
+    }
+    NQOMLSyntaxObject* graph = nullptr;
+  } reader;
+  FakeSystem system;
+  system.files["f"] = "graph { title=\"t\" two=1 three=1 node a { x=1 } }";
+  EXPECT_EQ(reader.read("f", grammar), NQ_FILE_READ_ERROR);
+  EXPECT_NE(reader.errors().find("missing attribute `LABEL'"), std::string::npos)
+      << reader.errors();
 }
 
 }  // namespace

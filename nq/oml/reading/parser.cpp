@@ -22,6 +22,16 @@ bool isWord(const SourceToken& token) {
   return token.tag >= NQ_OML_ENUMERATOR && token.tag <= NQ_OML_OBJECT_ID;
 }
 
+// ":" or ";", which stands where a value should.
+bool isPunctuation(const SourceToken& value) {
+  return value.tag == NQ_OML_COLON || value.tag == NQ_OML_SEMICOLON;
+}
+
+// What can be the value of no field at all, but for a bracket.
+bool isNoValue(const SourceToken& value) {
+  return value.tag == NQ_OML_UNRECOGNISED || isPunctuation(value);
+}
+
 bool sameValues(const NQOMLDefField& a, const NQOMLDefField& b) {
   return a.fieldType() == b.fieldType() && a.sameValuesAs(b) != 0;
 }
@@ -71,16 +81,16 @@ void Parser::parseBlock(const SourceToken& bracket, const SourceToken* descripto
 void Parser::parseAttribute(const SourceToken* descriptor, Context context,
                             SourceToken token, int position) {
   SourceToken name;
-  SourceToken section;
-  const SourceToken* held = nullptr;      // the name, once there is one
-  const SourceToken* narrowed = nullptr;  // the last section before it
+  SourceToken last;
+  const SourceToken* held = nullptr;    // the name, once there is one
+  const SourceToken* before = nullptr;  // the last section, or the colon without one
   if (descriptor != nullptr) {
     name = *descriptor;
     held = &name;
   }
   const auto next = [&] {
     if (lexer_.next(token, held == nullptr || held->declared == 0)) return true;
-    reportMissingValue(held, narrowed, context);
+    reportMissingValue(held, before, context);
     return false;
   };
   for (;;) {
@@ -89,8 +99,8 @@ void Parser::parseAttribute(const SourceToken* descriptor, Context context,
       name = token;
       held = &name;
     } else if (token.tag == NQ_OML_SECTION_NAME) {
-      section = token;
-      narrowed = &section;
+      last = token;
+      before = &last;
       context.sectionIDIndex = token.integer();
       context.sectionPath = extendSectionPath(token, context);
     } else if (token.tag == NQ_OML_UNRECOGNISED) {
@@ -100,7 +110,13 @@ void Parser::parseAttribute(const SourceToken* descriptor, Context context,
     }
     if (!next()) return;
   }
-  if (token.tag == NQ_OML_COLON && !next()) return;
+  if (token.tag == NQ_OML_COLON) {
+    if (before == nullptr) {
+      last = token;
+      before = &last;
+    }
+    if (!next()) return;
+  }
 
   if (token.tag != NQ_OML_OPENING_BRACKET) {
     parseValue(held, context, token, position);
@@ -204,10 +220,10 @@ void Parser::parseField(const SourceToken* name, const Context& context,
     checkFieldType(definition, value);
     // In which section a wildcard finds it, the iterator of the fields tells.
     if (hasWildcard(context.sectionPath)) definition = nullptr;
-  } else if (value.tag == NQ_OML_UNRECOGNISED) {
+  } else if (isNoValue(value)) {
     error(value, kUnexpectedToken);
-  } else if (value.tag <= NQ_OML_SEMICOLON) {
-    error(value, kUnexpectedValue);  // a sign that stands where the value should
+  } else if (value.tag == NQ_OML_CLOSING_BRACKET) {
+    error(value, kUnexpectedValue);
   }
   if (!diagnostics_.failed()) {
     NQOMLSyntaxField* const field = tree_.makeField(
@@ -231,7 +247,14 @@ void Parser::parseBuiltIn(nqLong fieldIndex, const Context& context, SourceToken
     if (object.objectIDIndex() >= 0 && object.objectIDIndex() != id) {
       error(value, kDoubleID);
     }
+    const bool turnsIntoDefaults =
+        id == IDTable::kDefaults && object.objectIDIndex() != id;
     object.objectIDIndex(id);
+    if (turnsIntoDefaults) checkChildrenAgain(object);
+    return;
+  }
+  if (isPunctuation(value)) {
+    error(value, kUnexpectedToken);
     return;
   }
   checkSomething(value, NQ_OML_STRING, kString);
@@ -243,13 +266,13 @@ void Parser::parseBuiltIn(nqLong fieldIndex, const Context& context, SourceToken
       include(value);
       break;
     case NQ_OML_COMMENT_FIELD:
-      if (std::string_view(text) == kUnchecked) names_.unchecked = true;
+      if (!strict_ && std::string_view(text) == kUnchecked) names_.unchecked = true;
       break;
     case NQ_OML_SECTION_FIELD:
-      names_.declareSection(text);
+      if (!strict_) names_.declareSection(text);
       break;
     case NQ_OML_FIELD_FIELD:
-      names_.ignoreField(text);
+      if (!strict_) names_.ignoreField(text);
       break;
     default:
       break;
@@ -264,15 +287,15 @@ void Parser::include(const SourceToken& name) {
   diagnostics_.errorCode = NQ_FILE_OPEN_ERROR;
 }
 
-void Parser::reportMissingValue(const SourceToken* name, const SourceToken* section,
+void Parser::reportMissingValue(const SourceToken* name, const SourceToken* before,
                                 const Context& context) {
   if (name == nullptr) {
-    if (section != nullptr) error(*section, kUnexpectedValue);
+    if (before != nullptr) error(*before, kUnexpectedValue);
     return;
   }
   if (name->declared != 0) return;
   SourceToken nothing = *name;  // stands for the value: no field can take it
-  nothing.tag = NQ_OML_SEMICOLON;
+  nothing.tag = NQ_OML_CLOSING_BRACKET;
   if (name->tag == NQ_OML_OBJECT_TYPE_NAME) {
     (void)checkSimpleScope(nothing);
   } else if (isBuiltIn(*name)) {
@@ -397,7 +420,7 @@ NQOMLDefField* Parser::checkFieldSection(const SourceToken& name,
 }
 
 void Parser::checkFieldType(const NQOMLDefField* definition, const SourceToken& value) {
-  if (value.tag == NQ_OML_UNRECOGNISED) {
+  if (isNoValue(value)) {
     error(value, kUnexpectedToken);
     return;
   }
@@ -498,6 +521,20 @@ void Parser::checkObjectSection(const SourceToken& type, nqLong objectIDIndex,
     error(type, code + 1, text(type), sectionName(context.sectionIDIndex), parent);
   } else {
     error(type, code, text(type), parent);
+  }
+}
+
+void Parser::checkChildrenAgain(NQOMLSyntaxObject& object) {
+  for (NQOMLSyntaxObjectIter iter(&object); iter; ++iter) {
+    const NQOMLSyntaxObject& child = *iter.pObject();
+    SourceToken type;
+    type.tag = NQ_OML_OBJECT_TYPE_NAME;
+    type.integer(child.typeIndex());
+    type.fileIndex = child.fileNameIndex();
+    type.line = child.line();
+    type.column = child.column();
+    checkObjectSection(type, child.objectIDIndex(),
+                       {object, child.sectionIDIndex(), child.sectionPath()});
   }
 }
 

@@ -3,8 +3,9 @@
 // Receives the tokens of one read. Leaves a tree under a root of the grammar's
 // type 0 in the arena; when anything was reported, nodes may be missing from it
 // and it is of no use. Checks every name and value against the grammar and
-// carries out what the file tells its reader: include, comment "unchecked",
-// declared sections and fields, ids. Knows nothing of application objects.
+// carries out what the file tells its reader: include, ids and, unless it is strict,
+// comment "unchecked" and declared sections and fields. Knows nothing of application
+// objects.
 //
 // A recursive descent, one level deep for each open block and no deeper than the
 // limit it is given. Whoever takes a binary value out of the lexer gives it to a
@@ -22,14 +23,15 @@ class Parser {
  public:
   // `file` is the one whose tree this is.
   Parser(NQOMLFile* file, Sources& sources, Lexer& lexer, NameTables& names,
-         Diagnostics& diagnostics, SyntaxArena& tree, int maxNestingDepth)
+         Diagnostics& diagnostics, SyntaxArena& tree, int maxNestingDepth, bool strict)
       : file_(file),
         sources_(sources),
         lexer_(lexer),
         names_(names),
         diagnostics_(diagnostics),
         tree_(tree),
-        maxNestingDepth_(maxNestingDepth) {}
+        maxNestingDepth_(maxNestingDepth),
+        strict_(strict) {}
 
   // Reads a file with all that it includes. Null when anything was reported.
   NQOMLSyntaxObject* parse(const char* fileName);
@@ -63,8 +65,9 @@ class Parser {
                   int position);
   void parseBuiltIn(nqLong fieldIndex, const Context& context, SourceToken& value);
   void include(const SourceToken& name);
-  // Reports a name, or a section when `name` is null, behind which the input ends.
-  void reportMissingValue(const SourceToken* name, const SourceToken* section,
+  // Reports the name behind which the input ends, or, when `name` is null, the section
+  // or colon, if any.
+  void reportMissingValue(const SourceToken* name, const SourceToken* before,
                           const Context& context);
   void takeSemicolon();
 
@@ -80,6 +83,8 @@ class Parser {
   void checkFieldType(const NQOMLDefField* definition, const SourceToken& value);
   void checkObjectSection(const SourceToken& type, nqLong objectIDIndex,
                           const Context& context);
+  // Judges the children read so far once more: the object has turned into defaults.
+  void checkChildrenAgain(NQOMLSyntaxObject& object);
   void illegalSectionInside(const SourceToken& held, const SourceToken& next);
   void checkSomething(const SourceToken& token, NQOMLTokenTagEnum tag, int what);
   void checkBool(const SourceToken& token);
@@ -104,6 +109,7 @@ class Parser {
   Diagnostics& diagnostics_;
   SyntaxArena& tree_;
   int maxNestingDepth_;
+  bool strict_;  // the file cannot take back what the grammar demands
   NQOMLSyntaxObject* root_ = nullptr;
   int depth_ = 0;  // open blocks
 };

@@ -1,5 +1,7 @@
 #include "nq/oml/reading/semantics.h"
 
+#include <string>
+
 #include "nq/core/string_pool.h"
 #include "nq/oml/diagnostics/message_codes.h"
 
@@ -112,9 +114,15 @@ void SemanticPass::checkRequiredFields(NQOMLSyntaxObject& object, nqLong objectI
       checkObjectDefinition(*iter.pWrittenField(), *definition, scope);
     }
   }
-  if (object.pDefaultList() != nullptr && (inheritable_ -= fields) < 0) {
-    memoryExhausted(object);
-    return;
+  if (object.pDefaultList() != nullptr) {
+    inherited_ += fields;
+    if (inherited_ - extraInherited_ > maxInherited_) {
+      diagnostics_.fatalError(placeOf(object), kMemoryExhausted,
+                              "memory exhausted: objects inherit more than %s fields "
+                              "(maxInheritedFields)",
+                              std::to_string(maxInherited_).c_str());
+      return;
+    }
   }
   if (objectID != IDTable::kDefaults && missing > 0) {
     const NQOMLDefField* field = type->pRequiredList();

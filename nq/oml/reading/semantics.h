@@ -22,15 +22,17 @@ namespace nqdetail {
 
 class SemanticPass {
  public:
-  // `bytesRead`, how long the files were, sets the bound for what defaults may hand
-  // on.
+  // Defaults may hand on `maxInherited` fields, and more in proportion to `bytesRead`,
+  // how long the files were.
   SemanticPass(ReadHooks& hooks, const NQOMLStatic& grammar, IDTable& ids,
-               Diagnostics& diagnostics, std::int64_t bytesRead)
+               Diagnostics& diagnostics, std::int64_t maxInherited,
+               std::int64_t bytesRead)
       : hooks_(hooks),
         grammar_(grammar),
         ids_(ids),
         diagnostics_(diagnostics),
-        inheritable_(kInheritable + kInheritablePerByte * bytesRead) {}
+        maxInherited_(maxInherited),
+        extraInherited_(kInheritablePerByte * bytesRead) {}
 
   void checkSemantics(NQOMLSyntaxObject& root);
 
@@ -38,7 +40,6 @@ class SemanticPass {
   // Fields handed on from defaults to objects, in all: a small file can demand
   // a number of them that grows with the square of its size. The shortest object
   // takes some eight bytes, and so may always inherit five hundred.
-  static constexpr std::int64_t kInheritable = 50'000'000;
   static constexpr std::int64_t kInheritablePerByte = 64;
 
   bool failed() const { return diagnostics_.failed() || diagnostics_.ended(); }
@@ -63,21 +64,23 @@ class SemanticPass {
                              nqLong scope);
   bool checkObjectsForApplication(NQOMLSyntaxObject& object);
 
-  void error(const NQOMLSyntaxStruct& where, int code, const char* argument = nullptr) {
-    diagnostics_.error({where.fileNameIndex(), where.line(), where.position()}, code,
-                       argument);
+  static Place placeOf(const NQOMLSyntaxStruct& node) {
+    return {node.fileNameIndex(), node.line(), node.column()};
   }
-
+  void error(const NQOMLSyntaxStruct& where, int code, const char* argument = nullptr) {
+    diagnostics_.error(placeOf(where), code, argument);
+  }
   void memoryExhausted(const NQOMLSyntaxStruct& where) {
-    diagnostics_.fatalError({where.fileNameIndex(), where.line(), where.position()},
-                            kMemoryExhausted);
+    diagnostics_.fatalError(placeOf(where), kMemoryExhausted);
   }
 
   ReadHooks& hooks_;
   const NQOMLStatic& grammar_;
   IDTable& ids_;
   Diagnostics& diagnostics_;
-  std::int64_t inheritable_;
+  std::int64_t maxInherited_;
+  std::int64_t extraInherited_;
+  std::int64_t inherited_ = 0;  // so far
   // For each required field of a type, by its number, the last object in which it
   // was seen, counted by numberOfObjects_.
   std::vector<std::int64_t> seen_;

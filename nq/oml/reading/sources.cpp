@@ -107,7 +107,8 @@ void Source::takeLineEnd() {
 }
 
 bool Sources::open(const std::string& name) {
-  if (name.size() > kMaxName || opened_ == kMaxOpened || files_.size() == kMaxOpen ||
+  if (name.size() > kMaxName || opened_ >= limits_.opened ||
+      static_cast<int>(files_.size()) >= limits_.open ||
       (!files_.empty() && !owner_.mayInclude(name.c_str()))) {
     return false;
   }

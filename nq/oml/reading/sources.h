@@ -107,10 +107,14 @@ class Source {
   std::int64_t lineStart_ = 0;  // bytes before the current line
 };
 
+// How many files a read may meet.
+struct SourceLimits {
+  int open = 64;      // at once
+  int opened = 1000;  // in all
+};
+
 class Sources {
  public:
-  static constexpr std::size_t kMaxOpen = 64;  // at once
-  static constexpr int kMaxOpened = 1000;      // in one read
   static constexpr std::size_t kMaxName = 259;
 
   struct Bracket {
@@ -118,7 +122,8 @@ class Sources {
     Place place;
   };
 
-  Sources(SourceOwner& owner, bool text) : owner_(owner), text_(text) {}
+  Sources(SourceOwner& owner, bool text, const SourceLimits& limits = {})
+      : owner_(owner), text_(text), limits_(limits) {}
 
   // Opens a file on top of the stack. A relative name that cannot be opened as
   // it stands is tried in the directory of the file on top. False when it cannot
@@ -144,6 +149,7 @@ class Sources {
 
   SourceOwner& owner_;
   bool text_;
+  SourceLimits limits_;
   int opened_ = 0;
   std::vector<std::unique_ptr<Source>> files_;
 };
