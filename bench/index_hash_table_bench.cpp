@@ -1,5 +1,5 @@
 // index_hash_table_bench.cpp -- the table of object addresses beside the standard
-// hash map.
+// hash map and Abseil's flat one.
 
 #include <benchmark/benchmark.h>
 
@@ -14,8 +14,13 @@
 #include "nq/containers/index_hash_table.h"
 #include "nq/containers/numbers.h"
 
+#ifdef NQ_BENCH_ABSL
+#include <absl/container/flat_hash_map.h>
+#endif
+
 namespace {
 
+template <class Map>
 class Peer {
  public:
   explicit Peer(std::size_t count) { map_.reserve(count); }
@@ -26,19 +31,17 @@ class Peer {
   }
 
  private:
-  std::unordered_map<nqInt64, nqInt64> map_;
+  Map map_;
 };
 
 template <class Table>
-Table make(std::size_t count);
+Table make(std::size_t count) {
+  return Table(count);
+}
 template <>
 NQIndexHashTable make(std::size_t count) {
   const nqLong size = nextPrimeNumber(static_cast<nqLong>(count));
   return NQIndexHashTable(size == 0 ? prevPrimeNumber(2147483647) : size);
-}
-template <>
-Peer make(std::size_t count) {
-  return Peer(count);
 }
 
 enum class Order { kAscending, kRandom };
@@ -68,13 +71,25 @@ nqInt64 sum(Table& table, const std::vector<nqInt64>& keys, nqInt64 offset) {
 }
 
 template <class Table>
-void update(benchmark::State& state, Order order) {
+void insert(benchmark::State& state, Order order) {
   const auto keys = addresses(static_cast<std::size_t>(state.range(0)), order);
   for (auto _ : state) {
     auto table = make<Table>(keys.size());
     fill(table, keys);
     benchmark::DoNotOptimize(table);
   }
+  state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+// Keys that are there already, in an order of its own.
+template <class Table>
+void overwrite(benchmark::State& state, Order order) {
+  const auto count = static_cast<std::size_t>(state.range(0));
+  auto table = make<Table>(count);
+  fill(table, addresses(count, Order::kAscending));
+  const auto keys = addresses(count, order);
+  for (auto _ : state) fill(table, keys);
+  benchmark::DoNotOptimize(sum(table, keys, 0));
   state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
@@ -114,7 +129,8 @@ void registerFor(const std::string& name) {
             ->Arg(count)
             ->Unit(benchmark::kMicrosecond);
       };
-      add("update", update<Table>);
+      add("insert", insert<Table>);
+      add("overwrite", overwrite<Table>);
       add("hit", look<Table>, nqInt64{0});
       add("miss", look<Table>, nqInt64{16});
       add("life", updateThenLookup<Table>);
@@ -124,7 +140,10 @@ void registerFor(const std::string& name) {
 
 const bool kRegistered = [] {
   registerFor<NQIndexHashTable>("nq");
-  registerFor<Peer>("std");
+  registerFor<Peer<std::unordered_map<nqInt64, nqInt64>>>("std");
+#ifdef NQ_BENCH_ABSL
+  registerFor<Peer<absl::flat_hash_map<nqInt64, nqInt64>>>("absl");
+#endif
   return true;
 }();
 

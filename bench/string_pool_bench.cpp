@@ -1,4 +1,5 @@
-// string_pool_bench.cpp -- interning and looking up beside the standard hash map.
+// string_pool_bench.cpp -- interning and looking up beside the standard hash map and
+// Abseil's flat one.
 
 #include <benchmark/benchmark.h>
 
@@ -11,6 +12,11 @@
 #include <vector>
 
 #include "nq/core/string_pool.h"
+
+#ifdef NQ_BENCH_ABSL
+#include <absl/container/flat_hash_map.h>
+#include <absl/strings/string_view.h>
+#endif
 
 namespace {
 
@@ -69,9 +75,11 @@ struct Hash {
     return std::hash<std::string_view>()(text);
   }
 };
-using Map = std::unordered_map<std::string, nqLong, Hash, std::equal_to<>>;
+using StdMap = std::unordered_map<std::string, nqLong, Hash, std::equal_to<>>;
 
-// The map, used as a program would that interns names, with case or without.
+// The map, used as a program would that interns names, with case or without. It is
+// searched by View; Key is what it wants for an insertion.
+template <class Map, class View, class Key>
 class Peer {
  public:
   Peer(std::size_t size, bool caseSensitive) : caseSensitive_(caseSensitive) {
@@ -80,7 +88,7 @@ class Peer {
   nqLong update(std::string_view text) {
     char buffer[256];
     const auto code = static_cast<nqLong>(map_.size());
-    return map_.try_emplace(std::string(key(text, buffer)), code).first->second;
+    return map_.try_emplace(Key(key(text, buffer)), code).first->second;
   }
   nqLong lookup(std::string_view text) const {
     char buffer[256];
@@ -89,12 +97,12 @@ class Peer {
   }
 
  private:
-  std::string_view key(std::string_view text, char* buffer) const {
-    if (caseSensitive_) return text;
+  View key(std::string_view text, char* buffer) const {
+    if (caseSensitive_) return View(text.data(), text.size());
     std::transform(text.begin(), text.end(), buffer, [](char c) {
       return static_cast<char>(c >= 'a' && c <= 'z' ? c - 'a' + 'A' : c);
     });
-    return {buffer, text.size()};
+    return View(buffer, text.size());
   }
 
   Map map_;
@@ -102,14 +110,12 @@ class Peer {
 };
 
 template <class Table>
-Table make(std::size_t size, bool caseSensitive);
+Table make(std::size_t size, bool caseSensitive) {
+  return {size, caseSensitive};
+}
 template <>
 NQStringPool make(std::size_t size, bool caseSensitive) {
   return {static_cast<nqLong>(size), static_cast<nqLong>(size), caseSensitive, 0};
-}
-template <>
-Peer make(std::size_t size, bool caseSensitive) {
-  return {size, caseSensitive};
 }
 
 template <class Table>
@@ -179,7 +185,7 @@ template <class Table>
 void registerFor(const std::string& name) {
   for (const bool caseSensitive : {true, false}) {
     const std::string suffix = (caseSensitive ? "/" : "_nocase/") + name;
-    for (const int size : {1000, 50000, 1000000}) {
+    for (const int size : {1000, 50000, 500000, 1000000}) {
       benchmark::RegisterBenchmark(("intern" + suffix).c_str(), intern<Table>,
                                    caseSensitive)
           ->Arg(size)
@@ -198,7 +204,11 @@ void registerFor(const std::string& name) {
 
 const bool kRegistered = [] {
   registerFor<NQStringPool>("nq");
-  registerFor<Peer>("std");
+  registerFor<Peer<StdMap, std::string_view, std::string>>("std");
+#ifdef NQ_BENCH_ABSL
+  using AbslMap = absl::flat_hash_map<std::string, nqLong>;
+  registerFor<Peer<AbslMap, absl::string_view, absl::string_view>>("absl");
+#endif
   benchmark::RegisterBenchmark("overfull/made_for_1000", overfull, 1000);
   benchmark::RegisterBenchmark("overfull/made_for_1000000", overfull, 1000000);
   benchmark::RegisterBenchmark("hostile/one_hash", hostile, "BB");
