@@ -68,8 +68,12 @@ set_target_properties(nq PROPERTIES
   SOVERSION ${PROJECT_VERSION_MAJOR}.${PROJECT_VERSION_MINOR}
   VERIFY_INTERFACE_HEADER_SETS ON)
 if(NOT WIN32)
-  # Calls inside the library are its own: nobody replaces one function of it.
-  target_link_options(nq PRIVATE -Wl,-Bsymbolic-functions)
+  # Calls inside the library are its own: nobody replaces one function of it. It
+  # exports its own names only.
+  target_link_options(nq PRIVATE -Wl,-Bsymbolic-functions
+    -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map)
+  set_property(TARGET nq APPEND PROPERTY
+    LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/exports.map)
 endif()
 
 # nq_sources(PUBLIC header... SOURCES source...)
