@@ -184,11 +184,19 @@ class NQCopyAccess {
   X* X::castDown(const NQObject* object) {         \
     return NQCopyAccess::castDown<X>(object);      \
   }
-#define NQ_COPY_OPERATIONS_IMPL(X)                             \
+#define NQ_COPY_OPERATIONS_IMPL(X)              \
+  NQ_COPY_ATTRIBUTES_IMPL(X)                    \
+  void X::copyObject(const NQObject* source) {  \
+    NQCopyAccess::copyObject<X>(*this, source); \
+  }
+// Those of a class whose copyObject() hands on to the virtual copyAttributes().
+#define NQ_COPY_FORWARDED_IMPL(X)              \
+  NQ_COPY_ATTRIBUTES_IMPL(X)                   \
+  void X::copyObject(const NQObject* source) { \
+    copyAttributes(source);                    \
+  }
+#define NQ_COPY_ATTRIBUTES_IMPL(X)                             \
   NQ_COPY_TYPED_IMPL(X)                                        \
-  void X::copyObject(const NQObject* source) {                 \
-    NQCopyAccess::copyObject<X>(*this, source);                \
-  }                                                            \
   void X::copyAttributes(const NQObject* source) {             \
     NQCopyAccess::copyAttributes<X>(*this, source);            \
   }                                                            \
@@ -228,7 +236,7 @@ class NQCopyAccess {
   NQ_COPY_MEMBERS(X)
 
 // Its constructors and assignment, below the class in the header;
-// NQ_COPY_OPERATIONS_IMPL goes into the source.
+// NQ_COPY_OPERATIONS_IMPL or NQ_COPY_FORWARDED_IMPL goes into the source.
 #define NQ_COPY_VALUE_INLINE(X)                             \
   inline X::X(const X& source, NQDeepFlagEnum) {            \
     NQCopyAccess::deep<X>(*this, source);                   \

@@ -8,7 +8,7 @@
 #include <windows.h>
 #endif
 
-NQ_COPY_OPERATIONS_IMPL(NQPoint)
+NQ_COPY_FORWARDED_IMPL(NQPoint)
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <windows.h>
 #endif
 
-NQ_COPY_OPERATIONS_IMPL(NQRect)
+NQ_COPY_FORWARDED_IMPL(NQRect)
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <windows.h>
 #endif
 
-NQ_COPY_OPERATIONS_IMPL(NQSize)
+NQ_COPY_FORWARDED_IMPL(NQSize)
 
 NQSize::NQSize(tagSIZE record) : NQTuple(record.cx, record.cy) {}
 
