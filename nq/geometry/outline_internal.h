@@ -1,13 +1,10 @@
 // outline_internal.h -- the arithmetic of outlines: rectangle, ellipse, polygon.
 //
-// A node and, for polygons, the corners go in; the answer comes out. NQShape
-// chooses among them.
+// A node and, for polygons, the corners in thousandths go in; the answer comes
+// out. NQShape chooses among them.
 
 #ifndef NQ_GEOMETRY_OUTLINE_INTERNAL_H
 #define NQ_GEOMETRY_OUTLINE_INTERNAL_H
-
-#include <span>
-#include <vector>
 
 #include "nq/geometry/edges.h"
 #include "nq/geometry/point_list.h"
@@ -24,10 +21,16 @@ struct NodeAxis {
 
   nqLong low() const { return nqDifference(center, half); }
   nqLong high() const { return nqSum(center, upperHalf); }
-  // From the centre.
+  // From the centre, in thousandths of a unit and in whole units.
+  nqInt64 exactOffset(nqLong thousandths) const {
+    return nqInt64{thousandths < 1 ? half : upperHalf} * thousandths;
+  }
   nqLong offset(nqLong thousandths) const {
-    const nqInt64 reach = thousandths < 1 ? half : upperHalf;
-    return static_cast<nqLong>(reach * thousandths / 1000);
+    return static_cast<nqLong>(exactOffset(thousandths) / 1000);
+  }
+  // The smallest exact offset of which the whole units are more than `offset`.
+  static nqInt64 firstBeyond(nqInt64 offset) {
+    return offset < 0 ? 1000 * offset + 1 : 1000 * (offset + 1);
   }
 
   nqLong center;
@@ -42,60 +45,13 @@ struct Node {
       : Node(center.x(), center.y(), size.width(), size.height()) {}
 
   NQEdges box() const { return {x.low(), y.high(), x.high(), y.low()}; }
+  // Of a corner of a polygon, from the centre.
+  NQPoint offset(const NQPoint& thousandths) const {
+    return {x.offset(thousandths.x()), y.offset(thousandths.y())};
+  }
 
   NodeAxis x;
   NodeAxis y;
-};
-
-// A corner of a polygon as its offset from the centre of a node.
-struct Corner {
-  nqLong x;
-  nqLong y;
-};
-
-// The line through an edge as a x + b y + c, which is 0 on it and above 0 to the
-// left of it. For coordinates below 2^29 in size, which 64 bits can multiply.
-struct EdgeLine {
-  static constexpr nqLong kSmall = 1 << 29;
-
-  nqInt64 at(nqInt64 x, nqInt64 y) const { return a * x + b * y + c; }
-
-  nqInt64 a;
-  nqInt64 b;
-  nqInt64 c;
-};
-
-// The corners of a polygon, with the first one once more at the end.
-struct Corners : std::span<const Corner> {
-  bool small;  // whether all coordinates are, and the next two are there
-  // The corners' y once more, in a row that can be read in fours from anywhere.
-  const nqLong* heights;
-  const EdgeLine* lines;  // of the edge from each corner to the next
-  NQEdges bounds;         // the box around the offsets
-};
-
-// The corners of a polygon for nodes of one size: with each new size they are
-// computed anew, with the same one again they are at hand.
-class SizedCorners {
- public:
-  // The list holds no null pointers.
-  const Corners& of(const NQPointDList& thousandths, nqLong width, nqLong height) {
-    if (width_ != width || height_ != height || corners_.empty()) {
-      compute(thousandths, Node(0, 0, width, height));
-    }
-    return corners_;
-  }
-  void forget() { corners_ = {}; }
-
- private:
-  void compute(const NQPointDList& thousandths, const Node& node);
-
-  nqLong width_ = 0;
-  nqLong height_ = 0;
-  std::vector<Corner> offsets_;
-  std::vector<nqLong> heights_;
-  std::vector<EdgeLine> lines_;
-  Corners corners_ = {};  // the offsets for width and height; empty if there are none
 };
 
 // The sign of ax * by - ay * bx, for numbers up to 2^34 in size: the products
@@ -116,19 +72,18 @@ inline int pointInWhichHalfplane(nqInt64 x1, nqInt64 y1, nqInt64 x2, nqInt64 y2,
 
 // How a point lies to an outline: -1 outside, 0 on it, 1 inside.
 int placeInEllipse(const Node& node, nqLong px, nqLong py);
-// The point from the centre.
-int placeInPolygon(const Corners& corners, nqInt64 x, nqInt64 y);
+int placeInPolygon(const Node& node, const NQPointDList& corners, nqLong px, nqLong py);
 
 // Moves (x, y) to where the segment to (x2, y2) meets the outline last; 0 when
 // it does not.
 int segmentMeetsRect(const Node& node, nqLong& x, nqLong& y, nqLong x2, nqLong y2);
 int segmentMeetsEllipse(const Node& node, nqLong& x, nqLong& y, nqLong x2, nqLong y2);
-int segmentMeetsPolygon(const Node& node, const Corners& corners, nqLong& x, nqLong& y,
-                        nqLong x2, nqLong y2);
+int segmentMeetsPolygon(const Node& node, const NQPointDList& corners, nqLong& x,
+                        nqLong& y, nqLong x2, nqLong y2);
 
 NQPoint nearestOnEllipse(const Node& node, const NQPoint& p);
 // `p` itself when there are no corners.
-NQPoint nearestOnPolygon(const Node& node, const Corners& corners, const NQPoint& p);
+NQPoint nearestOnPolygon(const Node& node, const NQPointDList& corners, const NQPoint& p);
 
 // By how much a box of these half extents about p, both positive, may grow
 // before it reaches beyond the outline. The point is within.
@@ -136,7 +91,7 @@ double growthInRect(const Node& node, const NQPoint& p, double halfWidth,
                     double halfHeight);
 double growthInEllipse(const Node& node, const NQPoint& p, double halfWidth,
                        double halfHeight);
-double growthInPolygon(const Node& node, const Corners& corners, const NQPoint& p,
+double growthInPolygon(const Node& node, const NQPointDList& corners, const NQPoint& p,
                        double halfWidth, double halfHeight);
 
 int isConvex(const NQPointDList& corners);

@@ -55,23 +55,9 @@ bool grow(nqLong& low, nqLong& high, int lowBorder, int highBorder) {
 
 }  // namespace
 
-// The corners that a polygon owns, and as they lie in the node asked about last.
-struct NQShape::Polygon {
-  explicit Polygon(NQPointDList* points) : list(points) {}
-  Polygon(const Polygon&) = delete;
-  Polygon& operator=(const Polygon&) = delete;
-  ~Polygon() { list->deleteAllCellsAndPoints(); }
-
-  const nqdetail::Corners& of(nqLong width, nqLong height) {
-    return sized.of(*list, width, height);
-  }
-
-  const std::unique_ptr<NQPointDList> list;
-  nqdetail::SizedCorners sized;
-};
-
-void NQShape::DeletePolygon::operator()(Polygon* polygon) const {
-  delete polygon;
+void NQShape::DeletePoints::operator()(NQPointDList* points) const {
+  points->deleteAllCellsAndPoints();
+  delete points;
 }
 
 NQShape::NQShape(NQShapeTypeEnum type) : type_(static_cast<unsigned char>(type)) {}
@@ -84,9 +70,7 @@ void NQShape::init() {}
 
 void NQShape::copyFields(const NQShape& source) {
   type_ = source.type_;
-  polygon_.reset(source.polygon_ == nullptr
-                     ? nullptr
-                     : new Polygon(source.polygon_->list->cloneObject()));
+  points_.reset(source.points_ == nullptr ? nullptr : source.points_->cloneObject());
   left_ = source.left_;
   right_ = source.right_;
   top_ = source.top_;
@@ -96,7 +80,7 @@ void NQShape::copyFields(const NQShape& source) {
 // ---- Type and corners
 
 int NQShape::isConvexPolygon() const {
-  return polygon_ != nullptr && nqdetail::isConvex(*polygon_->list);
+  return points_ != nullptr && nqdetail::isConvex(*points_);
 }
 
 int NQShape::compare(const NQShape* other) const {
@@ -120,11 +104,7 @@ bool NQShape::comparePointList(const NQPointDList* points) const {
 
 void NQShape::setShapeType(NQShapeTypeEnum type) {
   type_ = static_cast<unsigned char>(type);
-  polygon_.reset();
-}
-
-const NQPointDList* NQShape::pPointList() const {
-  return polygon_ == nullptr ? nullptr : polygon_->list.get();
+  points_.reset();
 }
 
 NQPointDList* NQShape::pPointList(NQPointDList* points) {
@@ -132,7 +112,7 @@ NQPointDList* NQShape::pPointList(NQPointDList* points) {
     setShapeType(NQShapeRectangle);
     return nullptr;
   }
-  if (points != pPointList()) polygon_.reset(new Polygon(points));
+  if (points != points_.get()) points_.reset(points);
   while (NQDListCell* const empty = points->searchPoint(nullptr)) {
     points->discardCell(empty);
   }
@@ -140,23 +120,21 @@ NQPointDList* NQShape::pPointList(NQPointDList* points) {
     setShapeType(NQShapeRectangle);
     return nullptr;
   }
-  polygon_->sized.forget();
   type_ = isConvexPolygon() ? NQShapeConvexPolygon : NQShapeNonConvexPolygon;
   return points;
 }
 
 NQPoint* NQShape::addPoint(nqLong x, nqLong y) {
   type_ = NQShapeNonConvexPolygon;
-  if (polygon_ == nullptr) polygon_.reset(new Polygon(new NQPointDList));
+  if (points_ == nullptr) points_.reset(new NQPointDList);
   auto* const point = new NQPoint(x, y);
-  polygon_->list->appendPoint(point);
-  polygon_->sized.forget();
-  if (polygon_->list->length() >= 3 && isConvexPolygon()) type_ = NQShapeConvexPolygon;
+  points_->appendPoint(point);
+  if (points_->length() >= 3 && isConvexPolygon()) type_ = NQShapeConvexPolygon;
   return point;
 }
 
 void NQShape::rotate(int degrees) {
-  if (!isPolygon() || polygon_ == nullptr) return;
+  if (!isPolygon() || points_ == nullptr) return;
   switch (degrees) {
     case 90:
       return rotatePolygonNinty();
@@ -170,11 +148,10 @@ void NQShape::rotate(int degrees) {
 }
 
 void NQShape::rotatePolygonNinty() {
-  for (NQPointDListIter iter(polygon_->list.get(), NQ_FORWARD); iter; ++iter) {
+  for (NQPointDListIter iter(points_.get(), NQ_FORWARD); iter; ++iter) {
     NQPoint& p = *iter.pPoint();
     p.set(nqDifference(0, p.y()), p.x());
   }
-  polygon_->sized.forget();
 }
 
 void NQShape::rotatePolygonOneEighty() {
@@ -197,9 +174,8 @@ NQShape::Place NQShape::place(nqLong px, nqLong py, nqLong cx, nqLong cy, nqLong
       return answer(nqdetail::placeInEllipse(Node(cx, cy, w, h), px, py));
     case NQShapeConvexPolygon:
     case NQShapeNonConvexPolygon:
-      if (polygon_ == nullptr) return kOutside;
-      return answer(nqdetail::placeInPolygon(polygon_->of(w, h), nqInt64{px} - cx,
-                                             nqInt64{py} - cy));
+      if (points_ == nullptr) return kOutside;
+      return answer(nqdetail::placeInPolygon(Node(cx, cy, w, h), *points_, px, py));
     default: {
       const NQEdges box = Node(cx, cy, w, h).box();
       if (!box.within(px, py)) return kOutside;
@@ -216,8 +192,8 @@ int NQShape::intersectsSegment(nqLong& x, nqLong& y, nqLong x2, nqLong y2, nqLon
       return nqdetail::segmentMeetsEllipse(node, x, y, x2, y2);
     case NQShapeConvexPolygon:
     case NQShapeNonConvexPolygon:
-      if (polygon_ == nullptr) return 0;
-      return nqdetail::segmentMeetsPolygon(node, polygon_->of(w, h), x, y, x2, y2);
+      if (points_ == nullptr) return 0;
+      return nqdetail::segmentMeetsPolygon(node, *points_, x, y, x2, y2);
     default:
       return nqdetail::segmentMeetsRect(node, x, y, x2, y2);
   }
@@ -240,8 +216,8 @@ int NQShape::nearestPoint(NQPoint& p, const NQPoint& center, const NQSize& size)
       return 1;
     case NQShapeConvexPolygon:
     case NQShapeNonConvexPolygon:
-      if (polygon_ == nullptr) return 0;
-      p = nqdetail::nearestOnPolygon(node, polygon_->of(size.width(), size.height()), p);
+      if (points_ == nullptr) return 0;
+      p = nqdetail::nearestOnPolygon(node, *points_, p);
       return 1;
     default:
       p = node.box().nearestPoint(p);
@@ -262,8 +238,7 @@ double NQShape::maxAvailableDiagonalLengthAtShape(const NQPoint& p, const NQSize
         return nqdetail::growthInEllipse(node, p, halfWidth, halfHeight);
       case NQShapeConvexPolygon:
       case NQShapeNonConvexPolygon:
-        return nqdetail::growthInPolygon(node, polygon_->of(size.width(), size.height()),
-                                         p, halfWidth, halfHeight);
+        return nqdetail::growthInPolygon(node, *points_, p, halfWidth, halfHeight);
       default:
         return nqdetail::growthInRect(node, p, halfWidth, halfHeight);
     }

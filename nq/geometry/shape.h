@@ -19,8 +19,8 @@
 // holds for extents up to 2^12.
 // Points of the outline that are computed are rounded by floor(v + 0.5).
 //
-// A polygon keeps its corners at hand for the size asked about last, so one shape
-// must not be asked by two threads at the same time.
+// Questions about a polygon read its corners, each time, and keep nothing: two
+// threads may ask one shape at the same time.
 //
 // Extents should not be negative: answers have no meaning then, but are safe. A
 // shape set to a polygon type without corners has no outline and no inside.
@@ -53,8 +53,8 @@ class NQ_EXPORT NQShape : public NQObject {
   // The low 8 bits of what was set.
   NQShapeTypeEnum shapeType() const { return static_cast<NQShapeTypeEnum>(type_); }
   // The corners in order; null for shapes other than polygons. They stay the
-  // shape's, valid until its type or its corners are set, and must not be changed.
-  const NQPointDList* pPointList() const;
+  // shape's, valid until its type or its corners are set.
+  const NQPointDList* pPointList() const { return points_.get(); }
   // In thousandths, as the corners.
   int textRectLeftBorder() const { return left_; }
   int textRectRightBorder() const { return right_; }
@@ -151,9 +151,8 @@ class NQ_EXPORT NQShape : public NQObject {
   friend class NQTestPeer;
 
   enum Place { kOutside, kOnBoundary, kInside };
-  struct Polygon;
-  struct NQ_EXPORT DeletePolygon {
-    void operator()(Polygon* polygon) const;
+  struct NQ_EXPORT DeletePoints {
+    void operator()(NQPointDList* points) const;
   };
 
   Place place(nqLong px, nqLong py, nqLong cx, nqLong cy, nqLong w, nqLong h) const;
@@ -176,7 +175,7 @@ class NQ_EXPORT NQShape : public NQObject {
   void copyFields(const NQShape& source);
 
   unsigned char type_ = NQShapeRectangle;
-  std::unique_ptr<Polygon, DeletePolygon> polygon_;  // the corners; may be null
+  std::unique_ptr<NQPointDList, DeletePoints> points_;  // the corners; may be null
   short left_ = -1000;
   short right_ = 1000;
   short top_ = 1000;

@@ -113,9 +113,9 @@ TEST(NQShape, TakesItsTypeFromItsCorners) {
   EXPECT_EQ(cornersOf(shape), kArrow);
   EXPECT_EQ(place(shape, {-900, 0}), -1);  // in the notch
   arrow->pPointInPosition(4)->x(-1000);
+  EXPECT_EQ(place(shape, {-900, 0}), 1);      // the notch is gone
   EXPECT_EQ(shape.pPointList(arrow), arrow);  // the list that it has, changed
   EXPECT_EQ(shape.shapeType(), NQShapeConvexPolygon);
-  EXPECT_EQ(place(shape, {-900, 0}), 1);
   shape.setShapeType(NQShapeNonConvexPolygon);
   EXPECT_EQ(shape.pPointList(), nullptr);
   EXPECT_EQ(shape.shapeType(), NQShapeNonConvexPolygon);
