@@ -16,17 +16,6 @@ bool isFlat(const Node& node) {
   return node.x.extent == 0 || node.y.extent == 0;
 }
 
-// A crossing within this distance of an end of the segment belongs to it.
-constexpr double kMargin = 1e-5;
-
-bool between(double a, double b, double value) {
-  return std::min(a, b) - kMargin <= value && value <= std::max(a, b) + kMargin;
-}
-
-// A line whose discriminant is below 0 by no more than this part of its terms
-// touches the ellipse: it is below by rounding.
-constexpr double kSlack = 1e-12;
-
 // The point of the ellipse x^2/a^2 + y^2/b^2 = 1, a >= b > 0, that is nearest to
 // (x, y) in the first quadrant.
 // Source: D. Eberly, "Distance from a point to an ellipse, an ellipsoid, or a
@@ -79,35 +68,41 @@ int segmentMeetsEllipse(const Node& node, nqLong& x, nqLong& y, nqLong x2, nqLon
     return NQPoint::segmentsIntersect(x, y, x2, y2, line.left, line.bottom, line.right,
                                       line.top);
   }
-  // Along v the segment is longer; it is the line u = m * v + c.
-  const bool steep = std::abs(double(y) - y2) > std::abs(double(x) - x2);
-  const NodeAxis& axisU = steep ? node.x : node.y;
-  const NodeAxis& axisV = steep ? node.y : node.x;
-  nqLong& u = steep ? x : y;
-  nqLong& v = steep ? y : x;
-  double fromU = double(u) - axisU.center;
-  double fromV = double(v) - axisV.center;
-  const double toU = double(steep ? x2 : y2) - axisU.center;
-  const double toV = double(steep ? y2 : x2) - axisV.center;
-  const double m = (fromU - toU) / (fromV - toV);
-  const double c = toU - m * toV;
-  const double a = axisU.extent / 2.0;
-  const double r = double(axisU.extent) / axisV.extent;
-  const double square = r * r + m * m;
-  const double discriminant = a * a * m * m + (a * a - c * c) * r * r;
-  if (!(discriminant >= -kSlack * a * a * square)) return 0;
-  int met = 0;
-  const double root = std::sqrt(std::max(discriminant, 0.0));
-  for (const double solution : {(root - m * c) / square, (-root - m * c) / square}) {
-    const double atU = m * solution + c;
-    if (!between(fromV, toV, solution) || !between(fromU, toU, atU)) continue;
-    fromU = std::floor(atU + 0.5);
-    fromV = std::floor(solution + 0.5);
-    met = 1;
+  const int from = placeInEllipse(node, x, y);
+  const int to = placeInEllipse(node, x2, y2);
+  if (to == 0) {
+    x = x2;
+    y = y2;
+    return 1;
   }
-  if (met == 0) return 0;
-  u = nqRound(fromU + axisU.center);
-  v = nqRound(fromV + axisV.center);
+  // From the centre; everything below is exact up to the square root for extents
+  // and distances up to 2^12. A direction along an axis has the length 1, which
+  // keeps exact halves for much larger ones.
+  const double w = node.x.extent;
+  const double h = node.y.extent;
+  const NQDTuple start(double(x) - node.x.center, double(y) - node.y.center);
+  const NQDTuple end(double(x2) - node.x.center, double(y2) - node.y.center);
+  const double dx = y == y2 ? (x < x2 ? 1 : -1) : end.x() - start.x();
+  const double dy = x == x2 ? (y < y2 ? 1 : -1) : end.y() - start.y();
+  // In units of the half extents the ellipse is the unit circle, the direction is
+  // (dx h, dy w), and the line crosses at the two points foot +- direction * root,
+  // divided by the direction's square.
+  const NQDTuple direction(dx * h, dy * w);
+  const double square = direction.normSquare();
+  const double distance = 2 * (end.x() * dy - end.y() * dx);
+  const double discriminant = square - distance * distance;
+  const auto ahead = [&](const NQDTuple& p) {  // above 0: in front of the foot
+    return p.x() * h * direction.x() + p.y() * w * direction.y();
+  };
+  const bool leaves =
+      to < 0 && (from > 0 || (discriminant >= 0 && ahead(start) < 0 && ahead(end) > 0));
+  const bool enters = to > 0 && from < 0;
+  if (!leaves && !enters) return from == 0;
+  const double root = std::sqrt(std::max(discriminant, 0.0)) * (leaves ? 1 : -1);
+  const double atX = distance * direction.y() + direction.x() * root;
+  const double atY = direction.y() * root - distance * direction.x();
+  x = nqSum(node.x.center, nqRound(w * atX / (2 * square)));
+  y = nqSum(node.y.center, nqRound(h * atY / (2 * square)));
   return 1;
 }
 

@@ -1,7 +1,7 @@
 // exact_model.h -- slow geometry in whole numbers, to compare results with.
 //
 // Crossings are fractions, decisions are signs of products: nothing is rounded
-// before the end. For coordinates up to 2^29 in size.
+// before the end. For coordinates up to 2^29 in size, for ellipses up to 2^11.
 
 #ifndef NQ_TESTS_GEOMETRY_EXACT_MODEL_H
 #define NQ_TESTS_GEOMETRY_EXACT_MODEL_H
@@ -181,6 +181,44 @@ inline std::optional<Point> meetingPoint(const Segment& s, const Segment& t) {
   if (sign(ta) * sign(tb) >= 0 || sign(sa) * sign(sb) >= 0) return std::nullopt;
   return Point{Fraction(s.a.x * (sa - sb) + sa * (s.b.x - s.a.x), sa - sb).rounded(),
                Fraction(s.a.y * (sa - sb) + sa * (s.b.y - s.a.y), sa - sb).rounded()};
+}
+
+__extension__ typedef __int128 Wide;
+
+// The sign of p + q * sqrt(d).
+inline int surdSign(Wide p, Wide q, Wide d) {
+  if (p >= 0 && q >= 0) return p > 0 || (q > 0 && d > 0);
+  if (p <= 0 && q <= 0) return -surdSign(-p, -q, d);
+  const Wide excess = p * p - q * q * d;
+  return ((excess > 0) - (excess < 0)) * (p > 0 ? 1 : -1);
+}
+
+// Where the segment a + t (b - a) crosses the ellipse of the extents w and h about
+// the origin, nearest to b: A t^2 + 2 B t + C = 0.
+inline std::optional<Point> ellipseCrossing(Int w, Int h, const Segment& s) {
+  const Wide dx = s.b.x - s.a.x, dy = s.b.y - s.a.y, x = s.a.x, y = s.a.y;
+  const Wide xx = Wide{4} * h * h, yy = Wide{4} * w * w;
+  const Wide a = xx * dx * dx + yy * dy * dy, b = xx * x * dx + yy * y * dy,
+             c = xx * x * x + yy * y * y - Wide{w} * w * h * h, d = b * b - a * c;
+  if (a == 0 || d < 0) return std::nullopt;
+  for (const int side : {1, -1}) {
+    if (surdSign(-b, side, d) < 0 || surdSign(a + b, -side, d) < 0) continue;
+    const auto rounded = [&](Wide start, Wide way) {
+      const auto reaches = [&](Wide v) {  // v - 1/2
+        const Wide whole = (2 * (start - v) + 1) * a - 2 * way * b;
+        return surdSign(whole, 2 * way * side, d) >= 0;
+      };
+      Int low = std::min({s.a.x, s.a.y, s.b.x, s.b.y}) - 1;
+      Int high = std::max({s.a.x, s.a.y, s.b.x, s.b.y}) + 2;
+      while (high - low > 1) {
+        const Int middle = low + (high - low) / 2;
+        (reaches(middle) ? low : high) = middle;
+      }
+      return low;
+    };
+    return Point{rounded(x, dx), rounded(y, dy)};
+  }
+  return std::nullopt;
 }
 
 }  // namespace model
