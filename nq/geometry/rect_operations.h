@@ -13,6 +13,7 @@
 #define NQ_GEOMETRY_RECT_OPERATIONS_H
 
 #include <cmath>
+#include <concepts>
 
 #include "nq/geometry/edges.h"
 
@@ -215,7 +216,10 @@ class NQRectOperations {
   void scale(int factor) {
     resize(nqProduct(self().width(), factor), nqProduct(self().height(), factor));
   }
-  void scale(long factor) { scale(static_cast<int>(factor)); }  // its low 32 bits
+  template <std::integral Integer>
+  void scale(Integer factor) {  // its low 32 bits
+    scale(static_cast<int>(factor));
+  }
   // Adds dx on the left and the right, dy at the top and the bottom; changes
   // nothing at all when an extent would become negative.
   Rect& inflate(nqLong dx, nqLong dy) {

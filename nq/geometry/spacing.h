@@ -6,6 +6,8 @@
 #ifndef NQ_GEOMETRY_SPACING_H
 #define NQ_GEOMETRY_SPACING_H
 
+#include <concepts>
+
 #include "nq/geometry/rounding.h"
 #include "nq/platform/export.h"
 
@@ -21,7 +23,10 @@ class NQ_EXPORT NQSpacing {
   // The margin of a size; the integer form is truncated.
   double combined(double size) const { return proportional_ / 1000.0 * size + fixed_; }
   nqLong combined(int size) const { return nqTruncate(combined(double(size))); }
-  nqLong combined(long size) const { return combined(static_cast<int>(size)); }
+  template <std::integral Integer>
+  nqLong combined(Integer size) const {  // of its low 32 bits
+    return combined(static_cast<int>(size));
+  }
 
   nqLong fixed(nqLong value) { return fixed_ = value; }
   short proportional(short value) { return proportional_ = value; }

@@ -15,6 +15,8 @@
 #ifndef NQ_GEOMETRY_TRANSFORM_H
 #define NQ_GEOMETRY_TRANSFORM_H
 
+#include <concepts>
+
 #include "nq/geometry/rect.h"
 
 class NQ_EXPORT NQTransform : public NQObject {
@@ -49,13 +51,21 @@ class NQ_EXPORT NQTransform : public NQObject {
   nqLong transformY(int y) const { return nqRound(y_.forward(y)); }
   nqLong inverseTransformX(int x) const { return nqRound(x_.backward(x)); }
   nqLong inverseTransformY(int y) const { return nqRound(y_.backward(y)); }
-  // A long is taken in 32 bits.
-  nqLong transformX(long x) const { return transformX(static_cast<int>(x)); }
-  nqLong transformY(long y) const { return transformY(static_cast<int>(y)); }
-  nqLong inverseTransformX(long x) const {
+  // Other integers are taken in 32 bits.
+  template <std::integral Integer>
+  nqLong transformX(Integer x) const {
+    return transformX(static_cast<int>(x));
+  }
+  template <std::integral Integer>
+  nqLong transformY(Integer y) const {
+    return transformY(static_cast<int>(y));
+  }
+  template <std::integral Integer>
+  nqLong inverseTransformX(Integer x) const {
     return inverseTransformX(static_cast<int>(x));
   }
-  nqLong inverseTransformY(long y) const {
+  template <std::integral Integer>
+  nqLong inverseTransformY(Integer y) const {
     return inverseTransformY(static_cast<int>(y));
   }
 

@@ -12,6 +12,7 @@
 #define NQ_GEOMETRY_TUPLE_H
 
 #include <cmath>
+#include <concepts>
 
 #include "nq/core/copy_protocol.h"
 #include "nq/geometry/rounding.h"
@@ -65,7 +66,10 @@ class NQ_EXPORT NQ_VIEWED_AS_RECORD NQTuple : public NQObject {
     return *this;
   }
   void scale(int factor) { set(nqProduct(x_, factor), nqProduct(y_, factor)); }
-  void scale(long factor) { scale(static_cast<int>(factor)); }  // its low 32 bits
+  template <std::integral Integer>
+  void scale(Integer factor) {  // its low 32 bits
+    scale(static_cast<int>(factor));
+  }
   void scale(double factor) { set(nqRound(x_ * factor), nqRound(y_ * factor)); }
   const NQTuple& operator*=(double factor) {
     scale(factor);

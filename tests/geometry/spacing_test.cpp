@@ -12,7 +12,6 @@ TEST(NQSpacing, CombinesItsPartsAndTruncates) {
   NQSpacing s(5, 100);
   EXPECT_EQ(s.combined(200), 25);
   EXPECT_EQ(s.combined(-200), -15);
-  EXPECT_EQ(s.combined(9L), 5);
   EXPECT_EQ(s.combined(9.0), 5.9);
   EXPECT_EQ(s.combined(-59), 0);  // -0.9
   EXPECT_EQ(NQSpacing(kMax, 1000).combined(kMax), kMax);

@@ -4,9 +4,13 @@
 
 #include <limits>
 #include <memory>
+#include <type_traits>
+#include <typeinfo>
 
+#include "nq/geometry/internal_rect.h"
 #include "nq/geometry/permil.h"
-#include "nq/geometry/size.h"
+#include "nq/geometry/spacing.h"
+#include "nq/geometry/transform.h"
 #include "tests/support/copy_protocol_check.h"
 
 #if defined(_WIN32)
@@ -72,9 +76,7 @@ TEST(NQTuple, ArithmeticRoundsTruncatesAndWraps) {
   EXPECT_EQ(t, NQTuple(-7, kMax));
   t.scale(3);
   EXPECT_EQ(t, NQTuple(-21, nqProduct(kMax, 3)));
-  t.set(5, -6);
-  t.scale(2L);
-  EXPECT_EQ(t, NQTuple(10, -12));
+  t.set(10, -12);
   t += NQTuple(1, 2);
   t -= NQTuple(5, 5);
   t.add(kMax, kMin);
@@ -91,6 +93,46 @@ TEST(NQTuple, ArithmeticRoundsTruncatesAndWraps) {
   EXPECT_EQ(NQTuple(1, 1).norm(), 1);
   EXPECT_EQ(NQTuple(kMin, kMin).norm(), kMax);
   EXPECT_EQ(NQTuple(65536, 1).normSquare(), 1);
+}
+
+// Every integer type finds the operation for whole numbers, where there is one for
+// doubles beside it.
+template <class Integer>
+void checkOverloads() {
+  SCOPED_TRACE(typeid(Integer).name());
+  NQTuple t(3, -3);
+  t.scale(Integer{3});
+  EXPECT_EQ(t, NQTuple(9, -9));
+  NQRect r(6, 10);
+  NQInternalRect internal(6, 10);
+  r.scale(Integer{3});
+  internal.scale(Integer{3});
+  EXPECT_EQ(r.size(), NQSize(18, 30));
+  EXPECT_EQ(internal.size(), r.size());
+  NQTransform half;
+  half.targetExtentX(0.5);
+  half.sourceExtentY(2);
+  EXPECT_EQ(half.transformX(Integer{3}), 2);
+  EXPECT_EQ(half.transformY(Integer{3}), 2);
+  EXPECT_EQ(half.inverseTransformX(Integer{3}), 6);
+  EXPECT_EQ(half.inverseTransformY(Integer{3}), 6);
+  EXPECT_EQ(NQSpacing(5, 300).combined(Integer{3}), 5);
+  static_assert(std::is_same_v<decltype(half.transformX(Integer{3})), nqLong>);
+}
+
+template <class... Integer>
+void checkOverloadsOfEach() {
+  (checkOverloads<Integer>(), ...);
+}
+
+TEST(Overloads, EveryIntegerTypeFindsOne) {
+  checkOverloadsOfEach<char, signed char, unsigned char, short, unsigned short, int,
+                       unsigned, long, unsigned long, long long, unsigned long long>();
+  NQTuple t(1, 2);
+  t.scale((1LL << 40) + 5);  // its low 32 bits
+  t.scale(NQHorizontal);     // an enumerator is an int
+  t.scale(2.0F);
+  EXPECT_EQ(t, NQTuple(10, 20));
 }
 
 TEST(NQDTuple, ArithmeticIsExact) {
@@ -143,6 +185,30 @@ TEST(Values, FollowTheCopyProtocol) {
   check(NQSize(1, 2), NQSize(3, 4));
   check(NQDTuple(1.5, 2.5), NQDTuple(3.5, 4.5));
   check(NQPerMil(1, 2), NQPerMil(3, 4));
+}
+
+// copyObject() leaves the copying to copyAttributes(), which a class derived without
+// a copy line may override alone.
+template <class Value>
+void checkForwards(const Value& source) {
+  struct Derived : Value {
+    void copyAttributes(const NQObject* from) override {
+      ++copies;
+      Value::copyAttributes(from);
+    }
+    int copies = 0;
+  } target;
+  target.copyObject(&source);
+  EXPECT_EQ(target.copies, 1) << typeid(Value).name();
+  EXPECT_EQ(target, source) << typeid(Value).name();
+}
+
+TEST(Values, CopyObjectsByTheirAttributes) {
+  checkForwards(NQTuple(1, 2));
+  checkForwards(NQSize(1, 2));
+  checkForwards(NQPoint(1, 2));
+  checkForwards(NQDTuple(1.5, 2.5));
+  checkForwards(NQRect(1, 2, 3, 4));
 }
 
 }  // namespace
