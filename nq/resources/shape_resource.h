@@ -27,6 +27,8 @@ class NQ_EXPORT NQShapeResource : public NQResource {
 
  protected:
   void init();
+  // Of the whole shape; for derived classes, whose isEqual() may leave out a part of
+  // it, the sort key: many of theirs with one key should have a hash of their own.
   nqInt64 vHash() const override;
 
  private:

@@ -511,6 +511,24 @@ TEST(NQShapeResource, IsEqualInItsWholeShape) {
   EXPECT_EQ(NQShapeResourceDB::castDown(&database), &database);
 }
 
+// Equal whatever the order of the corners: what the class says, not the whole shape.
+class AnyOrder : public NQShapeResource {
+ public:
+  using NQShapeResource::NQShapeResource;
+  int isEqual(const NQResource* other) const override {
+    return other != nullptr && other->sortKey() == sortKey();
+  }
+};
+
+TEST(NQShapeResource, DerivedClassesSayWhatIsEqual) {
+  NQShapeResourceDB database;
+  const NQShape one = polygon({{-1000, -1000}, {1000, -1000}, {0, 1000}});
+  const NQShape other = polygon({{1000, -1000}, {0, 1000}, {-1000, -1000}});
+  const NQResource* const stored = database.insert(new AnyOrder(&database, &one));
+  EXPECT_EQ(database.insert(new AnyOrder(&database, &other)), stored);
+  EXPECT_EQ(stored->refCount(), 2);
+}
+
 TEST(NQShapeResource, ManyWithOneKeyAreFoundQuickly) {
   NQShapeResourceDB database;
   const NQResource* last = nullptr;
