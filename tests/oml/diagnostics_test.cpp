@@ -389,7 +389,8 @@ TEST_F(Diagnostics, ComeFromHooksToo) {
   reader.listEvents = true;
   reader.atHook = [this](const char* hook) {
     if (std::string(hook) != "count") return;
-    NQOMLSyntaxObject* const node = reader.pSyntaxObject(2);
+    NQOMLSyntaxObject* node = nullptr;  // the only one
+    for (nqLong id = 0; node == nullptr && id < 10; ++id) node = reader.pSyntaxObject(id);
     ASSERT_NE(node, nullptr);
     reader.warningMessage(node, 5, "near");
     reader.errorMessage(node, 6, "here", 1);

@@ -170,12 +170,18 @@ TEST(IDTable, KeepsChainsOfComponents) {
 // before they came, or among them.
 TEST(IDTable, KnowsNumberedNamesInAnyOrder) {
   constexpr nqLong kNumbers = 3000;
-  const auto text = [](std::string stem, nqLong number) {
-    return stem + std::to_string(number);
-  };
-  const nqLong orders[][2] = {
-      {1, 0}, {kNumbers - 1, kNumbers - 1}, {1009, 17}};  // step, start
-  for (const auto& [step, start] : orders) {
+  const struct {
+    nqLong step;
+    nqLong start;
+    nqLong factor;  // what the numbers are multiples of
+    nqLong offset;
+  } orders[] = {{1, 0, 1, 0},        {kNumbers - 1, kNumbers - 1, 1, 0},
+                {1009, 17, 1, 0},    {1009, 5, 16, 7},
+                {1009, 5, 65536, 0}, {7, 5, 1000, 3}};
+  for (const auto& [step, start, factor, offset] : orders) {
+    const auto text = [factor, offset](std::string stem, nqLong number) {
+      return stem + std::to_string(number * factor + offset);
+    };
     nqdetail::IDTable ids;
     std::map<std::string, nqLong> known;
     const nqLong scope = ids.withText("$,s");

@@ -38,85 +38,93 @@ nqLong takeNumber(std::string_view& name) {
   return number;
 }
 
-constexpr std::uint32_t kRow = 8;  // numbers that are filed side by side
-
 }  // namespace
 
-IDTable::IDTable()
-    : index_(this), names_(kNamesAtFirst, kNamesAtFirst, 1, 0), families_(1) {
+IDTable::IDTable() : index_(this), names_(kNamesAtFirst, kNamesAtFirst, 1, 0), stems_(1) {
   (void)withName(kDefaultsID);
   (void)withName(std::string_view(&kFullAddress, 1));
 }
 
 nqLong* IDTable::placeOf(const Component& component) {
-  Family& family = families_[component.stem];
-  if (isBare(component)) return &family.bare;
-  const auto number = static_cast<std::uint32_t>(component.number);
-  if (number >= family.numbered.size()) {
-    // No larger than in proportion to what is there, whatever the numbers.
-    if (number / 4 > family.count) return nullptr;
-    family.numbered.resize(std::bit_ceil(number + 1), kNone);
+  Stem& stem = stems_[component.stem];
+  if (isBare(component)) return &stem.bare;
+  if (stem.numbers == kNone) {
+    stem.numbers = static_cast<nqLong>(numbers_.size());
+    numbers_.emplace_back();
   }
-  return &family.numbered[number];
+  return numbers_[static_cast<std::size_t>(stem.numbers)].place(component.number,
+                                                                index_.seed());
 }
 
-nqLong IDTable::enter(nqLong scope, const Component& component) {
-  Family& family = families_[component.stem];
-  nqLong* const place = scope == kNone ? placeOf(component) : nullptr;
-  if (place != nullptr && *place != kNone) return *place;
-  std::uint32_t hash = 0;
-  if (place == nullptr || family.scattered) {
-    // Neighbouring numbers are filed side by side, so that ids in a row are found in
-    // the same few lines of the cache; so are stems by themselves. Which rows meet,
-    // nobody outside can choose; a step of 8 or more from number to number still
-    // fills all places of the rows.
-    const bool bare = isBare(component);
-    const auto number =
-        bare ? component.stem : static_cast<std::uint32_t>(component.number);
-    const std::uint32_t row = number / kRow;
-    const HashSeed& seed = index_.seed();
-    const std::uint64_t mixed =
-        mix(seed.first ^ (std::uint64_t{static_cast<std::uint32_t>(scope)} << 32 | row),
-            seed.second ^ (bare ? kMostStems + 1 : component.stem));
-    hash = static_cast<std::uint32_t>(mixed) / kRow * kRow + (number ^ row) % kRow;
-    const nqLong found = index_.find(hash, [&](nqLong index) {
-      const Entry& entry = entries_[index];
-      return entry.scope == scope && entry.number == component.number &&
-             entry.stem == component.stem;
-    });
-    if (found >= 0) return found;
-  }
+nqLong IDTable::enter(const Component& component) {
+  nqLong* const place = placeOf(component);
+  if (place == nullptr) return exhaust();
+  if (*place != kNone) return *place;
+  const nqLong index = components_.size();
+  const bool full = *stemOf(component.stem) == kFullAddress;
+  const Entry entry = {
+      kNone,   component.number, component.stem & kMostStems, full, 0, 0, -1,
+      nullptr, nullptr};
+  if (index >= kChains / 2 || components_.append(entry) == nullptr) return exhaust();
+  return *place = 2 * index;
+}
 
-  const nqLong index = entries_.size();
-  const bool full =
-      isEntry(scope) ? entries_[scope].full : *stemOf(component.stem) == kFullAddress;
-  Entry entry = {scope,     component.number, component.stem & kMostStems, full, 0, -1,
-                 {nullptr}, nullptr};
-  if (entry.isSimple()) entry.placed = {kNone, kNone};
-  if (place == nullptr && !index_.reserve(numberInIndex_ + 1)) return exhaust();
-  if (entries_.append(entry) == nullptr) return exhaust();
-  if (scope == kNone && !isBare(component)) ++family.count;
-  if (place != nullptr) {
-    *place = index;
-  } else {
-    index_.insert(hash, index);
-    ++numberInIndex_;
-    if (scope == kNone) family.scattered = true;
+nqLong IDTable::enter(nqLong scope, nqLong simple) {
+  if (scope == kNone || simple == kNone) return simple;
+  Entry& component = entry(simple);
+  // A component that begins with "$" has a node of its own.
+  if (!component.full) {
+    if (component.scope == kNone) {
+      component.scope = scope;
+      component.sharedFull = isFull(scope) ? 1 : 0;
+    }
+    if (component.scope == scope) return simple + 1;
   }
-  return index;
+  return enterChain(scope, {component.stem, component.number});
+}
+
+nqLong IDTable::enterChain(nqLong scope, const Component& component) {
+  const HashSeed& seed = index_.seed();
+  const auto hash = static_cast<std::uint32_t>(
+      mix(seed.first ^ (std::uint64_t{static_cast<std::uint32_t>(scope)} << 32 |
+                        static_cast<std::uint32_t>(component.number)),
+          seed.second ^ component.stem));
+  const nqLong found = index_.find(hash, [&](nqLong index) {
+    const Entry& chain = chains_[index];
+    return chain.scope == scope && chain.number == component.number &&
+           chain.stem == component.stem;
+  });
+  if (found >= 0) return kChains + found;
+  const nqLong index = chains_.size();
+  const Entry chain = {
+      scope,   component.number, component.stem & kMostStems, isFull(scope), 0, 0, -1,
+      nullptr, nullptr};
+  if (index >= kChains - 1 || !index_.reserve(static_cast<std::size_t>(index) + 1) ||
+      chains_.append(chain) == nullptr) {
+    return exhaust();
+  }
+  index_.insert(hash, index);
+  return kChains + index;
+}
+
+// Names in a row often have the same stem.
+std::uint32_t IDTable::stemFor(std::string_view text) {
+  if (lastStem_ != kNoStem && text == stemOf(lastStem_)) return lastStem_;
+  const nqLong index = names_.update(text);
+  const std::uint32_t stem = static_cast<std::uint32_t>(index) + 1;
+  if (index < 0 || stem > kMostStems) return kNoStem;
+  if (stem == stems_.size()) stems_.emplace_back();
+  return lastStem_ = stem;
 }
 
 nqLong IDTable::withName(std::string_view name, nqLong scope) {
   const nqLong number = takeNumber(name);
-  const nqLong index = names_.update(name);
-  const std::uint32_t stem = static_cast<std::uint32_t>(index) + 1;
-  if (index < 0 || stem > kMostStems) return exhaust();
-  if (stem == families_.size()) families_.emplace_back();
-  return enter(scope, {stem, number});
+  const std::uint32_t stem = stemFor(name);
+  return stem == kNoStem ? exhaust() : enter(scope, enter({stem, number}));
 }
 
 nqLong IDTable::withNumber(nqLong number, nqLong scope) {
-  return enter(scope, {kNoStem, number});
+  return enter(scope, enter({kNoStem, number}));
 }
 
 nqLong IDTable::withText(std::string_view text, nqLong scope) {
@@ -134,27 +142,16 @@ nqLong IDTable::withText(std::string_view text, nqLong scope) {
 
 void IDTable::walkChain(nqLong id) const {
   chain_.clear();
-  for (nqLong link = id; link != kNone; link = entries_[link].scope) {
-    chain_.push_back(link);
-  }
+  for (nqLong link = id; link != kNone; link = scopeOf(link)) chain_.push_back(link);
 }
 
 nqLong IDTable::inScope(nqLong id, nqLong scope) {
   if (!isEntry(id)) return kNone;
-  Entry& last = entries_[id];
-  if (last.isSimple()) {
-    if (scope == kNone) return id;
-    if (last.placed.scope != scope) {
-      last.placed = {scope, enter(scope, {last.stem, last.number})};
-      last.typeIndex = -1;
-    }
-    return last.placed.id;
-  }
+  if (isComponent(id)) return enter(scope, id);
   walkChain(id);
   nqLong result = scope;
   for (auto link = chain_.rbegin(); link != chain_.rend(); ++link) {
-    const Entry& entry = entries_[*link];
-    result = enter(result, {entry.stem, entry.number});
+    result = enter(result, simpleOf(*link));
     if (result == kNone) return kNone;
   }
   return result;
@@ -162,13 +159,7 @@ nqLong IDTable::inScope(nqLong id, nqLong scope) {
 
 nqLong IDTable::referenceInScope(nqLong id, nqLong scope, nqLong& typeIndex) {
   const nqLong result = isFull(id) ? id : inScope(id, scope);
-  typeIndex = -1;
-  if (!isEntry(result)) return result;
-  // Noted with a simple id, the type spares the way to the other entry.
-  Entry& written = entries_[id];
-  const bool isNoted = written.isSimple() && written.typeIndex >= 0;
-  typeIndex = isNoted ? written.typeIndex : entries_[result].typeIndex;
-  if (written.isSimple()) written.typeIndex = typeIndex;
+  typeIndex = isTarget(result) ? entry(result).typeIndex : -1;
   return result;
 }
 
@@ -181,16 +172,16 @@ void IDTable::prefetchReferencesBehind(const NQOMLSyntaxObjectIter& current) con
     const NQOMLSyntaxField* const field = cell->pField();
     const NQOMLToken token = field == nullptr ? NQOMLToken() : field->token();
     if (token.tag != NQ_OML_OBJECT_ID || !isEntry(token.integer())) continue;
-    nqdetail::prefetch(&entries_[token.integer()]);
+    nqdetail::prefetch(&entry(token.integer()));
   }
 }
 
 nqInt64 IDTable::trailingNumber(nqLong id) const {
   if (!isEntry(id)) return 0;
-  const Entry& entry = entries_[id];
-  if (entry.stem == kNoStem) return entry.number;
+  const Entry& last = entry(id);
+  if (last.stem == kNoStem) return last.number;
   std::string name;
-  appendComponent(name, entry);
+  appendComponent(name, last);
   std::size_t digits = name.size();
   while (digits > 0 && isOf(name[digits - 1], kDigit)) --digits;
   if (digits == name.size()) return 0;
@@ -215,9 +206,8 @@ const char* IDTable::text(nqLong index) const {
   if (isNew) {
     walkChain(index);
     for (auto link = chain_.rbegin(); link != chain_.rend(); ++link) {
-      const Entry& entry = entries_[*link];
       if (link != chain_.rbegin()) text += kScopeSeparator;
-      appendComponent(text, entry);
+      appendComponent(text, entry(*link));
     }
   }
   return text.c_str();

@@ -1,14 +1,16 @@
 // id_table.h -- the ids of a read, as chains of components.
 //
-// An id such as "a,12,b" is a chain: the component b behind the id "a,12". Each
-// chain has one entry, found by its last component and the entry of what stands
-// before it, so that placing an id into a scope costs one look-up for each of its
-// components and no text is put together. A component that is a 32-bit integer
-// as "%ld" prints it is kept as that integer. Programs number what they write: of
-// names such as "n17" the stem is stored once, and those that are numbered closely
-// are found in a table by their number. An id of one component remembers where it
-// was placed last, for most references are met in the same scope. Full ids begin
-// with "$".
+// An id such as "a,12,b" is a chain: the component b behind the id "a,12". A component
+// by itself is a simple id and has an entry, and so has each chain, found by its last
+// component and the id of what stands before it: placing an id into a scope costs one
+// look-up for each of its components, and no text is put together. Most components
+// stand in one scope only: the chain that is the first to end in a component shares
+// the component's entry, so that an object has one entry however often it is
+// mentioned.
+//
+// A component that is a 32-bit integer as "%ld" prints it is kept as that integer, and
+// of names such as "n17" the stem is stored once; numbers are found in tables of their
+// own (number_table.h). Full ids begin with "$".
 //
 // Texts are made when somebody asks for them and stay valid as long as the table.
 
@@ -24,6 +26,7 @@
 #include "nq/core/memory_internal.h"
 #include "nq/core/string_pool.h"
 #include "nq/oml/syntax_tree.h"
+#include "nq/oml/tree/number_table.h"
 #include "nq/oml/tree/read_tables.h"
 
 class NQTestPeer;
@@ -35,7 +38,7 @@ class IDTable final : public ObjectIDs {
   static constexpr nqLong kNone =
       -1;  // no id, and what stands before the first component
   static constexpr nqLong kDefaults = 0;  // "defaults"
-  static constexpr nqLong kTop = 1;       // "$"
+  static constexpr nqLong kTop = 2;       // "$"
 
   IDTable();
 
@@ -58,34 +61,36 @@ class IDTable final : public ObjectIDs {
   void prefetchReferencesBehind(const NQOMLSyntaxObjectIter& current) const;
 
   // Whether the text begins with "$".
-  bool isFull(nqLong id) const { return isEntry(id) && entries_[id].full; }
+  bool isFull(nqLong id) const {
+    return isEntry(id) && (isShared(id) ? entry(id).sharedFull : entry(id).full) != 0;
+  }
   // Whether it is one component that does not begin so.
-  bool isSimple(nqLong id) const { return isEntry(id) && entries_[id].isSimple(); }
+  bool isSimple(nqLong id) const { return isComponent(id) && !entry(id).full; }
   // The digits that end the text, with a sign that stands before them; 0 without.
   nqInt64 trailingNumber(nqLong id) const;
 
-  // Ids that objects bear in the file by their own words.
+  // The full ids that are written in the file.
   void markWritten(nqLong id) {
-    if (isEntry(id)) entries_[id].written = 1;
+    if (isEntry(id)) entry(id).written = 1;
   }
-  bool isWritten(nqLong id) const { return isEntry(id) && entries_[id].written; }
+  bool isWritten(nqLong id) const { return isEntry(id) && entry(id).written; }
 
+  // Simple ids have neither a node nor an object.
   const char* text(nqLong index) const override;
   NQOMLSyntaxObject* pSyntaxObject(nqLong index) const override {
-    return isEntry(index) && !entries_[index].isSimple() ? entries_[index].syntax
-                                                         : nullptr;
+    return isTarget(index) ? entry(index).syntax : nullptr;
   }
   NQObject* pObject(nqLong index) const override {
-    return isEntry(index) ? entries_[index].object : nullptr;
+    return isTarget(index) ? entry(index).object : nullptr;
   }
-  // Nothing when there is no such entry; an id of one component has no node.
+  // Nothing when there is no such entry.
   void pSyntaxObject(nqLong index, NQOMLSyntaxObject* syntax) {
-    if (!isEntry(index) || entries_[index].isSimple()) return;
-    entries_[index].syntax = syntax;
-    entries_[index].typeIndex = syntax->typeIndex();
+    if (!isTarget(index)) return;
+    entry(index).syntax = syntax;
+    entry(index).typeIndex = syntax->typeIndex();
   }
   void pObject(nqLong index, NQObject* object) {
-    if (isEntry(index)) entries_[index].object = object;
+    if (isTarget(index)) entry(index).object = object;
   }
 
  private:
@@ -97,47 +102,69 @@ class IDTable final : public ObjectIDs {
     nqLong number;       // kNoNumber behind a stem that is the whole name
   };
   static constexpr std::uint32_t kNoStem = 0;
-  static constexpr std::uint32_t kMostStems = (std::uint32_t{1} << 30) - 1;
+  static constexpr std::uint32_t kMostStems = (std::uint32_t{1} << 29) - 1;
   static constexpr nqLong kNoNumber = -1;
 
-  // The ids of one component that share a stem. Numbers that lie close enough are
-  // found in a table, which is smaller than the index and needs no comparison.
-  struct Family {
-    std::vector<nqLong> numbered;  // by number; kNone where there is none yet
-    nqLong bare = kNone;           // the stem by itself
-    std::uint32_t count = 0;       // of those with a number
-    bool scattered = false;        // some of these are in the index
+  // What is known of the simple ids that share a stem.
+  struct Stem {
+    nqLong bare = kNone;     // the stem by itself
+    nqLong numbers = kNone;  // in numbers_, of those that end in a number
   };
 
-  struct Placed {
-    nqLong scope;
-    nqLong id;
-  };
   struct Entry {
+    // What stands before the component: of a chain, or of the one that shares the entry
+    // of a simple id; kNone when none does.
     nqLong scope;
     nqLong number;
-    std::uint32_t stem : 30;
+    std::uint32_t stem : 29;
     std::uint32_t full : 1;
+    std::uint32_t sharedFull : 1;  // whether the chain that shares the entry is full
     std::uint32_t written : 1;
-    nqLong typeIndex;  // of the node; of a simple id, of that of the id in `placed`
-    union {
-      NQOMLSyntaxObject* syntax;  // unless the id is simple:
-      Placed placed;              // the id that it was in a scope the last time
-    };
+    nqLong typeIndex;           // of the node; -1 without one
+    NQOMLSyntaxObject* syntax;  // of the chain, never of a simple id
     NQObject* object;
-
-    bool isSimple() const { return scope == kNone && !full; }
   };
   static_assert(sizeof(Entry) == 32, "two entries to a cache line");
 
-  bool isEntry(nqLong index) const { return index >= 0 && index < entries_.size(); }
-  nqLong enter(nqLong scope, const Component& component);
+  // An id is twice the number of a component's entry for that component, and one more
+  // for the chain that shares it; other chains begin at kChains.
+  static constexpr nqLong kChains = nqLong{1} << 30;
+  static bool isChain(nqLong id) { return id >= kChains; }
+  static bool isShared(nqLong id) { return !isChain(id) && id % 2 != 0; }
+
+  bool isEntry(nqLong id) const {
+    return isChain(id) ? id - kChains < chains_.size()
+                       : id >= 0 && id / 2 < components_.size();
+  }
+  bool isComponent(nqLong id) const {
+    return isEntry(id) && !isChain(id) && !isShared(id);
+  }
+  // Whether a node and an object may be known for it.
+  bool isTarget(nqLong id) const { return isEntry(id) && !isSimple(id); }
+  Entry& entry(nqLong id) const {
+    return isChain(id) ? chains_[id - kChains] : components_[id / 2];
+  }
+  nqLong scopeOf(nqLong id) const {
+    return isChain(id) || isShared(id) ? entry(id).scope : kNone;
+  }
+
+  // The last component of an id.
+  nqLong simpleOf(nqLong id) {
+    return isChain(id) ? enter({entry(id).stem, entry(id).number}) : id - id % 2;
+  }
+
+  // The simple id of a component, and the chain that ends in it; entered when new.
+  nqLong enter(const Component& component);
+  nqLong enter(nqLong scope, nqLong simple);
+  nqLong enterChain(nqLong scope, const Component& component);
   nqLong exhaust() {
     exhausted_ = true;
     return kNone;
   }
-  // Where the id of that component alone is noted; null when it is in the index.
+  // Where the simple id of a component is noted; null when memory is exhausted.
   nqLong* placeOf(const Component& component);
+  // The stem of a text, kNoStem when memory is exhausted.
+  std::uint32_t stemFor(std::string_view text);
   static bool isBare(const Component& component) {
     return component.stem != kNoStem && component.number == kNoNumber;
   }
@@ -146,15 +173,17 @@ class IDTable final : public ObjectIDs {
   }
   // Adds the text of an entry's component.
   void appendComponent(std::string& text, const Entry& entry) const;
-  // Puts the entries of an id's components into chain_, the last one first.
+  // Puts the ids of which `id` is put together into chain_, the longest first.
   void walkChain(nqLong id) const;
 
-  BlockArray<Entry> entries_;
-  HashIndex index_;  // of ids of more than one component, and of scattered ones
-  std::size_t numberInIndex_ = 0;
+  BlockArray<Entry> components_;
+  BlockArray<Entry> chains_;
+  HashIndex index_;  // of chains_
   bool exhausted_ = false;
   NQStringPool names_;                                     // stems
-  std::vector<Family> families_;                           // by stem
+  std::vector<Stem> stems_;                                // by stem
+  std::vector<NumberTable> numbers_;                       // of the stems that have any
+  std::uint32_t lastStem_ = kNoStem;                       // the last one looked up
   mutable std::unordered_map<nqLong, std::string> texts_;  // those asked for
   mutable std::vector<nqLong> chain_;                      // the last one walked
 };
