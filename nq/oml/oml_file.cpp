@@ -61,7 +61,7 @@ void FileState::stop() {
 }
 
 nqLong FileState::fileNameIndex(const char* name) {
-  return names->strings.update(name);
+  return names->strings.addOnce(name);
 }
 
 bool FileState::mayInclude(const char* name) {

@@ -121,8 +121,8 @@ TEST(NameTables, PrepareForNoMoreThanIsSensible) {
   const NQOMLStatic grammar(static_cast<const char* const*>(nullptr), nullptr, nullptr,
                             nullptr, kWild, kWild, kWild, kWild, kWild, kWild);
   const nqdetail::NameTables names(grammar);
-  for (const NQStringPool* const pool : {&names.strings, &names.declaredSections,
-                                         &names.declaredFields, &names.ignoredFields}) {
+  for (const NQStringPool* const pool :
+       {&names.declaredSections, &names.declaredFields, &names.ignoredFields}) {
     EXPECT_LE(NQTestPeer::places(*pool), 100'000);
   }
 }

@@ -133,7 +133,7 @@ TEST_F(SyntaxTree, NamesComeFromTheGrammarThenFromTheFile) {
   const nqLong sections = grammar_.pSectionPool()->decodeTableMax();
   file_.declaredFields.update("Extra");
   file_.declaredSections.update("Far");
-  file_.strings.update("a.oml");
+  file_.strings.add("a.oml");
   file_.ids.add("$,a", object_.get(), file_.pFile());
   const struct {
     nqLong field;
@@ -181,7 +181,7 @@ TEST_F(SyntaxTree, NamesComeFromTheGrammarThenFromTheFile) {
 }
 
 TEST_F(SyntaxTree, ValuesAreReadFromTheToken) {
-  const nqLong text = file_.strings.update("text");
+  const nqLong text = file_.strings.add("text");
   file_.ids.add("defaults", nullptr, nullptr);
   file_.ids.add("$,g", object_.get(), file_.pFile());
   const auto value = [this](NQOMLTokenTagEnum tag, std::uint64_t word) {

@@ -9,6 +9,7 @@
 #include "nq/core/string_pool.h"
 #include "nq/oml/grammar.h"
 #include "nq/oml/oml_file.h"
+#include "nq/oml/tree/string_table.h"
 #include "tests/support/test_peer.h"
 
 class HandMadeIDs : public nqdetail::ObjectIDs {
@@ -50,7 +51,7 @@ class ReadingFile {
   }
   NQOMLFile* pFile() { return &file_; }
 
-  NQStringPool strings{9, 9, 1, 0};
+  nqdetail::StringTable strings;
   NQStringPool declaredSections{9, 9, 0, 0};
   NQStringPool declaredFields{9, 9, 0, 0};
   HandMadeIDs ids;

@@ -37,7 +37,7 @@ class LexerHarness : nqdetail::MessageSink, nqdetail::SourceOwner {
              int fatal) override;
   void warning(const char*, nqLong, int, int, const char*) override {}
   void stop() override {}
-  nqLong fileNameIndex(const char* name) override { return names.strings.update(name); }
+  nqLong fileNameIndex(const char* name) override { return names.strings.addOnce(name); }
   bool mayInclude(const char*) override { return true; }
   void bytesExpected(std::int64_t) override {}
   bool bytesArrived(std::size_t) override { return true; }

@@ -12,7 +12,6 @@ namespace nqdetail {
 NameTables::NameTables(const NQOMLStatic& readGrammar)
     : grammar(readGrammar),
       meanings(grammar),
-      strings(grammar.stringHashSize(), poolStart(grammar.stringPoolSize()), 1, 0),
       declaredSections(grammar.sectionIDHashSize(),
                        poolStart(grammar.sectionIDPoolSize()), 0, 0),
       declaredFields(grammar.fieldIDHashSize(), poolStart(grammar.fieldIDHashSize()), 0,
@@ -130,7 +129,7 @@ bool Lexer::closeBracket(char bracket, const Place& place) {
 void Lexer::makeString(NQOMLToken& token, std::string_view text) {
   // A string ends at its first zero byte; what holds one is no string.
   if (text.find('\0') != std::string_view::npos) return;
-  const nqLong index = names_.strings.update(text);
+  const nqLong index = names_.strings.add(text);
   if (index < 0) {
     diagnostics_.fatalError(placeOf(token), kMemoryExhausted);
     return;

@@ -25,6 +25,7 @@
 #include "nq/oml/reading/sources.h"
 #include "nq/oml/token.h"
 #include "nq/oml/tree/id_table.h"
+#include "nq/oml/tree/string_table.h"
 
 namespace nqdetail {
 
@@ -41,7 +42,7 @@ struct NameTables {
 
   const NQOMLStatic& grammar;
   NameIndex meanings;
-  NQStringPool strings;
+  StringTable strings;
   NQStringPool declaredSections;
   NQStringPool declaredFields;  // met in unchecked mode
   NQStringPool ignoredFields;   // declared as fields whose values do not matter

@@ -2,12 +2,14 @@
 
 #include "nq/core/string_pool.h"
 #include "nq/oml/grammar.h"
+#include "nq/oml/tree/string_table.h"
 
 namespace nqdetail {
 
 namespace {
 
-const char* decode(const NQStringPool* pool, nqLong index) {
+template <class Table>
+const char* decode(const Table* pool, nqLong index) {
   return pool == nullptr ? "" : pool->decode(index);
 }
 

@@ -17,6 +17,8 @@ class NQStringPool;
 
 namespace nqdetail {
 
+class StringTable;
+
 // The ids of a read, with what stands for each. An index out of range gives ""
 // and null.
 class ObjectIDs {
@@ -33,7 +35,7 @@ class ObjectIDs {
 
 struct ReadTables {
   const NQOMLStatic* pGrammar = nullptr;
-  const NQStringPool* pStrings = nullptr;  // string values, and names of source files
+  const StringTable* pStrings = nullptr;  // string values, and names of source files
   const NQStringPool* pDeclaredSections = nullptr;
   const NQStringPool* pDeclaredFields = nullptr;  // met unchecked; their fields are kept
   const NQStringPool* pIgnoredFields = nullptr;   // declared so; their values are not
