@@ -1,5 +1,7 @@
 #include "nq/oml/factory.h"
 
+#include <new>
+
 #include "nq/core/copy_protocol.h"
 
 NQUFactory::~NQUFactory() = default;
@@ -9,7 +11,10 @@ NQUFactory* NQUFactory::castDown(const NQObject* object) {
 }
 
 const char* NQUFactory::pCreatorString(const char* text) {
-  if (text != nullptr)
+  if (text == nullptr) return pCreatorString();
+  try {
     creatorString_ = std::string(text);  // it may be a part of the old one
+  } catch (const std::bad_alloc&) {
+  }
   return pCreatorString();
 }

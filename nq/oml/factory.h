@@ -29,8 +29,8 @@ class NQ_EXPORT NQUFactory : public NQOMLObject {
   static NQUFactory* castDown(const NQObject* object);
 
   // The text that names the creator, "Quorvane" at first. The second form stores a
-  // copy of `text` and returns it; null changes nothing. The answer is the
-  // factory's, until the next change.
+  // copy of `text` and returns it; null changes nothing, nor does a text for which there
+  // is no memory. The answer is the factory's, until the next change.
   const char* pCreatorString() const { return creatorString_.c_str(); }
   const char* pCreatorString(const char* text);
 

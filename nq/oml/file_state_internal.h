@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <new>
 #include <optional>
 
 #include "nq/containers/index_hash_table.h"
@@ -49,10 +50,33 @@ struct FileState final : MessageSink, SourceOwner, ReadHooks, OutputSink {
   void postReadFields(NQOMLSyntaxObject* syntax, NQObject* object) override;
 
   bool send(const char* data, std::size_t count) override;
-  // The writer of the write under way; null also while its output goes to the file.
+  // Has the file written in an encoding from here on.
+  void startWriter(bool binary, const NQObject* topObject);
+  // The writer; null also while its output goes to the file.
   Writer* openWriter() const {
     return writer != nullptr && !writer->output().sending() ? writer.get() : nullptr;
   }
+  // The same for a writing operation, which may be the first one since an application
+  // opened the file for itself. Null, with error() set, when there is nothing to write
+  // to: output is lost then, which spoils a write under way.
+  Writer* writerForOperation();
+  // Lets an operation use that writer. Lack of memory spoils the write.
+  template <class Operation>
+  void write(const Operation& operation) {
+    Writer* open = openWriter();
+    if (open == nullptr) open = writerForOperation();
+    if (open == nullptr) return;
+    try {
+      operation(*open);
+    } catch (const std::bad_alloc&) {
+      failWrite();
+    }
+  }
+  // Sets error(), and spoils the write if there is one.
+  void failWrite();
+  // The result of a close, which also tells whether an application's own write went
+  // well, and ends it.
+  NQFileCodeEnum endOwnWrite(NQFileCodeEnum closed);
 
   NQOMLFile& file;
   Diagnostics diagnostics{*this};
@@ -80,7 +104,9 @@ struct FileState final : MessageSink, SourceOwner, ReadHooks, OutputSink {
   ReadTables tables;  // the same tables, as the nodes see them
 
   bool lossless = false;           // as writes are to be
-  bool binaryOutput = false;       // of the write under way
+  bool binaryOutput = false;       // of the writer
+  bool inWriteHook = false;        // writeOMLFile() will look at the writer itself
+  bool refusedOutput = false;      // of a writing operation for the open file
   std::unique_ptr<Writer> writer;  // during a write
 };
 

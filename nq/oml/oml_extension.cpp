@@ -22,12 +22,16 @@ nqLong NQOMLExtension::sizeOf() const {
 }
 
 NQOMLFile* NQOMLExtension::pOwnedOMLFile() {
-  if (ownedFile_ == nullptr) ownedFile_.reset(vNewOwnedOMLFile());
+  if (ownedFile_ != nullptr) return ownedFile_.get();
+  try {
+    ownedFile_.reset(vNewOwnedOMLFile());
+  } catch (const std::bad_alloc&) {
+  }
   return ownedFile_.get();
 }
 
 NQOMLFile* NQOMLExtension::vNewOwnedOMLFile() {
-  auto* const file = new (std::nothrow) NQOMLFile;
-  if (file != nullptr) file->pOMLExtension(this);
+  auto* const file = new NQOMLFile;
+  file->pOMLExtension(this);
   return file;
 }

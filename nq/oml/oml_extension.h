@@ -26,7 +26,7 @@ class NQ_EXPORT NQOMLExtension : public NQObject {
   virtual nqLong sizeOf() const;
 
   // The extension's own file, made on the first call; null if vNewOwnedOMLFile()
-  // makes none.
+  // makes none, or without memory.
   NQOMLFile* pOwnedOMLFile();
 
  protected:
@@ -59,6 +59,9 @@ class NQ_EXPORT NQOMLExtension : public NQObject {
   void writeObjectStart(const char* type, const NQObject* object, int singleLine) {
     if (pFile_ != nullptr) pFile_->writeObjectStart(type, object, singleLine);
   }
+  void writeNamedObjectStart(const char* type, const char* id, int singleLine) {
+    if (pFile_ != nullptr) pFile_->writeNamedObjectStart(type, id, singleLine);
+  }
   void writeObjectDefaultStart(const char* type) {
     if (pFile_ != nullptr) pFile_->writeObjectDefaultStart(type);
   }
@@ -75,20 +78,20 @@ class NQ_EXPORT NQOMLExtension : public NQObject {
     if (pFile_ != nullptr) pFile_->writeBlancLine();
   }
 
-  void writeAttribute(const char* name, const char* word) { forward(name, word); }
-  void writeAttribute(const char* name, int value) { forward(name, value); }
-  void writeAttribute(const char* name, long value) { forward(name, value); }
-  void writeAttribute(const char* name, float value) { forward(name, value); }
-  void writeAttribute(const char* name, double value) { forward(name, value); }
+  // A word, a number or a binary value.
+  template <class Value>
+  void writeAttribute(const char* name, const Value& value) {
+    if (pFile_ != nullptr) pFile_->writeAttribute(name, value);
+  }
   void writeAttribute(const char* name, const NQOMLObject* object,
                       const NQOMLObject* context, int withName) {
     if (pFile_ != nullptr) pFile_->writeAttribute(name, object, context, withName);
   }
-  void writeAttribute(const char* name, const NQOMLBinValue* value) {
-    forward(name, value);
-  }
   void writeStringAttribute(const char* name, const char* text) {
     if (pFile_ != nullptr) pFile_->writeStringAttribute(name, text);
+  }
+  void writeAddressAttribute(const char* name, const char* address) {
+    if (pFile_ != nullptr) pFile_->writeAddressAttribute(name, address);
   }
   void writeBoolAttribute(const char* name, int value) {
     if (pFile_ != nullptr) pFile_->writeBoolAttribute(name, value);
@@ -103,10 +106,6 @@ class NQ_EXPORT NQOMLExtension : public NQObject {
 
  private:
   void copyFields(const NQOMLExtension& source);
-  template <class Value>
-  void forward(const char* name, Value value) {
-    if (pFile_ != nullptr) pFile_->writeAttribute(name, value);
-  }
 
   NQOMLFile* pFile_ = nullptr;
   std::unique_ptr<NQOMLFile> ownedFile_;  // null until it is asked for

@@ -36,7 +36,6 @@ class BusyMark {
 
 void FileState::release() {
   mayExecute = false;
-  writer.reset();
   tables = ReadTables();
   sources.reset();
   names.reset();
@@ -106,6 +105,45 @@ bool FileState::send(const char* data, std::size_t count) {
                        : file.writeString(data)) == NQ_FILE_OK;
 }
 
+void FileState::startWriter(bool binary, const NQObject* topObject) {
+  binaryOutput = binary;
+  writer = Writer::make(binary, {*this, tables.pGrammar, topObject, numbers, lossless});
+}
+
+Writer* FileState::writerForOperation() {
+  const bool mayStart =
+      writer == nullptr && !busy && (file.isOpen() || file.isAttached());
+  const bool binary = file.mode() == NQ_WRITE_BINARY;
+  const bool text = file.mode() == NQ_WRITE || file.mode() == NQ_WRITE_ASCII ||
+                    file.mode() == NQ_APPEND;
+  if (mayStart && (text || (binary && tables.pGrammar != nullptr))) {
+    try {
+      startWriter(binary, top.given);
+    } catch (const std::bad_alloc&) {
+    }
+  }
+  Writer* const open = openWriter();
+  if (open == nullptr) {
+    failWrite();
+    refusedOutput = file.isOpen() || file.isAttached();
+  }
+  return open;
+}
+
+void FileState::failWrite() {
+  if (writer != nullptr) writer->spoil();
+  file.error(1);
+}
+
+NQFileCodeEnum FileState::endOwnWrite(NQFileCodeEnum closed) {
+  if (inWriteHook) return closed;
+  const bool failed = writer != nullptr && writer->failed();
+  writer.reset();
+  if (!std::exchange(refusedOutput, false) && !failed) return closed;
+  file.error(1);
+  return NQ_FILE_CLOSE_ERROR;
+}
+
 const ReadTables* readTables(const NQOMLFile* file) {
   return file == nullptr ? nullptr : &file->state_->tables;
 }
@@ -131,7 +169,10 @@ NQOMLFile::NQOMLFile() {
   init();
 }
 
-NQOMLFile::~NQOMLFile() = default;
+// The output that is still gathered goes to the file while there is somebody to send it.
+NQOMLFile::~NQOMLFile() {
+  (void)empty();
+}
 
 void NQOMLFile::init() {
   state_ = std::make_unique<nqdetail::FileState>(*this);
@@ -157,21 +198,29 @@ nqLong NQOMLFile::sizeOf() const {
 NQFileCodeEnum NQOMLFile::writeString(const char* text) {
   nqdetail::Writer* const writer = state_->openWriter();
   if (writer == nullptr || state_->binaryOutput) {
-    return NQTextFile::writeString(text);
+    const NQFileCodeEnum result = NQTextFile::writeString(text);
+    if (result != NQ_FILE_OK) state_->failWrite();
+    return result;
   }
-  if (text != nullptr) writer->output().append(text);
-  error(text == nullptr || writer->output().failed());
-  return error() ? NQ_FILE_WRITE_ERROR : NQ_FILE_OK;
+  return append(text != nullptr, text == nullptr ? "" : text);
 }
 
 NQFileCodeEnum NQOMLFile::writeBinary(const char* data, int count) {
   nqdetail::Writer* const writer = state_->openWriter();
   if (writer == nullptr || !state_->binaryOutput) {
-    return NQTextFile::writeBinary(data, count);
+    const NQFileCodeEnum result = NQTextFile::writeBinary(data, count);
+    if (result != NQ_FILE_OK) state_->failWrite();
+    return result;
   }
   const bool allowed = data != nullptr && count >= 0;
-  if (allowed) writer->output().append({data, static_cast<std::size_t>(count)});
-  error(!allowed || writer->output().failed());
+  return append(allowed, {data, allowed ? static_cast<std::size_t>(count) : 0});
+}
+
+NQFileCodeEnum NQOMLFile::append(bool allowed, std::string_view bytes) {
+  nqdetail::Writer& writer = *state_->writer;
+  writer.output().append(bytes);
+  error(0);
+  if (!allowed || writer.output().failed()) state_->failWrite();
   return error() ? NQ_FILE_WRITE_ERROR : NQ_FILE_OK;
 }
 
@@ -180,6 +229,14 @@ NQFileCodeEnum NQOMLFile::flush() {
   if (writer != nullptr) writer->output().flush();
   const NQFileCodeEnum result = NQTextFile::flush();
   return writer != nullptr && writer->output().failed() ? NQ_FILE_WRITE_ERROR : result;
+}
+
+NQFileCodeEnum NQOMLFile::close() {
+  return state_->endOwnWrite(NQTextFile::close());
+}
+
+NQFileCodeEnum NQOMLFile::detach(int mark) {
+  return state_->endOwnWrite(NQTextFile::detach(mark));
 }
 
 NQFileCodeEnum NQOMLFile::readOMLFile(const char* fileName, NQOMLStatic* grammar,
@@ -208,19 +265,7 @@ NQFileCodeEnum NQOMLFile::writeOMLFile(const char* fileName, NQOMLStatic* gramma
   if (grammar == nullptr || fileName == nullptr) return NQ_FILE_WRITE_ARGUMENT_ERROR;
   nqdetail::FileState& state = *state_;
   if (state.busy) return NQ_FILE_WRITE_ERROR;
-  initParser(grammar, top, state.top.givenType, useIndexHashTable);
-  const nqdetail::BusyMark mark(state);
-  state.running = true;
-  const NQFileModeEnum newMode = binary != 0 ? NQ_WRITE_BINARY : NQ_WRITE;
-  if (open(fileName, newMode) != NQ_FILE_OK) {
-    state.top = {};
-    return NQ_FILE_OPEN_ERROR;
-  }
-  state.top.object = top;
-  state.top.type = state.top.givenType;
-  state.binaryOutput = binary != 0;
-
-  // The application may throw in its hook, and in overrides of what it calls.
+  // The application may throw in its hook, and in overrides of what is called here.
   const auto attempt = [](const auto& step) {
     try {
       return step();
@@ -228,24 +273,49 @@ NQFileCodeEnum NQOMLFile::writeOMLFile(const char* fileName, NQOMLStatic* gramma
       return NQ_FILE_WRITE_ERROR;
     }
   };
-  const NQFileCodeEnum written = attempt([&] {
-    state.writer = nqdetail::Writer::make(
-        state.binaryOutput,
-        {state, state.tables, top, state.numbers.get(), state.lossless});
-    vWriteObject(top);
-    error(0);
-    flush();
-    const bool failed =
-        state.writer->failed() || error() != 0 || state.diagnostics.ended();
-    return failed ? NQ_FILE_WRITE_ERROR : NQ_FILE_OK;
+  state.release();
+  NQFileCodeEnum result = attempt([&] {
+    initParser(grammar, top, state.top.givenType, useIndexHashTable);
+    return NQ_FILE_OK;
   });
-  state.writer.reset();
-  const NQFileCodeEnum closed = attempt([this] { return close(); });
+  // An override may have left the tables as they were.
+  if (state.tables.pGrammar == nullptr) state.tables.pGrammar = state.grammar = grammar;
+  const nqdetail::BusyMark mark(state);
+  state.running = true;
+  bool opened = false;
+  if (result == NQ_FILE_OK) {
+    result = attempt([&] {
+      opened = open(fileName, binary != 0 ? NQ_WRITE_BINARY : NQ_WRITE) == NQ_FILE_OK;
+      return opened ? NQ_FILE_OK : NQ_FILE_OPEN_ERROR;
+    });
+  }
+  if (opened) {
+    state.inWriteHook = true;
+    result = attempt([&] { return writeTop(top, binary != 0); });
+    state.inWriteHook = false;
+    state.writer.reset();
+  }
+  if (opened || isOpen()) {
+    const NQFileCodeEnum closed = attempt([this] { return close(); });
+    if (result == NQ_FILE_OK) result = closed;
+  }
   state.top = {};
-  const NQFileCodeEnum result = written != NQ_FILE_OK ? written : closed;
   storedOnDisk(result == NQ_FILE_OK);
   error(result != NQ_FILE_OK);
   return result;
+}
+
+NQFileCodeEnum NQOMLFile::writeTop(NQObject* top, bool binary) {
+  nqdetail::FileState& state = *state_;
+  state.top = {top, state.top.givenType, top, state.top.givenType};
+  state.startWriter(binary, top);
+  vWriteObject(top);
+  const bool failedInHook = error() != 0;
+  state.writer->output().flush();  // also where an override of flush() does not
+  const bool flushed = flush() == NQ_FILE_OK;
+  const bool whole =
+      !failedInHook && flushed && !state.writer->failed() && !state.diagnostics.ended();
+  return whole ? NQ_FILE_OK : NQ_FILE_WRITE_ERROR;
 }
 
 void NQOMLFile::initParser(NQOMLStatic* grammar, NQObject* top, nqLong topTypeIndex,
@@ -423,56 +493,71 @@ int NQOMLFile::losslessWriting(int lossless) {
 
 void NQOMLFile::writeObjectStart(const char* type, const NQOMLObject* object,
                                  int singleLine, int withID) {
-  writeObject(type, object, singleLine, withID != 0);
+  state_->write([&](nqdetail::Writer& writer) {
+    writer.object(type, object, singleLine != 0, withID != 0);
+  });
 }
 
 void NQOMLFile::writeObjectStart(const char* type, const NQObject* object,
                                  int singleLine) {
-  writeObject(type, object, singleLine, false);
-}
-
-void NQOMLFile::writeObject(const char* type, const NQObject* object, int singleLine,
-                            bool withID) {
-  if (auto* const writer = state_->openWriter())
-    writer->object(type, object, singleLine != 0, withID);
+  state_->write([&](nqdetail::Writer& writer) {
+    writer.object(type, object, singleLine != 0, false);
+  });
 }
 
 void NQOMLFile::writeNamedObjectStart(const char* type, const char* id, int singleLine) {
-  if (auto* const writer = state_->openWriter())
-    writer->objectStart(type, id == nullptr ? "" : id, singleLine != 0);
+  state_->write([&](nqdetail::Writer& writer) {
+    writer.objectStart(type, id == nullptr ? "" : id, singleLine != 0);
+  });
 }
 
 void NQOMLFile::writeObjectDefaultStart(const char* type) {
-  if (auto* const writer = state_->openWriter()) writer->defaultsStart(type);
+  state_->write([&](nqdetail::Writer& writer) { writer.defaultsStart(type); });
 }
 
 void NQOMLFile::writeSectionStart(const char* section, int singleLine) {
-  if (auto* const writer = state_->openWriter())
-    writer->sectionStart(section, singleLine != 0);
+  state_->write(
+      [&](nqdetail::Writer& writer) { writer.sectionStart(section, singleLine != 0); });
 }
 
 void NQOMLFile::writeOpeningBracket() {
-  if (auto* const writer = state_->openWriter()) writer->openingBracket();
+  state_->write([](nqdetail::Writer& writer) { writer.openingBracket(); });
 }
 
 void NQOMLFile::writeClosingBracket() {
-  if (auto* const writer = state_->openWriter()) writer->closingBracket();
+  state_->write([](nqdetail::Writer& writer) { writer.closingBracket(); });
 }
 
 void NQOMLFile::writeBlancLine() {
-  if (auto* const writer = state_->openWriter()) writer->blankLine();
+  state_->write([](nqdetail::Writer& writer) { writer.blankLine(); });
 }
 
 void NQOMLFile::writeAttribute(const char* name, const char* word) {
-  if (auto* const writer = state_->openWriter()) writer->word(name, word);
+  state_->write([&](nqdetail::Writer& writer) { writer.word(name, word); });
 }
 
 void NQOMLFile::writeAttribute(const char* name, int value) {
-  if (auto* const writer = state_->openWriter()) writer->integer(name, value);
+  state_->write([&](nqdetail::Writer& writer) { writer.integer(name, value); });
+}
+
+void NQOMLFile::writeAttribute(const char* name, unsigned int value) {
+  state_->write([&](nqdetail::Writer& writer) { writer.anyInteger(name, value); });
 }
 
 void NQOMLFile::writeAttribute(const char* name, long value) {
-  writeAttribute(name, static_cast<int>(value));
+  state_->write([&](nqdetail::Writer& writer) { writer.anyInteger(name, value); });
+}
+
+void NQOMLFile::writeAttribute(const char* name, unsigned long value) {
+  state_->write([&](nqdetail::Writer& writer) { writer.anyInteger(name, value); });
+}
+
+void NQOMLFile::writeAttribute(const char* name, long long value) {
+  state_->write([&](nqdetail::Writer& writer) { writer.anyInteger(name, value); });
+}
+
+void NQOMLFile::writeAttribute(const char* name, unsigned long long value) {
+  state_->write([&](nqdetail::Writer& writer) { writer.anyInteger(name, value); });
 }
 
 void NQOMLFile::writeAttribute(const char* name, float value) {
@@ -480,30 +565,32 @@ void NQOMLFile::writeAttribute(const char* name, float value) {
 }
 
 void NQOMLFile::writeAttribute(const char* name, double value) {
-  if (auto* const writer = state_->openWriter()) writer->real(name, value);
+  state_->write([&](nqdetail::Writer& writer) { writer.real(name, value); });
 }
 
 void NQOMLFile::writeAttribute(const char* name, const NQOMLObject* object,
                                const NQOMLObject* context, int withName) {
-  if (auto* const writer = state_->openWriter()) {
-    writer->reference(name, object, context, withName != 0);
-  }
+  state_->write([&](nqdetail::Writer& writer) {
+    writer.reference(name, object, context, withName != 0);
+  });
 }
 
 void NQOMLFile::writeAttribute(const char* name, const NQOMLBinValue* value) {
-  auto* const writer = state_->openWriter();
-  if (writer != nullptr && value != nullptr) writer->binaryValue(name, *value);
+  state_->write([&](nqdetail::Writer& writer) {
+    if (value != nullptr) writer.binaryValue(name, *value);
+  });
 }
 
 void NQOMLFile::writeStringAttribute(const char* name, const char* text) {
-  auto* const writer = state_->openWriter();
-  if (writer != nullptr && text != nullptr) writer->string(name, text);
+  state_->write([&](nqdetail::Writer& writer) {
+    if (text != nullptr) writer.string(name, text);
+  });
 }
 
 void NQOMLFile::writeAddressAttribute(const char* name, const char* address) {
-  auto* const writer = state_->openWriter();
-  if (writer == nullptr || name == nullptr || address == nullptr) return;
-  writer->address(name, address);
+  state_->write([&](nqdetail::Writer& writer) {
+    if (name != nullptr && address != nullptr) writer.address(name, address);
+  });
 }
 
 void NQOMLFile::writeBoolAttribute(const char* name, int value) {
@@ -511,14 +598,15 @@ void NQOMLFile::writeBoolAttribute(const char* name, int value) {
 }
 
 void NQOMLFile::writeIPBytesAttribute(const char* name, nqULong address) {
-  if (auto* const writer = state_->openWriter()) writer->ipAddress(name, address);
+  state_->write([&](nqdetail::Writer& writer) { writer.ipAddress(name, address); });
 }
 
 int NQOMLFile::writeHook(const char* type, const NQObject* object) {
-  if (state_->openWriter() == nullptr) return 0;
-  const NQOMLStatic& grammar = *state_->grammar;
+  if (state_->writerForOperation() == nullptr) return 0;
+  const NQOMLStatic* const grammar = state_->tables.pGrammar;
+  if (grammar == nullptr) return 0;
   const NQOMLDefObjType* const definition =
-      grammar.pObjTypeDefinition(grammar.pObjTypePool()->lookup(type));
+      grammar->pObjTypeDefinition(grammar->pObjTypePool()->lookup(type));
   if (definition == nullptr || definition->writeFunction() == nullptr) return 0;
   return definition->writeFunction()(this, object);
 }

@@ -17,7 +17,9 @@
 // its objects by the write... operations, in the order in which the file is to have
 // them: an object's or section's start, an opening bracket, what it contains, a
 // closing bracket. The same calls give the text or the binary encoding. They report
-// nothing; whether everything was written is the result of writeOMLFile().
+// nothing; whether everything was written is the result of writeOMLFile(). A derived
+// class may also open a file for writing itself, after initParser(), call the same
+// operations, and close it: then the result is that of close().
 //
 // An NQOMLFile can read and write many files, one after the other. Hooks may not
 // start another read or write with the file that calls them. Syntax nodes stay valid
@@ -36,6 +38,7 @@
 #define NQ_OML_OML_FILE_H
 
 #include <memory>
+#include <string_view>
 
 #include "nq/file/text_file.h"
 #include "nq/oml/grammar.h"
@@ -69,6 +72,8 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   NQFileCodeEnum writeString(const char* text) override;
   NQFileCodeEnum writeBinary(const char* data, int count) override;
   NQFileCodeEnum flush() override;
+  [[nodiscard]] NQFileCodeEnum close() override;
+  NQFileCodeEnum detach(int mark) override;
 
   // The virtual operations stand in the order of their slots, which derived
   // classes in other modules rely on: new ones go to the end.
@@ -98,10 +103,10 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   //   unused             accepted and ignored
   // The result is NQ_FILE_OK, and storedOnDisk() 1, when the whole file was written;
   // NQ_FILE_OPEN_ERROR when it cannot be created; NQ_FILE_WRITE_ERROR when a write
-  // failed, a real was not finite, a fatal error was reported or an exception left the
-  // hook, and for a call out of a hook of this file, which changes nothing;
-  // NQ_FILE_CLOSE_ERROR when only the close failed; NQ_FILE_WRITE_ARGUMENT_ERROR for a
-  // null name or grammar.
+  // failed, whatever succeeded after it, a number could not be written, memory was
+  // lacking, a fatal error was reported or an exception left the hook or an override, and
+  // for a call out of a hook of this file, which changes nothing; NQ_FILE_CLOSE_ERROR
+  // when only the close failed; NQ_FILE_WRITE_ARGUMENT_ERROR for a null name or grammar.
   [[nodiscard]] virtual NQFileCodeEnum writeOMLFile(const char* fileName,
                                                     NQOMLStatic* grammar, NQObject* top,
                                                     int binary, int useIndexHashTable,
@@ -166,8 +171,10 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   int losslessWriting() const;
   int losslessWriting(int lossless);
 
-  // The writing operations, for use in vWriteObject(); at other times, and for a null
-  // name or text, they do nothing. The binary encoding has the indices of the grammar's
+  // The writing operations, for use in vWriteObject(), or while the file is open in the
+  // mode NQ_WRITE, NQ_WRITE_ASCII or NQ_APPEND (text encoding) or, with a grammar from
+  // initParser(), NQ_WRITE_BINARY. At other times they only set error(), and for a null
+  // name or text they do nothing. The binary encoding has the indices of the grammar's
   // names, -1 for unknown ones, and ignores blank lines and `singleLine`.
 
   // The start of an object of a type: with the id of `object` if `withID` is not 0,
@@ -187,11 +194,17 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   void writeClosingBracket();
   void writeBlancLine();
 
-  // A field's value: an enumerator or another word without quotes, an integer (of a
-  // long the low 32 bits), a real with six digits behind the point.
+  // A field's value: an enumerator or another word without quotes, an integer, a real
+  // with six digits behind the point. An integer beyond the range of nqLong is a failed
+  // write, and its low 32 bits are written in its place. A bool is an integer here:
+  // writeBoolAttribute() writes truth values.
   void writeAttribute(const char* name, const char* word);
   void writeAttribute(const char* name, int value);
+  void writeAttribute(const char* name, unsigned int value);
   void writeAttribute(const char* name, long value);
+  void writeAttribute(const char* name, unsigned long value);
+  void writeAttribute(const char* name, long long value);
+  void writeAttribute(const char* name, unsigned long long value);
   void writeAttribute(const char* name, float value);
   void writeAttribute(const char* name, double value);
   // A reference, without its name if `withName` is 0: the id of `object` if it has the
@@ -242,7 +255,7 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   NQOMLSyntaxObject* pSyntaxObject(nqLong objectIDIndex) const;
   nqLong sectionIDIndex(const char* name) const;
   // Puts `replacement` in place of the object made for a node, and destroys `old`,
-  // which may be null.
+  // which may be null, unless it is `replacement` itself.
   void updateObject(NQOMLSyntaxObject* syntax, NQObject* old, NQObject* replacement);
 
   // Where reading stands: the source file, line and column of what comes next.
@@ -341,7 +354,8 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
                                              nqLong line, int position);
 
   void copyFields(const NQOMLFile& source);
-  void writeObject(const char* type, const NQObject* object, int singleLine, bool withID);
+  NQFileCodeEnum append(bool allowed, std::string_view bytes);
+  NQFileCodeEnum writeTop(NQObject* top, bool binary);
   // The grammar's definition of a node's type, or null.
   const NQOMLDefObjType* definitionOf(const NQOMLSyntaxObject* syntax) const;
   void parse(const char* fileName, bool binary);

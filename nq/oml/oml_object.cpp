@@ -102,7 +102,7 @@ void NQOMLObject::postFileWrite(NQOMLFile* file, NQFileCodeEnum result) {
   Walk own;
   Walk& walk = visit_ == nullptr ? own : visit_->walk;
   if (!walk.enter(*this)) return;
-  finalizeIDForGraphFile(file, result);
+  finalizeIDAfterWrite(file, result);
   NQDList parts;
   collectOwnedOMLObjects(parts);
   for (NQDListIter iter(&parts, NQ_BACKWARD); iter; --iter) {
@@ -133,7 +133,7 @@ void NQOMLObject::prepareIDForGraphFile(NQIndexHashTable* table) {
   if (known != table->errorValue()) iUserField_ = known;
 }
 
-void NQOMLObject::finalizeIDForGraphFile(NQOMLFile*, NQFileCodeEnum) {
+void NQOMLObject::finalizeIDAfterWrite(NQOMLFile*, NQFileCodeEnum) {
   iUserField_ = 0;
 }
 

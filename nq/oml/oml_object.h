@@ -55,7 +55,7 @@ class NQ_EXPORT NQOMLObject : public NQObjectWithID {
   // `table` is null, its address.
   virtual void prepareIDForGraphFile(NQIndexHashTable* table);
   // Takes the number away after a write; called by postFileWrite().
-  virtual void finalizeIDForGraphFile(NQOMLFile* file, NQFileCodeEnum result);
+  virtual void finalizeIDAfterWrite(NQOMLFile* file, NQFileCodeEnum result);
   // Appends the objects that this one writes as its parts; none here. The list
   // borrows them.
   virtual void collectOwnedOMLObjects(NQDList& parts);

@@ -308,7 +308,7 @@ TEST_F(Creation, AsksObjectsAndCallbacks) {
 
 TEST_F(Creation, LetsHooksReplaceObjects) {
   const int live = NQCounted::live();
-  reader.atHook = [this](const char* hook) {
+  reader.atHook = [this, live](const char* hook) {
     if (std::string(hook) != "x") return;
     NQOMLSyntaxObject* const node =
         const_cast<NQOMLSyntaxObject*>(NQTestPeer::root(reader))
@@ -317,7 +317,9 @@ TEST_F(Creation, LetsHooksReplaceObjects) {
             ->pObjectList()
             ->pObject();
     reader.updateObject(node, new NQCounted(1), reader.objects()[0]);
+    reader.updateObject(node, reader.objects()[0], reader.objects()[0]);
     EXPECT_EQ(node->object(), reader.objects()[0]);
+    EXPECT_EQ(NQCounted::live(), live + 2) << "an object replaces itself";
     EXPECT_EQ(reader.pSyntaxObject(node->objectIDIndex()), node);
     EXPECT_EQ(reader.sectionIDIndex("layout"), grammar.pSectionPool()->lookup("layout"));
   };

@@ -22,12 +22,14 @@ struct Extension : NQOMLExtension {
   using NQOMLExtension::numberOfWarnings;
   using NQOMLExtension::pOMLFile;
   using NQOMLExtension::warningMessage;
+  using NQOMLExtension::writeAddressAttribute;
   using NQOMLExtension::writeAttribute;
   using NQOMLExtension::writeBlancLine;
   using NQOMLExtension::writeBoolAttribute;
   using NQOMLExtension::writeClosingBracket;
   using NQOMLExtension::writeHook;
   using NQOMLExtension::writeIPBytesAttribute;
+  using NQOMLExtension::writeNamedObjectStart;
   using NQOMLExtension::writeObjectDefaultStart;
   using NQOMLExtension::writeObjectStart;
   using NQOMLExtension::writeOpeningBracket;
@@ -46,6 +48,8 @@ std::string useAll(Target& target) {
   target.writeAttribute("word", "red");
   target.writeAttribute("int", 1);
   target.writeAttribute("long", -2L);
+  target.writeAttribute("size", sizeof object);
+  target.writeAttribute("truth", true);
   target.writeAttribute("float", 0.5F);
   target.writeAttribute("double", 0.25);
   target.writeAttribute("reference", &object, &object, 1);
@@ -59,6 +63,8 @@ std::string useAll(Target& target) {
   target.writeClosingBracket();
   target.writeClosingBracket();
   target.writeObjectDefaultStart("node");
+  target.writeNamedObjectStart("node", "a", 0);
+  target.writeAddressAttribute("address", "$,a");
   target.writeObjectStart("node", static_cast<const NQObject*>(&object), 0);
   target.errorMessage(nullptr, 90, "an error", 0);
   target.warningMessage(nullptr, 91, "a warning");

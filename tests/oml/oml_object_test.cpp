@@ -82,7 +82,7 @@ TEST(NQOMLObject, TakesTheNumberThatTheTableHolds) {
   object.finalizeIDForGraphFile();
   EXPECT_EQ(object.iUserField(), 0);
   object.iUserField(9);
-  object.finalizeIDForGraphFile(nullptr, NQ_FILE_OK);
+  object.finalizeIDAfterWrite(nullptr, NQ_FILE_OK);
   EXPECT_EQ(object.iUserField(), 0);
 }
 

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <functional>
 #include <limits>
+#include <new>
 #include <random>
 #include <stdexcept>
 #include <string>
@@ -237,8 +238,6 @@ TEST_F(Writing, LaysOutEveryOperationInBothEncodings) {
          file.writeStringAttribute(nullptr, "a");
          file.writeStringAttribute("s", nullptr);
          file.writeIPBytesAttribute(nullptr, 1);
-         EXPECT_EQ(file.writeString(nullptr), NQ_FILE_WRITE_ERROR);
-         EXPECT_EQ(file.writeBinary(nullptr, 1), NQ_FILE_WRITE_ERROR);
        },
        "", ""},
       {"more closing than opening brackets",
@@ -254,8 +253,6 @@ TEST_F(Writing, LaysOutEveryOperationInBothEncodings) {
     EXPECT_EQ(written(row.script, false), row.text) << row.name;
     EXPECT_EQ(written(row.script, true), row.binary) << row.name;
   }
-  writer.writeAttribute("x", 1);  // outside a write
-  EXPECT_EQ(writer.writeHook("node", &five), 0);
 }
 
 TEST_F(Writing, RefersToObjectsByTheirPlaces) {
@@ -476,14 +473,45 @@ TEST_F(Writing, ReportsWhatCannotBeWritten) {
     EXPECT_EQ(writer.error(), 1);
   }
 
-  EXPECT_EQ(write([](TestWriter& file) {
-              file.writeOpeningBracket();
-              file.writeSectionStart("layout", 1);
-              throw std::runtime_error("out of the hook");
-            }),
-            NQ_FILE_WRITE_ERROR);
-  EXPECT_EQ(write([](TestWriter& file) { file.errorMessage(nullptr, 99, "bad", 1); }),
-            NQ_FILE_WRITE_ERROR);
+  const struct {
+    const char* name;
+    bool binary;
+    Script script;
+  } kFailing[] = {
+      {"an exception", false,
+       [](TestWriter& file) {
+         file.writeOpeningBracket();
+         file.writeSectionStart("layout", 1);
+         throw std::runtime_error("out of the hook");
+       }},
+      {"a fatal error", false,
+       [](TestWriter& file) { file.errorMessage(nullptr, 99, "bad", 1); }},
+      {"a line in the binary encoding", true,
+       [](TestWriter& file) { EXPECT_EQ(file.writeLine("x"), NQ_FILE_WRITE_ERROR); }},
+      {"bytes in the text encoding", false,
+       [](TestWriter& file) {
+         EXPECT_EQ(file.writeBinary("x", 1), NQ_FILE_WRITE_ERROR);
+       }},
+      {"a null text", false,
+       [](TestWriter& file) {
+         EXPECT_EQ(file.writeString(nullptr), NQ_FILE_WRITE_ERROR);
+       }},
+      {"null bytes", true,
+       [](TestWriter& file) {
+         EXPECT_EQ(file.writeBinary(nullptr, 1), NQ_FILE_WRITE_ERROR);
+       }},
+  };
+  for (const auto& row : kFailing) {
+    EXPECT_EQ(write(row.script, row.binary), NQ_FILE_WRITE_ERROR) << row.name;
+    EXPECT_EQ(writer.storedOnDisk(), 0) << row.name;
+    const auto goesOn = [&](TestWriter& file) {
+      row.script(file);
+      (void)file.writeString("# ");
+      (void)file.writeBinary("b", 1);
+      file.writeAttribute("x", 1);
+    };
+    EXPECT_EQ(write(goesOn, row.binary), NQ_FILE_WRITE_ERROR) << row.name;
+  }
   EXPECT_EQ(write([](TestWriter& file) { (void)file.close(); }), NQ_FILE_CLOSE_ERROR);
   system.failingClose = true;
   EXPECT_EQ(write(good), NQ_FILE_CLOSE_ERROR);
@@ -525,8 +553,11 @@ TEST_F(Writing, LetsTheHookUseTheFile) {
     EXPECT_EQ(file.writeHook("node", &node), 6);
     EXPECT_EQ(file.writeHook("graph", &node), 0);
     EXPECT_EQ(file.writeHook("what", &node), 0);
-    file.write("# text\r\n");
-    file.writeBinary("bytes", 5);
+    if (file.mode() == NQ_WRITE) {
+      EXPECT_EQ(file.write("# text\r\n"), NQ_FILE_OK);
+    } else {
+      EXPECT_EQ(file.writeBinary("bytes", 5), NQ_FILE_OK);
+    }
     file.writeAttribute("x", 2);
     file.flush();
   };
@@ -538,13 +569,20 @@ TEST_F(Writing, LetsTheHookUseTheFile) {
     std::string caught;
     NQFileCodeEnum writeString(const char* text) override {
       caught += text;
-      writeAttribute("x", 3);  // no place for it any more
+      if (late) writeAttribute("x", 3);  // no place for it any more
       return TestWriter::writeString(text);
     }
+    NQFileCodeEnum flush() override { return NQ_FILE_OK; }  // not depended on
+    bool late = false;
   } catcher;
   catcher.script = [](TestWriter& file) { file.writeAttribute("x", 2); };
-  EXPECT_EQ(catcher.writeOMLFile("f", &grammar, nullptr, 0, 0, 0), NQ_FILE_OK);
-  EXPECT_EQ(catcher.caught, "x: 2\r\n");
+  for (const NQFileCodeEnum result : {NQ_FILE_OK, NQ_FILE_WRITE_ERROR}) {
+    catcher.caught.clear();
+    EXPECT_EQ(catcher.writeOMLFile("f", &grammar, nullptr, 0, 0, 0), result);
+    EXPECT_EQ(catcher.caught, "x: 2\r\n");
+    EXPECT_EQ(system.files["f"], "x: 2\r\n");
+    catcher.late = true;
+  }
 
   // What an override throws is not forgotten when the hook catches it.
   struct Thrower : TestWriter {
@@ -561,6 +599,134 @@ TEST_F(Writing, LetsTheHookUseTheFile) {
   };
   EXPECT_EQ(thrower.writeOMLFile("f", &grammar, nullptr, 0, 0, 0), NQ_FILE_WRITE_ERROR);
   EXPECT_EQ(thrower.storedOnDisk(), 0);
+}
+
+// Each integer type finds its overload, and its limits are written or refused.
+TEST_F(Writing, TakesEveryIntegerType) {
+  const auto check = [&]<class Integer>(Integer) {
+    using Limits = std::numeric_limits<Integer>;
+    for (const Integer value : {Limits::min(), Limits::max()}) {
+      const bool fits =
+          std::to_string(+value) == std::to_string(static_cast<std::int32_t>(value));
+      const std::string text =
+          "x: " + std::to_string(static_cast<std::int32_t>(value)) + "\r\n";
+      const auto script = [&](TestWriter& file) { file.writeAttribute("x", value); };
+      EXPECT_EQ(write(script), fits ? NQ_FILE_OK : NQ_FILE_WRITE_ERROR) << +value;
+      EXPECT_EQ(system.files["f"], text);
+      EXPECT_EQ(write(script, true), fits ? NQ_FILE_OK : NQ_FILE_WRITE_ERROR) << +value;
+    }
+  };
+  const auto checkAll = [&](auto... zeros) { (check(zeros), ...); };
+  using Short = short;
+  using UShort = unsigned short;
+  using Long = long;
+  using ULong = unsigned long;
+  using LongLong = long long;
+  using ULongLong = unsigned long long;
+  checkAll(bool(), char(), Short(), UShort(), int(), unsigned(), Long(), ULong(),
+           LongLong(), ULongLong(), std::size_t(), nqLong(), nqULong(), nqInt64());
+}
+
+// A derived class may open the file itself, and what fails is told by the close.
+TEST_F(Writing, WritesToAFileThatTheApplicationOpens) {
+  const std::string text = "{\r\n\tx: 1\r\n# line\r\n}\r\n";
+  const struct {
+    const char* name;
+    NQFileModeEnum mode;
+    bool knowsGrammar;
+    std::size_t space;
+    std::string content;
+  } kRows[] = {
+      {"text", NQ_WRITE, true, 99, text},
+      {"text without a grammar", NQ_WRITE_ASCII, false, 99, text},
+      {"appended", NQ_APPEND, false, 99, "old" + text},
+      {"a full disk", NQ_WRITE, false, 7, text.substr(0, 7)},
+      {"binary", NQ_WRITE_BINARY, true, 99, "{f\7i\1}"},
+      {"binary without a grammar", NQ_WRITE_BINARY, false, 99, ""},
+      {"reading", NQ_READ, true, 99, "old"},
+  };
+  TestWriter file;
+  for (const auto& row : kRows) {
+    for (const nqInt64 value : {1, 2}) {
+      system.files["g"] = "old";
+      if (row.knowsGrammar) {
+        file.initParser(&grammar, nullptr, -1, 0);
+      } else {
+        (void)file.readOMLFile("none", &grammar, nullptr, -1, 0, 0, 0);
+      }
+      file.writeOpeningBracket();
+      EXPECT_EQ(file.error(), 1) << row.name << ": not open yet";
+      ASSERT_EQ(file.open("g", row.mode), NQ_FILE_OK) << row.name;
+      system.diskSpace = row.space;
+      file.writeOpeningBracket();
+      file.writeAttribute("x", value == 1 ? value : (nqInt64{1} << 32) + 1);
+      if (row.mode != NQ_WRITE_BINARY) (void)file.writeLine("# line");
+      file.writeClosingBracket();
+      const bool fails =
+          value != 1 || row.space == 7 || row.content.empty() || row.mode == NQ_READ;
+      EXPECT_EQ(file.close(), fails ? NQ_FILE_CLOSE_ERROR : NQ_FILE_OK) << row.name;
+      EXPECT_EQ(file.error(), fails ? 1 : 0) << row.name;
+      EXPECT_EQ(system.files["g"], row.content) << row.name;
+      system.diskSpace = FakeSystem::kUnlimited;
+    }
+  }
+
+  // A read or write meanwhile leaves it alone; destruction sends what is gathered.
+  {
+    TestWriter dying;
+    ASSERT_EQ(dying.open("g", NQ_WRITE), NQ_FILE_OK);
+    dying.writeOpeningBracket();
+    (void)dying.readOMLFile("f", &grammar, nullptr, -1, 0, 1, 0);
+    dying.writeAttribute("x", 1);
+  }
+  EXPECT_EQ(system.files["g"], "{\r\n\tx: 1\r\n");
+  {
+    TestWriter next;
+    ASSERT_EQ(next.open("g", NQ_WRITE), NQ_FILE_OK);
+    next.writeOpeningBracket();
+    next.script = [](TestWriter& other) { other.writeAttribute("x", 1); };
+    EXPECT_EQ(next.writeOMLFile("f", &grammar, nullptr, 0, 0, 0), NQ_FILE_OK);
+  }
+  EXPECT_EQ(system.files["g"], "{\r\n");
+  EXPECT_EQ(system.files["f"], "x: 1\r\n");
+}
+
+// Overrides that throw, or leave out what the base does.
+TEST_F(Writing, SurvivesOverrides) {
+  struct Strange : TestWriter {
+    void initParser(NQOMLStatic*, NQObject*, nqLong, int) override {
+      if (where == 1) throw std::bad_alloc();
+    }
+    NQFileCodeEnum open(const char* name, NQFileModeEnum newMode) override {
+      const NQFileCodeEnum result = TestWriter::open(name, newMode);
+      if (where == 2) throw std::runtime_error("out of open");
+      return result;
+    }
+    NQFileCodeEnum writeString(const char* text) override {
+      if (where == 3) throw std::bad_alloc();
+      return TestWriter::writeString(text);
+    }
+    NQFileCodeEnum writeBinary(const char* data, int count) override {
+      if (where == 3) throw std::bad_alloc();
+      return TestWriter::writeBinary(data, count);
+    }
+    int where = 0;
+  } strange;
+  strange.script = [](TestWriter& file) {
+    const Thing node(1);
+    file.writeObjectStart("node", &node, 0, 1);
+    EXPECT_EQ(file.writeHook("node", &node), 1);
+    // Larger than what is gathered: it is sent in the middle, and memory is lacking.
+    file.writeStringAttribute("s", std::string(1000000, 's').c_str());
+  };
+  for (const bool binary : {false, true}) {
+    for (strange.where = 0; strange.where < 4; ++strange.where) {
+      EXPECT_EQ(strange.writeOMLFile("f", &grammar, nullptr, binary ? 1 : 0, 0, 0),
+                strange.where == 0 ? NQ_FILE_OK : NQ_FILE_WRITE_ERROR)
+          << strange.where;
+      EXPECT_EQ(system.openFiles(), 0) << strange.where;
+    }
+  }
 }
 
 TEST_F(Writing, KeepsTheNumbersOfObjects) {

@@ -8,7 +8,7 @@ namespace nqdetail {
 
 void updateObject(IDTable& ids, NQIndexHashTable* numbers, nqLong objectIDIndex,
                   NQObject* old, NQObject* replacement) {
-  delete old;
+  if (old != replacement) delete old;
   ids.pObject(objectIDIndex, replacement);
   if (numbers != nullptr && replacement != nullptr) {
     numbers->update(static_cast<nqInt64>(reinterpret_cast<std::intptr_t>(replacement)),

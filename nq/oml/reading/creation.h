@@ -25,8 +25,8 @@ struct TopObject {
   nqLong type = -1;  // -1 until there is one
 };
 
-// Files `replacement` as the object of the id of `syntax`, after destroying `old`,
-// and its number, if there is a table for them.
+// Files `replacement` as the object of the id of `syntax`, after destroying `old` unless
+// both are the same, and its number, if there is a table for them.
 void updateObject(IDTable& ids, NQIndexHashTable* numbers, nqLong objectIDIndex,
                   NQObject* old, NQObject* replacement);
 

@@ -23,22 +23,6 @@ constexpr std::size_t kTextRoom = 2 + kShortText * kLongestEscape;
 constexpr double kSmallestMantissa = 1e7;
 constexpr double kLargestMantissa = 1e8;
 
-nqLong objectTypeIndex(const ReadTables& tables, const char* name) {
-  return tables.pGrammar->pObjTypePool()->lookup(name);
-}
-
-nqLong sectionNameIndex(const ReadTables& tables, const char* name) {
-  return sectionIndex(&tables, name);
-}
-
-nqLong fieldNameIndex(const ReadTables& tables, const char* name) {
-  return fieldIndex(&tables, name);
-}
-
-nqLong enumeratorIndex(const ReadTables& tables, const char* name) {
-  return tables.pGrammar->pEnumPool()->lookup(name);
-}
-
 inline char* putRecord(char* at, char letter, nqLong value) {
   const auto bits = static_cast<std::uint32_t>(value);
   if (bits <= 0xFF) {
@@ -57,7 +41,7 @@ inline char* putRecord(char* at, char letter, nqLong value) {
 // one, which the hook may yet add to the grammar.
 void BinaryWriter::NameCache::fill(Entry& entry, const char* name) {
   const std::size_t length = std::strlen(name);
-  const nqLong index = lookup_(tables_, name);
+  const nqLong index = names_.lookup(name);
   entry.place = index >= 0 && length < sizeof entry.name ? name : nullptr;
   if (entry.place != nullptr) std::memcpy(entry.name, name, length + 1);
   entry.length =
@@ -68,10 +52,10 @@ BinaryWriter::BinaryWriter(const WriteSettings& settings)
     : Writer(settings),
       escapes_(settings.lossless ? kLosslessEscapes : kDoubledEscapes),
       rounding_(settings.lossless ? 0.5 : 0),
-      objectTypes_(settings.tables, kObjectTypeRecord, objectTypeIndex),
-      sections_(settings.tables, kSectionRecord, sectionNameIndex),
-      fields_(settings.tables, kFieldRecord, fieldNameIndex),
-      enumerators_(settings.tables, kEnumeratorRecord, enumeratorIndex) {}
+      objectTypes_(*settings.grammar->pObjTypePool(), kObjectTypeRecord),
+      sections_(*settings.grammar->pSectionPool(), kSectionRecord),
+      fields_(*settings.grammar->pFieldPool(), kFieldRecord),
+      enumerators_(*settings.grammar->pEnumPool(), kEnumeratorRecord) {}
 
 inline char* BinaryWriter::beginValue(const char* name, std::size_t count) {
   return fields_.put(output_.room(kRecordRoom + count), name);

@@ -13,6 +13,8 @@
 #include "nq/oml/encoding/escapes.h"
 #include "nq/oml/writing/writer.h"
 
+class NQStringPool;
+
 namespace nqdetail {
 
 // Room for a record, so that it can be copied as one word.
@@ -20,6 +22,7 @@ inline constexpr std::size_t kRecordRoom = 8;
 
 class BinaryWriter final : public Writer {
  public:
+  // The settings have a grammar.
   explicit BinaryWriter(const WriteSettings& settings);
 
   void objectStart(const char* type, std::string_view id, bool singleLine) override;
@@ -42,9 +45,7 @@ class BinaryWriter final : public Writer {
   // The records of one kind of name.
   class NameCache {
    public:
-    using Lookup = nqLong (*)(const ReadTables& tables, const char* name);
-    NameCache(const ReadTables& tables, char letter, Lookup lookup)
-        : tables_(tables), letter_(letter), lookup_(lookup) {}
+    NameCache(const NQStringPool& names, char letter) : names_(names), letter_(letter) {}
 
     // Writes the record of a name; there is room for kRecordRoom bytes.
     char* put(char* at, const char* name) {
@@ -76,9 +77,8 @@ class BinaryWriter final : public Writer {
 
     [[gnu::noinline]] void fill(Entry& entry, const char* name);
 
-    const ReadTables& tables_;
+    const NQStringPool& names_;
     char letter_;
-    Lookup lookup_;
     Entry entries_[kEntries];
   };
 

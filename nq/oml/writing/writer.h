@@ -4,7 +4,8 @@
 // file. What both encodings share stands here: ids, addresses, the output buffer;
 // a room for each encoding lays out the bytes. Nothing is reported but by
 // failed(): from the first piece that the file does not take, nothing more is
-// sent, and a number that has no representation spoils the write as well.
+// sent, and a number that cannot be written, or a failure that the owner reports by
+// spoil(), counts as well.
 //
 // Names and texts are borrowed for the call. One that is null writes nothing.
 
@@ -17,13 +18,15 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 
-#include "nq/oml/tree/read_tables.h"
 #include "nq/platform/types.h"
 
 class NQIndexHashTable;
 class NQOMLBinValue;
 class NQOMLObject;
+class NQOMLStatic;
+class NQObject;
 
 namespace nqdetail {
 
@@ -80,10 +83,10 @@ class Output {
 
 struct WriteSettings {
   OutputSink& sink;
-  const ReadTables& tables;
-  const NQObject* top = nullptr;        // the outermost object
-  NQIndexHashTable* numbers = nullptr;  // where written ids are kept; may be null
-  bool lossless = false;
+  const NQOMLStatic* grammar;  // may be null in the text encoding
+  const NQObject* top;         // the outermost object; never looked into
+  const std::unique_ptr<NQIndexHashTable>& numbers;  // keeps written ids; may be null
+  bool lossless;
 };
 
 class Writer {
@@ -96,6 +99,7 @@ class Writer {
   Output& output() { return output_; }
   // Whether the file is not what it should be.
   bool failed() const { return spoiled_ || output_.failed(); }
+  void spoil() { spoiled_ = true; }
 
   // The start of an object, with the id of `object` or without one, as for null. The
   // table of numbers gets to know the id.
@@ -113,6 +117,13 @@ class Writer {
   virtual void closingBracket() = 0;
   virtual void blankLine() = 0;
 
+  // An integer of any type; one that is not 32 bits long spoils the write.
+  template <class Integer>
+  void anyInteger(const char* name, Integer value) {
+    if (!std::in_range<nqLong>(value)) spoil();
+    integer(name, static_cast<nqLong>(value));
+  }
+
   virtual void word(const char* name, const char* word) = 0;
   virtual void integer(const char* name, nqLong value) = 0;
   virtual void real(const char* name, double value) = 0;
@@ -127,12 +138,11 @@ class Writer {
  protected:
   explicit Writer(const WriteSettings& settings);
 
-  const ReadTables& tables() const { return settings_.tables; }
   bool lossless() const { return settings_.lossless; }
   // 0 for a number that is not finite, which spoils the write.
   double finite(double value) {
     if (std::isfinite(value)) return value;
-    spoiled_ = true;
+    spoil();
     return 0;
   }
 
