@@ -235,6 +235,7 @@ std::unique_ptr<Graph> GraphFile::read(const char* name, GraphGrammar& grammar,
                                        bool binary) {
   graphs_.clear();
   leftOut_.clear();
+  sharedReading(1);  // others may look at the graph at the same time
   const NQFileCodeEnum result =
       readOMLFile(name, &grammar, nullptr, -1, binary ? 1 : 0, 0, 0);
   if (result != NQ_FILE_OK || graphs_.size() != 1) return nullptr;

@@ -37,14 +37,16 @@ bool fits(const char* name) {
   return std::memchr(name, '\0', NQFile::kNameSize) != nullptr;
 }
 
-void* openHandle(const char* name, NQFileModeEnum mode, NQByteOrderEnum* byteOrder) {
+void* openHandle(const char* name, NQFileModeEnum mode, bool shared,
+                 NQByteOrderEnum* byteOrder) {
   using nqdetail::Access;
   using nqdetail::Creation;
   switch (mode) {
     case NQ_READ:
     case NQ_READ_BINARY:
     case NQ_READ_ASCII:
-      return system().open(name, Access::kRead, Creation::kExisting);
+      return system().open(name, shared ? Access::kSharedRead : Access::kRead,
+                           Creation::kExisting);
     case NQ_WRITE:
     case NQ_WRITE_BINARY:
     case NQ_WRITE_ASCII:
@@ -65,6 +67,7 @@ NQ_COPY_PROTOCOL_IMPL(NQFile)
 void NQFile::NQFiledeepCopy(const NQFile& source) {
   NQCopyAccess::deep<NQObject>(*this, source);
   (void)empty();
+  sharedReading_ = source.sharedReading_;
   if (source.isOpen() || source.fileHandle_ != noHandle()) return;
   mode_ = source.mode_;
   bits_ = source.bits_;
@@ -76,6 +79,7 @@ void NQFile::NQFiledeepCopy(const NQFile& source) {
 void NQFile::NQFileattributeCopy(const NQFile& source) {
   NQCopyAccess::attributes<NQObject>(*this, source);
   (void)empty();
+  sharedReading_ = source.sharedReading_;
 }
 
 NQFile::NQFile() {
@@ -166,7 +170,8 @@ NQFileCodeEnum NQFile::open(const char* name, NQFileModeEnum newMode) {
   if (name == nullptr) return NQ_FILE_OPEN_ERROR;
 
   NQByteOrderEnum order = NQ_DEFAULT_BYTE_ORDER;
-  fileHandle_ = nameFits ? openHandle(ownName, newMode, &order) : noHandle();
+  fileHandle_ =
+      nameFits ? openHandle(ownName, newMode, sharedReading_ != 0, &order) : noHandle();
   byteOrder_ = order;
   mode_ = newMode;
   buffered(isBuffered(newMode));

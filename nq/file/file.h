@@ -3,8 +3,9 @@
 // NQFile moves lines and bytes, and adds nothing: what is written is what
 // stands in the file. The mode that a file is opened with decides what can be
 // done with it (file_codes.h). Until it is closed, a file opened by name is shut to
-// every other open through this library (on Windows, to every other program); an
-// attached handle belongs to somebody else and is never closed here.
+// every other open through this library (on Windows, to every other program), unless all
+// of them read it with sharedReading. An attached handle belongs to somebody else and is
+// never closed here.
 //
 // Every operation answers with an NQFileCodeEnum. Two flags outlive the call:
 // error() tells whether the last operation failed, endOfFile() that a read ran
@@ -63,6 +64,12 @@ class NQ_EXPORT NQFile : public NQObject {
   int buffered() const { return flag(kBuffered); }
   int error() const { return flag(kError); }
   int endOfFile() const { return flag(kEndOfFile); }
+  // Whether the following opens let others read the file at the same time, if they say
+  // so too; writers are kept out in any case. For the modes that only read, and for
+  // what readers of formats built on this class open; 0 at first. Copies take it along.
+  int sharedReading() const { return sharedReading_; }
+  int sharedReading(int shared) { return sharedReading_ = shared; }
+
   // Set by a writer when the file is complete.
   int storedOnDisk() const { return flag(kStoredOnDisk); }
 
@@ -258,6 +265,7 @@ class NQ_EXPORT NQFile : public NQObject {
   mutable char* pLent_;                  // what the buffer would hold; null: it does
   int numberOfBufferedBytes_;            // unread ones
   NQByteOrderEnum byteOrder_;
+  int sharedReading_ = 0;
   std::unique_ptr<char[]> pFileName_;              // null, or kNameSize bytes
   std::unique_ptr<char[]> pPathName_;              // the same
   std::unique_ptr<nqdetail::WriteBehind> output_;  // while open by name to write,

@@ -366,7 +366,9 @@ void NQOMLFile::parse(const char* fileName, bool binary) {
     state.diagnostics.end();
     return;
   }
-  state.sources.emplace(state, !binary, state.sourceLimits);
+  state.sources.emplace(
+      state, !binary, state.sourceLimits,
+      sharedReading() != 0 ? nqdetail::Access::kSharedRead : nqdetail::Access::kRead);
   const auto lexer =
       nqdetail::Lexer::make(binary, *state.sources, *state.names, state.diagnostics);
   nqdetail::Parser parser(this, *state.sources, *lexer, *state.names, state.diagnostics,

@@ -22,7 +22,12 @@ inline Handle noHandle() {
   return reinterpret_cast<Handle>(std::intptr_t{-1});
 }
 
-enum class Access { kRead, kWrite, kReadWrite };
+enum class Access {
+  kRead,
+  kSharedRead,  // beside others that read so
+  kWrite,
+  kReadWrite,
+};
 
 enum class Creation {
   kExisting,   // fail when the file is missing
@@ -32,8 +37,9 @@ enum class Creation {
 
 struct System {
   // Opens a file so that no second open() of it succeeds until it is closed, in
-  // this program or in another; a refused open changes nothing. Where the lock
-  // is advisory, only those who take it too are kept out.
+  // this program or in another, except that shared reads go together; a refused open
+  // changes nothing. Where the lock is advisory, only those who take it too are kept
+  // out.
   // Directories and FIFOs are refused at once; devices are not exclusive.
   Handle (*open)(const char* name, Access access, Creation creation);
   bool (*close)(Handle handle);
@@ -42,6 +48,8 @@ struct System {
   bool (*exists)(const char* name);
   // How many bytes a plain file has; -1 for a device.
   std::int64_t (*fileSize)(Handle handle);
+  // Whether both are handles of one file, by whatever names it was opened.
+  bool (*isSameFile)(Handle first, Handle second);
 
   // One transfer, which may be shorter than asked for; interrupted calls are
   // taken up again. Reading nothing with success is the end of the data.

@@ -29,6 +29,7 @@ Handle handleOf(int descriptor) {
 int accessFlags(Access access) {
   switch (access) {
     case Access::kRead:
+    case Access::kSharedRead:
       return O_RDONLY;
     case Access::kWrite:
       return O_WRONLY;
@@ -46,11 +47,11 @@ auto uninterrupted(Call call) {
   return result;
 }
 
-// Takes the exclusive lock of a regular file. Failing to take it is a failure
-// only when somebody else has it: a file system without locks cannot refuse the
-// file to others.
-bool lockFile(int descriptor) {
-  return uninterrupted([=] { return flock(descriptor, LOCK_EX | LOCK_NB); }) == 0 ||
+// Takes the lock of a regular file. Failing to take it is a failure only when somebody
+// else has it: a file system without locks cannot refuse the file to others.
+bool lockFile(int descriptor, Access access) {
+  const int kind = access == Access::kSharedRead ? LOCK_SH : LOCK_EX;
+  return uninterrupted([=] { return flock(descriptor, kind | LOCK_NB); }) == 0 ||
          errno != EWOULDBLOCK;
 }
 
@@ -63,7 +64,7 @@ bool prepare(int descriptor, Access access, Creation creation) {
   // The open must not wait; transfers do.
   if (fcntl(descriptor, F_SETFL, accessFlags(access)) != 0) return false;
   if (!S_ISREG(status.st_mode)) return true;
-  if (!lockFile(descriptor)) return false;
+  if (!lockFile(descriptor, access)) return false;
   return creation != Creation::kTruncate ||
          uninterrupted([=] { return ftruncate(descriptor, 0); }) == 0;
 }
@@ -96,6 +97,14 @@ std::int64_t fileSize(Handle handle) {
   return fstat(descriptorOf(handle), &status) == 0 && S_ISREG(status.st_mode)
              ? std::int64_t{status.st_size}
              : -1;
+}
+
+bool isSameFile(Handle first, Handle second) {
+  struct stat one;
+  struct stat other;
+  return fstat(descriptorOf(first), &one) == 0 &&
+         fstat(descriptorOf(second), &other) == 0 && one.st_dev == other.st_dev &&
+         one.st_ino == other.st_ino;
 }
 
 bool readFile(Handle handle, void* data, std::size_t count, std::size_t* transferred) {
@@ -164,6 +173,7 @@ constexpr System kPosixSystem = {
     .close = closeFile,
     .exists = fileExists,
     .fileSize = fileSize,
+    .isSameFile = isSameFile,
     .read = readFile,
     .write = writeFile,
     .seekToEnd = seekFileToEnd,

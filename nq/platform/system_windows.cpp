@@ -15,6 +15,7 @@ constexpr std::size_t kMaxTransfer = std::size_t{1} << 30;
 DWORD accessFlags(Access access) {
   switch (access) {
     case Access::kRead:
+    case Access::kSharedRead:
       return GENERIC_READ;
     case Access::kWrite:
       return GENERIC_WRITE;
@@ -37,8 +38,9 @@ DWORD dispositionOf(Creation creation) {
 }
 
 Handle openFile(const char* name, Access access, Creation creation) {
+  const DWORD sharing = access == Access::kSharedRead ? FILE_SHARE_READ : 0;
   const HANDLE handle =
-      CreateFileA(name, accessFlags(access), 0, nullptr, dispositionOf(creation),
+      CreateFileA(name, accessFlags(access), sharing, nullptr, dispositionOf(creation),
                   FILE_ATTRIBUTE_NORMAL, nullptr);
   if (handle != INVALID_HANDLE_VALUE && GetFileType(handle) == FILE_TYPE_PIPE) {
     CloseHandle(handle);
@@ -63,6 +65,16 @@ std::int64_t fileSize(Handle handle) {
   return GetFileType(handle) == FILE_TYPE_DISK && GetFileSizeEx(handle, &size) != 0
              ? std::int64_t{size.QuadPart}
              : -1;
+}
+
+bool isSameFile(Handle first, Handle second) {
+  BY_HANDLE_FILE_INFORMATION one;
+  BY_HANDLE_FILE_INFORMATION other;
+  return GetFileInformationByHandle(first, &one) != 0 &&
+         GetFileInformationByHandle(second, &other) != 0 &&
+         one.dwVolumeSerialNumber == other.dwVolumeSerialNumber &&
+         one.nFileIndexHigh == other.nFileIndexHigh &&
+         one.nFileIndexLow == other.nFileIndexLow;
 }
 
 bool readFile(Handle handle, void* data, std::size_t count, std::size_t* transferred) {
@@ -134,6 +146,7 @@ constexpr System kWindowsSystem = {
     .close = closeFile,
     .exists = fileExists,
     .fileSize = fileSize,
+    .isSameFile = isSameFile,
     .read = readFile,
     .write = writeFile,
     .seekToEnd = seekFileToEnd,

@@ -477,4 +477,25 @@ TEST(NQFile, SharesTheHostsFilesWithNobody) {
   EXPECT_EQ(directory.contents("a"), "text\r\nmore");
 }
 
+TEST(NQFile, ReadersShareAFileThatBothAreReadyToShare) {
+  const TemporaryDirectory directory;
+  directory.put("a", "text");
+  const std::string name = directory.file("a");
+  NQFile first;
+  EXPECT_EQ(first.sharedReading(1), 1);
+  ASSERT_EQ(first.open(name.c_str(), NQ_READ), NQ_FILE_OK);
+  NQFile second(first, NQ_ATTRIBUTE_COPY);
+  for (const int shared : {1, 0}) {
+    second.sharedReading(shared);
+    for (const NQFileModeEnum mode : kModes) {
+      EXPECT_EQ(second.open(name.c_str(), mode) == NQ_FILE_OK,
+                shared != 0 && isOneOf(mode, "046"))
+          << mode;
+    }
+  }
+  NQStringHandle line;
+  EXPECT_EQ(first.readString(line), NQ_FILE_OK);
+  EXPECT_STREQ(line.pString(), "text");
+}
+
 }  // namespace

@@ -204,16 +204,30 @@ TEST(Parser, ReadsIncludedFiles) {
   };
   reader.forbidden = "secret";
   system.devices = {"device"};
-  for (const auto& row : rows) {
-    SCOPED_TRACE(row.files.at("f"));
-    system.files = row.files;
-    EXPECT_EQ(reader.read("f", grammar),
-              row.tree != nullptr ? NQ_FILE_OK : NQ_FILE_OPEN_ERROR);
-    EXPECT_EQ(reader.tree, row.tree != nullptr ? row.tree : "") << reader.errors();
-    EXPECT_EQ(system.openFiles(), 0);
+  for (const int shared : {0, 1}) {
+    reader.sharedReading(shared);
+    for (const auto& row : rows) {
+      SCOPED_TRACE(row.files.at("f"));
+      system.files = row.files;
+      EXPECT_EQ(reader.read("f", grammar),
+                row.tree != nullptr ? NQ_FILE_OK : NQ_FILE_OPEN_ERROR);
+      EXPECT_EQ(reader.tree, row.tree != nullptr ? row.tree : "") << reader.errors();
+      EXPECT_EQ(system.openFiles(), 0);
+    }
+    system.files.clear();
+    EXPECT_EQ(reader.read("f", grammar), NQ_FILE_OPEN_ERROR);
+
+    // Two readers of one file, in the middle of it.
+    system.files = {{"f", "graph 1 { include \"g\" }"}, {"g", "count 1"}};
+    TestReader second;
+    second.sharedReading(1);
+    reader.atHook = [&](const std::string& hook) {
+      if (hook == "include") second.read("f", grammar);
+    };
+    EXPECT_EQ(reader.read("f", grammar), NQ_FILE_OK);
+    EXPECT_EQ(second.result, shared != 0 ? NQ_FILE_OK : NQ_FILE_OPEN_ERROR);
+    reader.atHook = nullptr;
   }
-  system.files.clear();
-  EXPECT_EQ(reader.read("f", grammar), NQ_FILE_OPEN_ERROR);
 }
 
 TEST(Parser, LimitsIncludes) {

@@ -24,25 +24,39 @@ using nqdetail::Handle;
 using nqdetail::noHandle;
 using nqdetail::system;
 
-constexpr Access kAccesses[] = {Access::kRead, Access::kWrite, Access::kReadWrite};
+constexpr Access kAccesses[] = {Access::kRead, Access::kSharedRead, Access::kWrite,
+                                Access::kReadWrite};
 constexpr Creation kCreations[] = {Creation::kExisting, Creation::kTruncate,
                                    Creation::kIfMissing};
 
 TEST(System, OpensExclusivelyAndARefusedOpenChangesNothing) {
   const TemporaryDirectory directory;
   directory.put("a", "text");
+  directory.put("b", "text");
   const std::string name = directory.file("a");
+  const std::string link = directory.file("link");
+  std::filesystem::create_hard_link(name, link);
+  const Handle other = system().open(directory.file("b").c_str(), Access::kSharedRead,
+                                     Creation::kExisting);
   for (const Access held : kAccesses) {
     const Handle handle = system().open(name.c_str(), held, Creation::kExisting);
     ASSERT_NE(handle, noHandle());
     for (const Access access : kAccesses) {
       for (const Creation creation : kCreations) {
-        EXPECT_EQ(system().open(name.c_str(), access, creation), noHandle());
+        const bool shared = held == Access::kSharedRead && access == held;
+        if (shared && creation != Creation::kExisting) continue;
+        const Handle second = system().open(link.c_str(), access, creation);
+        EXPECT_EQ(second != noHandle(), shared);
+        if (!shared) continue;
+        EXPECT_TRUE(system().isSameFile(handle, second));
+        EXPECT_FALSE(system().isSameFile(handle, other));
+        EXPECT_TRUE(system().close(second));
       }
     }
     EXPECT_TRUE(system().close(handle));
     EXPECT_EQ(directory.contents("a"), "text");
   }
+  EXPECT_TRUE(system().close(other));
 }
 
 TEST(System, CreatesEmptiesAndKeeps) {

@@ -20,16 +20,19 @@ struct FakeCalls {
   }
 
   static Handle open(const char* name, Access access, Creation creation) {
+    const bool shared = access == Access::kSharedRead;
     for (const FakeSystem::OpenFile& file : inForce->opened_) {
-      if (file.open && file.name == name) return nqdetail::noHandle();
+      if (file.open && file.name == name && !(shared && file.shared)) {
+        return nqdetail::noHandle();
+      }
     }
     if (creation == Creation::kExisting && !inForce->files.contains(name)) {
       return nqdetail::noHandle();
     }
     std::string& contents = inForce->files[name];
     if (creation == Creation::kTruncate) contents.clear();
-    inForce->opened_.push_back(
-        {name, 0, access != Access::kWrite, access != Access::kRead, true});
+    const bool reads = shared || access == Access::kRead;
+    inForce->opened_.push_back({name, 0, access != Access::kWrite, !reads, true, shared});
     return &inForce->opened_.back();
   }
 
@@ -45,6 +48,12 @@ struct FakeCalls {
     return file != nullptr && !inForce->devices.contains(file->name)
                ? static_cast<std::int64_t>(inForce->files[file->name].size())
                : -1;
+  }
+
+  static bool isSameFile(Handle first, Handle second) {
+    const FakeSystem::OpenFile* const one = find(first);
+    const FakeSystem::OpenFile* const other = find(second);
+    return one != nullptr && other != nullptr && one->name == other->name;
   }
 
   static bool read(Handle handle, void* data, std::size_t count, std::size_t* moved) {
@@ -99,6 +108,7 @@ FakeSystem::FakeSystem() : table_(nqdetail::hostSystem()) {
   table_.close = FakeCalls::close;
   table_.exists = [](const char* name) { return inForce->files.contains(name); };
   table_.fileSize = FakeCalls::fileSize;
+  table_.isSameFile = FakeCalls::isSameFile;
   table_.read = FakeCalls::read;
   table_.write = FakeCalls::write;
   table_.seekToEnd = FakeCalls::seekToEnd;

@@ -49,6 +49,7 @@ class FakeSystem {
     bool readable;
     bool writable;
     bool open;
+    bool shared = false;
   };
 
   nqdetail::System table_;

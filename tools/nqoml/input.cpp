@@ -89,18 +89,15 @@ Content readContent(const std::string& name, std::istream& in, std::size_t limit
   return content;
 }
 
-bool isInUse(const std::string& path) {
-  std::error_code code;
-  return fs::is_regular_file(path, code) && path.size() < NQFile::kNameSize &&
-         access(path.c_str(), R_OK) == 0;
-}
-
 std::string whyClosed(const std::string& path) {
   std::error_code code;
   const fs::file_type type = fs::status(path, code).type();
   if (type == fs::file_type::not_found) return "does not exist";
   if (type == fs::file_type::directory) return "is a directory";
-  return isInUse(path) ? "is in use by another program" : kUnreadable;
+  // A file that is there to be read must be open elsewhere.
+  const bool mayRead = type == fs::file_type::regular &&
+                       path.size() < NQFile::kNameSize && access(path.c_str(), R_OK) == 0;
+  return mayRead ? "is in use by another program" : kUnreadable;
 }
 
 bool isSurelyBinary(std::string_view content) {

@@ -38,10 +38,6 @@ struct Content {
 Content readContent(const std::string& name, std::istream& in,
                     std::size_t limit = std::size_t{1} << 30);
 
-// Whether the file at `path`, which the library could not open, is there to be read,
-// so that somebody else must have it open.
-bool isInUse(const std::string& path);
-
 // Why the file at `path` could not be opened: "does not exist", ...
 std::string whyClosed(const std::string& path);
 

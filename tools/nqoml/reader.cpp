@@ -4,11 +4,9 @@
 #include "tools/nqoml/progress.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <system_error>
-#include <thread>
 #include <utility>
 
 namespace nqoml {
@@ -18,9 +16,6 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr int kCannotOpen = 13;
-// With files in use by others.
-constexpr std::chrono::milliseconds kPatience{1000};
-constexpr std::chrono::milliseconds kPause{10};
 
 }  // namespace
 
@@ -28,24 +23,19 @@ CheckingReader::CheckingReader(std::string path, std::string shownAs,
                                std::string includeRoot)
     : path_(std::move(path)),
       shownAs_(std::move(shownAs)),
-      includeRoot_(std::move(includeRoot)) {}
+      includeRoot_(std::move(includeRoot)) {
+  sharedReading(1);
+}
 
 NQFileCodeEnum CheckingReader::read(NQOMLStatic* grammar, bool binary) {
-  using Clock = std::chrono::steady_clock;
-  const Clock::time_point end = Clock::now() + kPatience;
-  for (;;) {
-    diagnostics_.clear();
-    root_ = nullptr;
-    open_ = {path_};
-    tried_ = false;
-    inUse_ = false;
-    const NQFileCodeEnum result =
-        readOMLFile(path_.c_str(), grammar, nullptr, -1, binary ? 1 : 0, 0, 0);
-    takeMessage();
-    if (!inUse_ || Clock::now() > end) return result;
-    // No file is open meanwhile, so that nobody waits for us.
-    std::this_thread::sleep_for(kPause);
-  }
+  diagnostics_.clear();
+  root_ = nullptr;
+  open_ = {path_};
+  tried_ = false;
+  const NQFileCodeEnum result =
+      readOMLFile(path_.c_str(), grammar, nullptr, -1, binary ? 1 : 0, 0, 0);
+  takeMessage();
+  return result;
 }
 
 bool CheckingReader::mayInclude(const std::string& path) const {
@@ -92,7 +82,6 @@ std::string CheckingReader::whyNotIncluded() {
   if (std::any_of(open_.begin(), open_.end() - 1, isSame)) {
     return "a file cannot include itself, over whatever detour";
   }
-  inUse_ = isInUse(path);
   return "`" + path + "' " + whyClosed(path);
 }
 
@@ -156,8 +145,6 @@ void CheckingReader::collect(Severity severity, const char* file, nqLong line, i
   diagnostic.text = text;
   if (code == kCannotOpen && diagnostic.place.known()) {
     diagnostic.notes.push_back({whyNotIncluded(), {}});
-  } else if (code == kCannotOpen) {
-    inUse_ = isInUse(path_);
   }
   diagnostics_.push_back(std::move(diagnostic));
 }

@@ -24,9 +24,8 @@ class CheckingReader : public NQOMLFile {
   // allows any.
   CheckingReader(std::string path, std::string shownAs, std::string includeRoot);
 
-  // Reads the file; afterwards the diagnostics stand in the order in which they
-  // were reported. While one of the files is in use by another program, for a second
-  // at most, it is tried again.
+  // Reads the file, beside others that read it so; afterwards the diagnostics stand in
+  // the order in which they were reported.
   NQFileCodeEnum read(NQOMLStatic* grammar, bool binary);
   void execute() override;
   std::vector<Diagnostic>& diagnostics() { return diagnostics_; }
@@ -71,7 +70,6 @@ class CheckingReader : public NQOMLFile {
   // only tried.
   std::vector<std::string> open_;
   bool tried_ = false;  // the last of them, and no byte was read since
-  bool inUse_ = false;  // somebody else has a file open that was to be read
 };
 
 }  // namespace nqoml

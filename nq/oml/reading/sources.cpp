@@ -112,10 +112,14 @@ bool Sources::open(const std::string& name) {
       (!files_.empty() && !owner_.mayInclude(name.c_str()))) {
     return false;
   }
-  const Handle handle = system().open(name.c_str(), Access::kRead, Creation::kExisting);
+  const Handle handle = system().open(name.c_str(), access_, Creation::kExisting);
   if (handle == noHandle()) return false;
   const std::int64_t size = system().fileSize(handle);
-  if (!files_.empty() && size < 0) {
+  // No file includes itself, also where the system would open it once more.
+  const bool isOpen = std::any_of(
+      files_.begin(), files_.end(),
+      [handle](const auto& file) { return system().isSameFile(file->handle(), handle); });
+  if (isOpen || (!files_.empty() && size < 0)) {
     (void)system().close(handle);
     return false;
   }

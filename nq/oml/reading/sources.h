@@ -55,6 +55,7 @@ class Source {
   const char* end;  // behind the last byte of the window; *end is 0
 
   const std::string& name() const { return name_; }
+  Handle handle() const { return handle_; }
   nqLong fileIndex() const { return fileIndex_; }
   nqLong line() const { return line_; }
   // The column of a place within the window, or where `at` stands.
@@ -122,8 +123,10 @@ class Sources {
     Place place;
   };
 
-  Sources(SourceOwner& owner, bool text, const SourceLimits& limits = {})
-      : owner_(owner), text_(text), limits_(limits) {}
+  // Files are opened for `access`.
+  Sources(SourceOwner& owner, bool text, const SourceLimits& limits = {},
+          Access access = Access::kRead)
+      : owner_(owner), text_(text), limits_(limits), access_(access) {}
 
   // Opens a file on top of the stack. A relative name that cannot be opened as
   // it stands is tried in the directory of the file on top. False when it cannot
@@ -150,6 +153,7 @@ class Sources {
   SourceOwner& owner_;
   bool text_;
   SourceLimits limits_;
+  Access access_;
   int opened_ = 0;
   std::vector<std::unique_ptr<Source>> files_;
 };
