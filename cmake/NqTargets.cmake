@@ -3,6 +3,7 @@
 #   nq_options   how our own code is compiled (warnings, sanitizers, visibility)
 #   nq_objects   every source of the library, compiled once
 #   nq           the library for users (nq::nq), shared or static, from those objects
+#   nq_inside    the same objects with their internal units, for our own tools and tests
 
 include(GNUInstallDirs)
 
@@ -75,6 +76,14 @@ if(NOT WIN32)
   set_property(TARGET nq APPEND PROPERTY
     LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/exports.map)
 endif()
+
+add_library(nq_inside STATIC EXCLUDE_FROM_ALL $<TARGET_OBJECTS:nq_objects>)
+target_include_directories(nq_inside PUBLIC ${PROJECT_SOURCE_DIR})
+target_compile_features(nq_inside PUBLIC cxx_std_20)
+target_compile_options(nq_inside PUBLIC ${NQ_INTERFACE_OPTIONS})
+target_compile_definitions(nq_inside PUBLIC NQ_STATIC)
+target_link_libraries(nq_inside PUBLIC ${CMAKE_DL_LIBS})
+set_target_properties(nq_inside PROPERTIES LINKER_LANGUAGE CXX)
 
 # nq_sources(PUBLIC header... SOURCES source...)
 # Adds a folder's files to the library: public headers are installed and
