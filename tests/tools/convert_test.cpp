@@ -49,7 +49,13 @@ TEST_F(ConvertTest, SaysTheSameInBothEncodings) {
       "node a { drawing _ points: 3 drawing { line stroke dashed shape box } layout { x "
       "{ 1.0 2.0 } } }",
       "node a { drawing line { thickness 1.0 } drawing fill \"x\" }",
-      "node a { { \"t\" } { \"u\" 1 } } skip { } comment \"c\""};
+      "node a { { \"t\" } { \"u\" 1 } } skip { } comment \"c\"",
+      // Sections whose numbers do not tell their names: those of different wildcards, and
+      // those that are passed over.
+      "node a { _ line { thickness 1.0 } drawing _ thickness 2.0 }",
+      "skip title \"t\" node a { skip group 1 layout skip x 1.0 layout y 2.0 } skip node "
+      "b",
+      "section \"own\" own title \"t\" skip edge { own from a to b } node a node b"};
   for (const char* const row : kRows) {
     const std::string text = std::string("graph g { directed: true ") + row + " }";
     const Reading before = read(text);
@@ -62,6 +68,41 @@ TEST_F(ConvertTest, SaysTheSameInBothEncodings) {
     EXPECT_EQ(code_, kClean) << row << "\n" << err_;
     EXPECT_TRUE(read(direct) == before) << row << "\n" << direct;
     EXPECT_EQ(converted(binary, Encoding::kText), direct) << row;
+  }
+}
+
+// Behind a wildcard the number of a section does not tell its name, and only the right
+// name, or the right jump over levels, leads there.
+TEST_F(ConvertTest, FindsTheNamesOfSectionsBehindWildcards) {
+  std::string lines =
+      "types/[/t/]/sections/[/a/b/c/x/y/deep/]/O $toplevel$/[/T t/]/O t/["
+      "/S a/[/S x/[/F f I/S deep/[/F g I/]/]/]"
+      "/S b/[/S y/[/F f I/S c/[/F g I/]/S deep/[/F g I/S c/[/S deep/[/F g I/]/]/]/]/]/]";
+  std::replace(lines.begin(), lines.end(), '/', '\n');
+  options_.grammar = write("grammar", lines);
+  const struct {
+    const char* text;
+    const char* names;  // of the sections, in the text that is written
+  } kRows[] = {
+      {"t 1 { _ x f 1 }", "_ x"},
+      {"t 1 { _ y f 1 _ x f 2 }", "_ y x"},
+      {"t 1 { _ deep g 1 }", "_ deep"},
+      {"t 1 { _ x skip f 1 }", "_ y"},
+  };
+  for (const auto& row : kRows) {
+    const std::string text = converted(row.text, Encoding::kText);
+    EXPECT_EQ(err_, "") << row.text;
+    std::string names;
+    std::istringstream written(text);
+    for (std::string line; std::getline(written, line);) {
+      const std::size_t colon = line.find(": \r");
+      if (colon == line.npos) continue;
+      const std::size_t begin = line.find_first_not_of('\t');
+      names += (names.empty() ? "" : " ") + line.substr(begin, colon - begin);
+    }
+    EXPECT_EQ(names, row.names) << text;
+    const std::string binary = converted(row.text, Encoding::kBinary);
+    EXPECT_EQ(converted(binary, Encoding::kText), text) << row.text << err_;
   }
 }
 

@@ -1,5 +1,6 @@
 #include "tools/nqoml/tree.h"
 
+#include "nq/core/string_pool.h"
 #include "nq/oml/bin_value.h"
 
 #include <string_view>
@@ -13,6 +14,7 @@ namespace {
 class Summarizer {
  public:
   TreeSummary summarize(const NQOMLSyntaxObject& root) {
+    numberOfSections_ = root.pFile()->pOMLStatic()->pSectionPool()->decodeTableMax();
     numberDefaults(root);
     add(root);
     return std::move(summary_);
@@ -33,7 +35,7 @@ class Summarizer {
   void add(const NQOMLSyntaxObject& object) {
     ++summary_.nodes;
     number(object.typeIndex());
-    number(object.sectionPath());
+    section(object.sectionPath(), object.sectionIDIndex());
     if (object.objectIDIndex() >= 0) text(object.nameString());
     for (auto* list = object.pDefaultList(); list != nullptr; list = list->pNext()) {
       const auto known = defaults_.find(list->pFieldList());
@@ -51,7 +53,7 @@ class Summarizer {
   void add(const NQOMLSyntaxField& field) {
     ++summary_.nodes;
     text(field.nameString());
-    number(field.sectionPath());
+    section(field.sectionPath(), field.sectionIDIndex());
     number(field.unchecked());
     const NQOMLToken token = field.token();
     number(token.tag);
@@ -75,6 +77,11 @@ class Summarizer {
     }
   }
 
+  // Sections that the file declares are passed over as "skip" is.
+  void section(nqULong path, nqLong name) {
+    number(path);
+    number(name >= numberOfSections_ ? NQ_OML_SKIP_SECTION : name);
+  }
   void number(std::int64_t value) {
     for (int i = 0; i < 8; ++i) byte(static_cast<unsigned char>(value >> (8 * i)));
   }
@@ -89,6 +96,7 @@ class Summarizer {
   }
 
   TreeSummary summary_;
+  nqLong numberOfSections_ = 0;  // in the grammar
   std::unordered_map<const NQOMLSyntaxFieldList*, nqLong> defaults_;
 };
 

@@ -2,6 +2,7 @@
 
 #include "nq/core/string_pool.h"
 #include "nq/oml/bin_value.h"
+#include "nq/oml/grammar/section_path.h"
 #include "tools/nqoml/progress.h"
 #include "tools/nqoml/tree.h"
 
@@ -13,37 +14,53 @@ namespace nqoml {
 namespace {
 
 constexpr nqLong kDefaults = 0;  // the index of the id "defaults"
-constexpr nqULong kWildcard = 15;
-constexpr int kLevels = 8;
 constexpr std::size_t kFieldsOfLine = 4;
 constexpr nqLong kBytesOfLine = 16;
 constexpr char kTop[] = "$";
 
-nqULong numberAt(nqULong path, int level) {
-  return level < kLevels ? path >> (4 * level) & 15 : 0;
+nqULong upToLevel(nqULong path, int level) {
+  return level + 1 == nqdetail::kPathLevels
+             ? path
+             : path & ((nqULong{1} << 4 * (level + 1)) - 1);
 }
 
-int depthOf(nqULong path) {
-  int depth = 0;
-  while (numberAt(path, depth) != 0) ++depth;
-  return depth;
+bool leadsTo(nqULong beginning, nqULong path) {
+  const int depth = nqdetail::pathDepth(beginning);
+  return depth == 0 || upToLevel(path, depth - 1) == beginning;
 }
 
-// Fills `names` from `level` on with the sections of the path that begin with one
-// of `section` and its siblings; null for a wildcard. False when there are none.
-bool findSections(const NQOMLDefSection* section, nqULong path, int level,
-                  std::vector<const NQOMLDefSection*>& names) {
-  const nqULong number = numberAt(path, level);
-  if (number == 0) return true;
-  for (; section != nullptr; section = section->pNext()) {
-    if (number != kWildcard && numberAt(section->path(), level) != number) continue;
-    if (findSections(section->pSectionList(), path, level + 1, names)) {
-      names[static_cast<std::size_t>(level)] = number == kWildcard ? nullptr : section;
-      return true;
-    }
+// A name that leads from one path to the other, -1 when there is none. Sections with
+// different names may have the number that the path has, so the caller may tell the name.
+nqLong nameBetween(const NQOMLDefObjType* type, nqULong from, nqULong to, nqLong known) {
+  const auto leads = [&](nqLong name) {
+    return nqdetail::subsectionPath(type, from, name) == to;
+  };
+  if (known >= 0) return leads(known) ? known : -1;
+  if (leads(NQ_OML_WILDCARD_SECTION)) return NQ_OML_WILDCARD_SECTION;
+  const NQOMLDefSection* section = nqdetail::firstMatch(type, to);
+  while (section != nullptr && !leads(section->nameIndex())) {
+    section = nqdetail::nextMatch(section, to);
   }
-  // A wildcard may stand for nothing.
-  return number == kWildcard && findSections(nullptr, path, level + 1, names);
+  return section == nullptr ? -1 : section->nameIndex();
+}
+
+// Appends the sections that lead from the last of `open` to the wanted one, whose name
+// may be -1: one for each level, as far as each can be told apart. False without a way.
+bool findWay(const NQOMLDefObjType* type, const Section& wanted,
+             std::vector<Section>& open) {
+  const nqULong from = open.empty() ? 0 : open.back().path;
+  if (from == wanted.path) return true;
+  for (int level = nqdetail::pathDepth(from); level < nqdetail::pathDepth(wanted.path);
+       ++level) {
+    const nqULong next = upToLevel(wanted.path, level);
+    const nqLong name =
+        nameBetween(type, from, next, next == wanted.path ? wanted.name : -1);
+    if (name < 0) continue;
+    open.push_back({next, name});
+    if (findWay(type, wanted, open)) return true;
+    open.pop_back();
+  }
+  return false;
 }
 
 }  // namespace
@@ -90,26 +107,30 @@ void TreeWriter::writeContents(const NQOMLSyntaxObject& object,
   Block block;
   for (auto* cell = object.pFieldList(); cell != nullptr; cell = cell->pNext()) {
     const NQOMLSyntaxField& field = *cell->pField();
-    enter(block, object, field.sectionPath(), field.unchecked() != 0);
+    enter(block, object, {field.sectionPath(), field.sectionIDIndex()},
+          field.unchecked() != 0);
     writeField(field, beside);
   }
   for (NQOMLSyntaxObjectIter iter(&object); iter; ++iter) {
     const NQOMLSyntaxObject& child = *iter.pObject();
     // Objects have the section of the block of defaults that they stand in.
-    enter(block, object, defaults ? 0 : child.sectionPath(), false);
+    Section section = {0, -1};
+    if (!defaults) section = {child.sectionPath(), child.sectionIDIndex()};
+    enter(block, object, section, false);
+    const char* const type = afterSkip(section.name, typeName(child));
     if (child.objectIDIndex() == kDefaults) {
-      writeDefaults(child, scope);
+      writeDefaults(child, type, scope);
     } else {
-      writeObject(child, scope);
+      writeObject(child, type, scope);
     }
   }
-  enter(block, object, 0, false);
+  enter(block, object, {0, -1}, false);
 }
 
-void TreeWriter::writeDefaults(const NQOMLSyntaxObject& object,
+void TreeWriter::writeDefaults(const NQOMLSyntaxObject& object, const char* type,
                                const std::string& scope) {
   advance();
-  writeObjectDefaultStart(typeName(object));
+  writeObjectDefaultStart(type);
   writeOpeningBracket();
   writeContents(object, scope);
   const auto mentioned = mentioned_.find(object.pFieldList());
@@ -121,7 +142,8 @@ void TreeWriter::writeDefaults(const NQOMLSyntaxObject& object,
   writeClosingBracket();
 }
 
-void TreeWriter::writeObject(const NQOMLSyntaxObject& object, const std::string& scope) {
+void TreeWriter::writeObject(const NQOMLSyntaxObject& object, const char* type,
+                             const std::string& scope) {
   advance();
   std::string id = ownID(object, scope);
   const bool empty = object.pFieldList() == nullptr && object.pObjectList() == nullptr;
@@ -130,7 +152,7 @@ void TreeWriter::writeObject(const NQOMLSyntaxObject& object, const std::string&
     id.clear();
     --anonymous_;
   }
-  writeNamedObjectStart(typeName(object), id.c_str(), fitsOneLine(object) ? 1 : 0);
+  writeNamedObjectStart(type, id.c_str(), fitsOneLine(object) ? 1 : 0);
   if (empty && !id.empty()) return;
   writeOpeningBracket();
   writeContents(object, object.nameString());
@@ -151,31 +173,31 @@ bool TreeWriter::fitsOneLine(const NQOMLSyntaxObject& object) const {
   return count > 0;
 }
 
-void TreeWriter::enter(Block& block, const NQOMLSyntaxObject& object, nqULong path,
+void TreeWriter::enter(Block& block, const NQOMLSyntaxObject& object, Section wanted,
                        bool unchecked) {
-  if (block.path == path && block.unchecked == unchecked) return;
+  std::vector<Section>& open = block.open;
+  if (isSkipped(wanted.name)) wanted.name = -1;
+  const auto leadsThere = [&wanted](const Section& section) {
+    return leadsTo(section.path, wanted.path) &&
+           (section.path != wanted.path || wanted.name < 0 ||
+            section.name == wanted.name);
+  };
+  const bool isThere = open.empty()
+                           ? wanted.path == 0
+                           : open.back().path == wanted.path && leadsThere(open.back());
+  if (isThere && block.unchecked == unchecked) return;
   if (block.unchecked) writeClosingBracket();
   block.unchecked = false;
-  int common = 0;
-  while (numberAt(path, common) != 0 &&
-         numberAt(path, common) == numberAt(block.path, common)) {
-    ++common;
+  for (; !open.empty() && !leadsThere(open.back()); open.pop_back()) {
+    writeClosingBracket();
   }
-  for (int open = depthOf(block.path); open > common; --open) writeClosingBracket();
-  block.path = path;
-
-  std::vector<const NQOMLDefSection*> sections(kLevels, nullptr);
-  if (common < depthOf(path) &&
-      !findSections(object.pDefObjType()->pSectionList(), path, 0, sections)) {
+  const std::size_t before = open.size();
+  if (!findWay(object.pDefObjType(), wanted, open)) {
     trouble_ = "has a section that the grammar does not have";
   }
-  for (int level = common; level < depthOf(path); ++level) {
-    const NQOMLDefSection* const section = sections[static_cast<std::size_t>(level)];
-    writeSectionStart(
-        section == nullptr
-            ? "_"
-            : spelling(grammar_.grammar->pSectionPool()->decode(section->nameIndex())),
-        0);
+  for (std::size_t i = before; i < open.size(); ++i) {
+    writeSectionStart(spelling(grammar_.grammar->pSectionPool()->decode(open[i].name)),
+                      0);
     writeOpeningBracket();
   }
   if (unchecked) {
@@ -186,16 +208,33 @@ void TreeWriter::enter(Block& block, const NQOMLSyntaxObject& object, nqULong pa
   }
 }
 
+bool TreeWriter::isSkipped(nqLong section) const {
+  return section == NQ_OML_SKIP_SECTION ||
+         section >= grammar_.grammar->pSectionPool()->decodeTableMax();
+}
+
+const char* TreeWriter::afterSkip(nqLong section, const char* name) {
+  if (!isSkipped(section)) return name;
+  if (binary_) {
+    writeSectionStart("skip", 0);
+    return name;
+  }
+  // A section's start would be read with the name as its value.
+  skipped_ = std::string("skip ") + name;
+  return skipped_.c_str();
+}
+
 void TreeWriter::writeField(const NQOMLSyntaxField& field, const std::string& scope) {
   advance();
   const NQOMLToken token = field.token();
-  const char* const name = spelling(field.nameString());
   if (binary_ && field.nameIndex() >= grammar_.grammar->pFieldPool()->decodeTableMax()) {
     trouble_ = "has a field that the grammar does not know, `" +
                std::string(field.nameString()) +
                "', which the binary encoding cannot name";
     return;
   }
+  const char* const name =
+      afterSkip(field.sectionIDIndex(), spelling(field.nameString()));
   switch (token.tag) {
     case NQ_OML_STRING:
       writeStringAttribute(name, field.stringValue());

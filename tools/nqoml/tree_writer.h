@@ -21,6 +21,12 @@ namespace nqoml {
 
 class Progress;
 
+// A section: the path to it, and its name in the grammar.
+struct Section {
+  nqULong path;
+  nqLong name;  // -1 where there is none, and where it is not known
+};
+
 class TreeWriter : public NQOMLFile {
  public:
   // All are borrowed; `nodes` is their number, for the progress.
@@ -37,18 +43,24 @@ class TreeWriter : public NQOMLFile {
  private:
   // Sections and unchecked groups that are open in the block being written.
   struct Block {
-    nqULong path = 0;
+    std::vector<Section> open;
     bool unchecked = false;
   };
 
   void collectDefaults(const NQOMLSyntaxObject& object, const void* inherited);
   void writeContents(const NQOMLSyntaxObject& object, const std::string& scope);
-  void writeDefaults(const NQOMLSyntaxObject& object, const std::string& scope);
-  void writeObject(const NQOMLSyntaxObject& object, const std::string& scope);
+  void writeDefaults(const NQOMLSyntaxObject& object, const char* type,
+                     const std::string& scope);
+  void writeObject(const NQOMLSyntaxObject& object, const char* type,
+                   const std::string& scope);
   void writeField(const NQOMLSyntaxField& field, const std::string& scope);
   bool fitsOneLine(const NQOMLSyntaxObject& object) const;
-  // Opens and closes what is between the block's state and the wanted one.
-  void enter(Block& block, const NQOMLSyntaxObject& object, nqULong path, bool unchecked);
+  // Opens and closes what is between the block's state and the wanted section.
+  void enter(Block& block, const NQOMLSyntaxObject& object, Section wanted,
+             bool unchecked);
+  // `name` with the word "skip" in front where the file has it there.
+  const char* afterSkip(nqLong section, const char* name);
+  bool isSkipped(nqLong section) const;
   std::string ownID(const NQOMLSyntaxObject& object, const std::string& scope);
   const char* typeName(const NQOMLSyntaxObject& object);
   // A name as the grammar file spells it; valid as long as the writer.
@@ -68,6 +80,7 @@ class TreeWriter : public NQOMLFile {
   std::unordered_map<const void*, std::vector<const NQOMLSyntaxObject*>> mentioned_;
   std::unordered_map<const NQOMLSyntaxObject*, bool> isMentioned_;
   std::map<std::string, std::string, std::less<>> spellings_;
+  std::string skipped_;  // what afterSkip() has returned
 };
 
 }  // namespace nqoml

@@ -1,5 +1,7 @@
 #include "nq/oml/grammar/section_path.h"
 
+#include "nq/oml/grammar.h"
+
 namespace nqdetail {
 
 namespace {
@@ -54,6 +56,43 @@ NQOMLDefSection* uniqueSectionBelow(const NQOMLDefScope* scope, nqLong nameIndex
     section = below != nullptr ? below : behind(section, top);
   }
   return found;
+}
+
+nqULong subsectionPath(const NQOMLDefObjType* type, nqULong path, nqLong nameIndex) {
+  if (nameIndex == NQ_OML_WILDCARD_SECTION) {
+    const nqULong extended = extendPath(path, kPathWildcard);
+    return extended == path ? 0 : extended;
+  }
+  if (path == 0) {
+    const NQOMLDefSection* found = type->pSection(nameIndex);
+    if (found == nullptr) found = uniqueSectionBelow(type, nameIndex);
+    return found == nullptr ? 0 : found->path();
+  }
+  // The path that `find` gives for the matching sections, if those where it finds
+  // one agree; 0 when they do not. False when it finds none.
+  const auto isFound = [&](auto find, nqULong& result) {
+    const NQOMLDefSection* first = nullptr;
+    for (auto* in = firstMatch(type, path); in != nullptr; in = nextMatch(in, path)) {
+      const NQOMLDefSection* const found = find(*in);
+      if (found == nullptr) continue;
+      if (first == nullptr) first = found;
+      if (((found->path() ^ first->path()) & pathMask(path)) != 0) {
+        result = 0;
+        return true;
+      }
+    }
+    result = first == nullptr ? 0 : (first->path() & pathMask(path)) | path;
+    return first != nullptr;
+  };
+  const auto direct = [nameIndex](const NQOMLDefSection& in) {
+    return in.pSection(nameIndex);
+  };
+  const auto below = [nameIndex](const NQOMLDefSection& in) {
+    return uniqueSectionBelow(&in, nameIndex);
+  };
+  nqULong result = 0;
+  if (!isFound(direct, result)) (void)isFound(below, result);
+  return result;
 }
 
 }  // namespace nqdetail

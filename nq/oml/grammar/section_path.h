@@ -67,6 +67,12 @@ NQOMLDefSection* nextMatch(const NQOMLDefSection* section, nqULong pattern);
 // name stands there exactly once; else null.
 NQOMLDefSection* uniqueSectionBelow(const NQOMLDefScope* scope, nqLong nameIndex);
 
+// The path that a section's name leads to from `path`: to a direct subsection of the
+// sections that match it, failing that to the only section of that name below each; the
+// wildcard's name adds a wildcard. 0 when there is none, and when the sections found
+// differ in more than what `path` leaves open.
+nqULong subsectionPath(const NQOMLDefObjType* type, nqULong path, nqLong nameIndex);
+
 }  // namespace nqdetail
 
 #endif  // NQ_OML_GRAMMAR_SECTION_PATH_H

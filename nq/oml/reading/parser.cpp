@@ -316,7 +316,7 @@ nqULong Parser::extendSectionPath(const SourceToken& token, const Context& conte
   const nqLong section = token.integer();
   const nqULong path = context.sectionPath;
   if (isSkipSection(section)) return path;
-  const nqULong extended = subsectionPath(section, context);
+  const nqULong extended = subsectionPath(context.type(), path, section);
   if (extended != 0) return extended;
 
   const NQOMLDefSection* const enclosing = firstMatch(context.type(), path);
@@ -330,45 +330,6 @@ nqULong Parser::extendSectionPath(const SourceToken& token, const Context& conte
     error(token, kNoSubsectionOfAll, name, type);
   }
   return path;
-}
-
-nqULong Parser::subsectionPath(nqLong section, const Context& context) const {
-  const nqULong path = context.sectionPath;
-  if (section == NQ_OML_WILDCARD_SECTION) {
-    const nqULong extended = extendPath(path, kPathWildcard);
-    return extended == path ? 0 : extended;
-  }
-  if (path == 0) {
-    const NQOMLDefSection* found = context.type()->pSection(section);
-    if (found == nullptr) found = uniqueSectionBelow(context.type(), section);
-    return found == nullptr ? 0 : found->path();
-  }
-  // The path that `find` gives for the matching sections, if those where it finds
-  // one agree; 0 when they do not. False when it finds none.
-  const auto isFound = [&](auto find, nqULong& result) {
-    const NQOMLDefSection* first = nullptr;
-    for (auto* in = firstMatch(context.type(), path); in != nullptr;
-         in = nextMatch(in, path)) {
-      const NQOMLDefSection* const found = find(*in);
-      if (found == nullptr) continue;
-      if (first == nullptr) first = found;
-      if (((found->path() ^ first->path()) & pathMask(path)) != 0) {
-        result = 0;
-        return true;
-      }
-    }
-    result = first == nullptr ? 0 : (first->path() & pathMask(path)) | path;
-    return first != nullptr;
-  };
-  const auto direct = [section](const NQOMLDefSection& in) {
-    return in.pSection(section);
-  };
-  const auto below = [section](const NQOMLDefSection& in) {
-    return uniqueSectionBelow(&in, section);
-  };
-  nqULong result = 0;
-  if (!isFound(direct, result)) (void)isFound(below, result);
-  return result;
 }
 
 bool Parser::nthFieldDescrToken(const Context& context, int position,

@@ -74,8 +74,6 @@ class Parser {
   // The path of a section inside the one where `context` is; that one's path when
   // the section is skipped, or is none there, which is reported.
   nqULong extendSectionPath(const SourceToken& section, const Context& context);
-  // The same, 0 when there is no such section or it is not told apart.
-  nqULong subsectionPath(nqLong section, const Context& context) const;
   bool nthFieldDescrToken(const Context& context, int position, const SourceToken& value,
                           SourceToken& name) const;
   NQOMLDefField* checkFieldSection(const SourceToken& name, const Context& context);
