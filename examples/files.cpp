@@ -25,6 +25,13 @@ int main() {
   // Output is gathered: only a close that succeeds says that all of it is there.
   if (out.close() != NQ_FILE_OK) return failed("write the file");
 
+  // From now on the old file stays until the new one is whole.
+  out.safeWriting(1);
+  if (out.open(name, NQ_WRITE) != NQ_FILE_OK) return failed("replace the file");
+  out.writeLine("half of a new file");
+  out.abandon();  // something went wrong; without this, close() would replace the file
+  if (out.close() == NQ_FILE_OK) return failed("keep the file");
+
   NQTextFile in;
   if (in.open(name, NQ_READ) != NQ_FILE_OK) return failed("open the file");
   NQStringHandle title;

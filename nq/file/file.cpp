@@ -5,6 +5,7 @@
 #include <initializer_list>
 #include <string>
 
+#include "nq/file/replacement_internal.h"
 #include "nq/file/system_calls.h"
 #include "nq/file/transfer_internal.h"
 #include "nq/platform/system_internal.h"
@@ -27,6 +28,10 @@ constexpr bool isOneOf(NQFileModeEnum mode, std::initializer_list<NQFileModeEnum
 
 constexpr bool isBuffered(NQFileModeEnum mode) {
   return isOneOf(mode, {NQ_READ, NQ_READ_BINARY, NQ_READ_ASCII});
+}
+
+constexpr bool isEmptying(NQFileModeEnum mode) {
+  return isOneOf(mode, {NQ_WRITE, NQ_WRITE_BINARY, NQ_WRITE_ASCII});
 }
 
 constexpr bool isReading(NQFileModeEnum mode) {
@@ -66,8 +71,9 @@ NQ_COPY_PROTOCOL_IMPL(NQFile)
 // A file that is in use is never shared: the copy of one is idle.
 void NQFile::NQFiledeepCopy(const NQFile& source) {
   NQCopyAccess::deep<NQObject>(*this, source);
-  (void)empty();
+  makeIdle();
   sharedReading_ = source.sharedReading_;
+  safeWriting_ = source.safeWriting_;
   if (source.isOpen() || source.fileHandle_ != noHandle()) return;
   mode_ = source.mode_;
   bits_ = source.bits_;
@@ -78,8 +84,9 @@ void NQFile::NQFiledeepCopy(const NQFile& source) {
 
 void NQFile::NQFileattributeCopy(const NQFile& source) {
   NQCopyAccess::attributes<NQObject>(*this, source);
-  (void)empty();
+  makeIdle();
   sharedReading_ = source.sharedReading_;
+  safeWriting_ = source.safeWriting_;
 }
 
 NQFile::NQFile() {
@@ -87,7 +94,7 @@ NQFile::NQFile() {
 }
 
 NQFile::~NQFile() {
-  (void)empty();
+  makeIdle();
 }
 
 void NQFile::init() {
@@ -102,6 +109,7 @@ void NQFile::init() {
   pPathName_.reset();
   output_.reset();
   input_.reset();
+  replacement_.reset();
 }
 
 void* NQFile::fileHandle() const {
@@ -170,8 +178,14 @@ NQFileCodeEnum NQFile::open(const char* name, NQFileModeEnum newMode) {
   if (name == nullptr) return NQ_FILE_OPEN_ERROR;
 
   NQByteOrderEnum order = NQ_DEFAULT_BYTE_ORDER;
-  fileHandle_ =
-      nameFits ? openHandle(ownName, newMode, sharedReading_ != 0, &order) : noHandle();
+  if (!nameFits) {
+    fileHandle_ = noHandle();
+  } else if (safeWriting_ != 0 && isEmptying(newMode)) {
+    replacement_ = nqdetail::Replacement::begin(ownName);
+    fileHandle_ = replacement_ == nullptr ? noHandle() : replacement_->handle();
+  } else {
+    fileHandle_ = openHandle(ownName, newMode, sharedReading_ != 0, &order);
+  }
   byteOrder_ = order;
   mode_ = newMode;
   buffered(isBuffered(newMode));
@@ -197,7 +211,10 @@ NQFileCodeEnum NQFile::close() {
   const bool flushed = flush() == NQ_FILE_OK;
   const bool sent = sendOutput();  // also where an override does not flush
   const bool whole = flushed && sent && (output_ == nullptr || !output_->lostAny());
-  const bool closed = system().close(fileHandle_);
+  if (replacement_ != nullptr && !whole) replacement_->abandon();
+  const bool closed =
+      replacement_ == nullptr ? system().close(fileHandle_) : replacement_->commit();
+  replacement_.reset();
   output_.reset();
   input_.reset();
   fileHandle_ = noHandle();
@@ -240,6 +257,10 @@ NQFileCodeEnum NQFile::flush() {
   if (sendOutput()) return NQ_FILE_OK;
   error(1);
   return NQ_FILE_WRITE_ERROR;
+}
+
+void NQFile::abandon() {
+  if (replacement_ != nullptr) replacement_->abandon();
 }
 
 NQFileCodeEnum NQFile::writeEndOfFile() {
@@ -306,8 +327,15 @@ NQFileCodeEnum NQFile::empty() {
   return result;
 }
 
+// Where nobody can be answered.
+void NQFile::makeIdle() {
+  abandon();
+  (void)empty();
+}
+
 void* NQFile::fileHandle(void* handle) {
   letGoOfHandle();
+  replacement_.reset();
   return fileHandle_ = handle;
 }
 

@@ -43,6 +43,7 @@ class NQTestPeer;
 
 namespace nqdetail {
 class ReadAhead;
+class Replacement;
 class WriteBehind;
 }  // namespace nqdetail
 
@@ -69,6 +70,18 @@ class NQ_EXPORT NQFile : public NQObject {
   // what readers of formats built on this class open; 0 at first. Copies take it along.
   int sharedReading() const { return sharedReading_; }
   int sharedReading(int shared) { return sharedReading_ = shared; }
+
+  // Whether the following opens for writing keep the old file, if there is one, until
+  // the new one is whole and on disk: what is written goes to a file in the same folder,
+  // which close() puts in the place of the old one in one step. Until then, and whenever
+  // close() does not answer NQ_FILE_OK, the old file is as it was. For the modes that
+  // empty a file; the others change it where it is. 0 at first. Copies take it along.
+  //   A link stays one, and the file that it leads to is replaced. The new file has the
+  //   old one's permissions, and owner and group where the system lets us; what the group
+  //   was allowed is dropped with it. Other hard links keep the old contents. A device is
+  //   written itself. Destruction and assignment abandon() a file that was not closed.
+  int safeWriting() const { return safeWriting_; }
+  int safeWriting(int safe) { return safeWriting_ = safe; }
 
   // Set by a writer when the file is complete.
   int storedOnDisk() const { return flag(kStoredOnDisk); }
@@ -126,6 +139,10 @@ class NQ_EXPORT NQFile : public NQObject {
   // Sends on what was gathered. NQ_FILE_WRITE_ERROR when the system does not take it
   // all; what is left is tried again by the next flush, and by close.
   virtual NQFileCodeEnum flush();
+  // Gives up the file that is being written under safeWriting: the next close removes
+  // it, leaves the old one as it was and answers NQ_FILE_CLOSE_ERROR. Changes nothing
+  // otherwise.
+  void abandon();
   // Writes the end marker "__NQ_END_OF_FILE__" to an archive in the modes 1 and
   // 7; succeeds without effect otherwise.
   virtual NQFileCodeEnum writeEndOfFile();
@@ -232,6 +249,7 @@ class NQ_EXPORT NQFile : public NQObject {
     return numberOfBufferedBytes_ > kLookAhead && numberOfBufferedBytes_ != kEarlyRefill;
   }
   void letGoOfHandle();
+  void makeIdle();
   bool hasHandle() const;
 
   void makeBuffer();
@@ -266,10 +284,12 @@ class NQ_EXPORT NQFile : public NQObject {
   int numberOfBufferedBytes_;            // unread ones
   NQByteOrderEnum byteOrder_;
   int sharedReading_ = 0;
-  std::unique_ptr<char[]> pFileName_;              // null, or kNameSize bytes
-  std::unique_ptr<char[]> pPathName_;              // the same
-  std::unique_ptr<nqdetail::WriteBehind> output_;  // while open by name to write,
-  std::unique_ptr<nqdetail::ReadAhead> input_;     // or to read
+  int safeWriting_ = 0;
+  std::unique_ptr<char[]> pFileName_;                   // null, or kNameSize bytes
+  std::unique_ptr<char[]> pPathName_;                   // the same
+  std::unique_ptr<nqdetail::WriteBehind> output_;       // while open by name to write,
+  std::unique_ptr<nqdetail::ReadAhead> input_;          // or to read
+  std::unique_ptr<nqdetail::Replacement> replacement_;  // while open under safeWriting
 };
 
 #endif  // NQ_FILE_FILE_H

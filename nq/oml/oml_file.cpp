@@ -296,6 +296,7 @@ NQFileCodeEnum NQOMLFile::writeOMLFile(const char* fileName, NQOMLStatic* gramma
     state.writer.reset();
   }
   if (opened || isOpen()) {
+    if (result != NQ_FILE_OK) abandon();
     const NQFileCodeEnum closed = attempt([this] { return close(); });
     if (result == NQ_FILE_OK) result = closed;
   }

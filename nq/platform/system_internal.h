@@ -13,6 +13,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 
 namespace nqdetail {
 
@@ -60,6 +61,24 @@ struct System {
   // Moves the place of the next transfer: to the end, or by so many bytes.
   bool (*seekToEnd)(Handle handle);
   bool (*seekBy)(Handle handle, std::int64_t distance);
+
+  // The steps of putting one file in the place of another. Each answers false when it
+  // failed and then changes nothing.
+  //   linkTarget    what the link `name` leads to; "" when it is not a link
+  //   createBeside  a new, empty file in the folder of `target`, which may be missing but
+  //                 is no directory, for writing. It has the permissions of `target`, and
+  //                 if we may its owner and group; without the group, nothing of what
+  //                 that was allowed. noHandle() with an empty name on failure.
+  //   sync          puts what was written on disk
+  //   replace       names the file `from` `to` in one step, in place of the file `held`,
+  //                 which is closed in any case; noHandle() where there is none
+  //   syncFolder    puts the folder of `name` on disk
+  bool (*linkTarget)(const char* name, std::string& target);
+  Handle (*createBeside)(const char* target, std::string& name);
+  bool (*sync)(Handle handle);
+  bool (*replace)(const char* from, const char* to, Handle held);
+  bool (*syncFolder)(const char* name);
+  bool (*remove)(const char* name);
 
   // The program's own streams, noHandle() where it has none.
   Handle (*standardInput)();

@@ -8,9 +8,13 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <memory>
+#include <string>
+#include <utility>
 
 #include "nq/platform/system_internal.h"
 
@@ -107,6 +111,89 @@ bool isSameFile(Handle first, Handle second) {
          one.st_ino == other.st_ino;
 }
 
+// With the separator at its end; "" for the current directory.
+std::string folderOf(const std::string& name) {
+  return name.substr(0, name.rfind('/') + 1);
+}
+
+bool linkTarget(const char* name, std::string& target) {
+  target.clear();
+  char text[PATH_MAX];
+  const ssize_t length = readlink(name, text, sizeof text);
+  if (length < 0) return errno == EINVAL || errno == ENOENT;
+  if (length == ssize_t{sizeof text}) return false;
+  if (text[0] != '/') target = folderOf(name);
+  target.append(text, static_cast<std::size_t>(length));
+  return true;
+}
+
+// What the new file is allowed must never be more than the old one was.
+bool grantRights(int descriptor, const struct stat& old) {
+  // Whoever may not give the file away may still be in its group.
+  const bool grouped = fchown(descriptor, static_cast<uid_t>(-1), old.st_gid) == 0;
+  const bool owned = fchown(descriptor, old.st_uid, static_cast<gid_t>(-1)) == 0;
+  const mode_t kept = grouped && owned ? 07777 : grouped ? 0777 : 0707;
+  return fchmod(descriptor, old.st_mode & kept) == 0;
+}
+
+Handle createBeside(const char* target, std::string& name) {
+  constexpr int kTries = 100;
+  name.clear();
+  struct stat old;
+  const bool replaces = stat(target, &old) == 0;
+  if (replaces && S_ISDIR(old.st_mode)) return noHandle();
+  // Any name will do that nobody has: the file is created, or the next one tried.
+  timespec now;
+  clock_gettime(CLOCK_MONOTONIC, &now);
+  auto number = static_cast<std::uint64_t>(now.tv_nsec) ^
+                (static_cast<std::uint64_t>(getpid()) << 32);
+  std::string path;
+  int descriptor = -1;
+  errno = EEXIST;
+  for (int i = 0; i < kTries && descriptor < 0 && errno == EEXIST; ++i) {
+    number = number * 6364136223846793005u + 1442695040888963407u;
+    path = folderOf(target) + ".nq-" + std::to_string(number);
+    descriptor = uninterrupted([&] {
+      return open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOCTTY,
+                  replaces ? 0600 : 0666);
+    });
+  }
+  if (descriptor < 0) return noHandle();
+  if (replaces && !grantRights(descriptor, old)) {
+    close(descriptor);
+    unlink(path.c_str());
+    return noHandle();
+  }
+  name = std::move(path);
+  return handleOf(descriptor);
+}
+
+bool syncFile(Handle handle) {
+  return uninterrupted([=] { return fsync(descriptorOf(handle)); }) == 0;
+}
+
+// The lock goes on until the new file is in place.
+bool replaceFile(const char* from, const char* to, Handle held) {
+  const bool renamed = rename(from, to) == 0;
+  if (held != noHandle()) closeFile(held);
+  return renamed;
+}
+
+bool syncFolder(const char* name) {
+  const std::string folder = folderOf(name);
+  const int descriptor = uninterrupted([&] {
+    return open(folder.empty() ? "." : folder.c_str(),
+                O_RDONLY | O_CLOEXEC | O_DIRECTORY);
+  });
+  if (descriptor < 0) return false;
+  const bool synced = syncFile(handleOf(descriptor));
+  return closeFile(handleOf(descriptor)) && synced;
+}
+
+bool removeFile(const char* name) {
+  return unlink(name) == 0;
+}
+
 bool readFile(Handle handle, void* data, std::size_t count, std::size_t* transferred) {
   const ssize_t result =
       uninterrupted([=] { return read(descriptorOf(handle), data, count); });
@@ -178,6 +265,12 @@ constexpr System kPosixSystem = {
     .write = writeFile,
     .seekToEnd = seekFileToEnd,
     .seekBy = seekFileBy,
+    .linkTarget = linkTarget,
+    .createBeside = createBeside,
+    .sync = syncFile,
+    .replace = replaceFile,
+    .syncFolder = syncFolder,
+    .remove = removeFile,
     .standardInput = [] { return handleOf(STDIN_FILENO); },
     .standardOutput = [] { return handleOf(STDOUT_FILENO); },
     .standardError = [] { return handleOf(STDERR_FILENO); },

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 
 #include "nq/platform/system_internal.h"
 
@@ -75,6 +76,74 @@ bool isSameFile(Handle first, Handle second) {
          one.dwVolumeSerialNumber == other.dwVolumeSerialNumber &&
          one.nFileIndexHigh == other.nFileIndexHigh &&
          one.nFileIndexLow == other.nFileIndexLow;
+}
+
+std::string folderOf(const std::string& name) {
+  const std::size_t separator = name.find_last_of("/\\:");
+  return separator == std::string::npos ? ".\\" : name.substr(0, separator + 1);
+}
+
+// The system tells only where a link leads in the end, and only if a file is there.
+bool linkTarget(const char* name, std::string& target) {
+  target.clear();
+  const DWORD attributes = GetFileAttributesA(name);
+  if (attributes == INVALID_FILE_ATTRIBUTES ||
+      (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
+    return true;
+  }
+  const HANDLE file =
+      CreateFileA(name, 0, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                  nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+  if (file == INVALID_HANDLE_VALUE) return false;
+  char path[1024];
+  const DWORD length = GetFinalPathNameByHandleA(file, path, sizeof path, 0);
+  CloseHandle(file);
+  if (length == 0 || length >= sizeof path) return false;
+  if (std::strcmp(path, name) != 0) target = path;
+  return true;
+}
+
+// The rights come from the old file when it is replaced, else from the folder.
+Handle createBeside(const char* target, std::string& name) {
+  name.clear();
+  char path[MAX_PATH + 1];
+  const DWORD attributes = GetFileAttributesA(target);
+  const bool isDirectory = attributes != INVALID_FILE_ATTRIBUTES &&
+                           (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+  if (isDirectory || GetTempFileNameA(folderOf(target).c_str(), "nq", 0, path) == 0) {
+    return noHandle();
+  }
+  const HANDLE handle = CreateFileA(path, GENERIC_WRITE, 0, nullptr, OPEN_EXISTING,
+                                    FILE_ATTRIBUTE_NORMAL, nullptr);
+  if (handle == INVALID_HANDLE_VALUE) {
+    DeleteFileA(path);
+    return noHandle();
+  }
+  name = path;
+  return handle;
+}
+
+bool syncFile(Handle handle) {
+  return FlushFileBuffers(handle) != 0;
+}
+
+// No file can be replaced while it is open.
+bool replaceFile(const char* from, const char* to, Handle held) {
+  if (held == noHandle()) {
+    return MoveFileExA(from, to, MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+  }
+  closeFile(held);
+  return ReplaceFileA(to, from, nullptr, REPLACEFILE_IGNORE_MERGE_ERRORS, nullptr,
+                      nullptr) != 0;
+}
+
+// The system sees to folders itself.
+bool syncFolder(const char*) {
+  return true;
+}
+
+bool removeFile(const char* name) {
+  return DeleteFileA(name) != 0;
 }
 
 bool readFile(Handle handle, void* data, std::size_t count, std::size_t* transferred) {
@@ -151,6 +220,12 @@ constexpr System kWindowsSystem = {
     .write = writeFile,
     .seekToEnd = seekFileToEnd,
     .seekBy = seekFileBy,
+    .linkTarget = linkTarget,
+    .createBeside = createBeside,
+    .sync = syncFile,
+    .replace = replaceFile,
+    .syncFolder = syncFolder,
+    .remove = removeFile,
     .standardInput = [] { return standardHandle(STD_INPUT_HANDLE); },
     .standardOutput = [] { return standardHandle(STD_OUTPUT_HANDLE); },
     .standardError = [] { return standardHandle(STD_ERROR_HANDLE); },

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <filesystem>
 #include <functional>
+#include <iterator>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -450,6 +453,137 @@ TEST(NQFile, MakesNamesUnique) {
   }
   EXPECT_EQ(NQFile::renameUnique(nullptr), 0);
   EXPECT_EQ(fake.openFiles(), 1) << "nothing is opened to ask";
+}
+
+// Every call of the system fails once, and also with all that follow, as when the
+// machine stops. There are never half a file and never two.
+TEST(NQFile, SafeWritingLeavesTheOldFileOrTheNewOne) {
+  const std::string news(100000, 'n');
+  const auto attempt = [&news](const char* name) {
+    NQFile file;
+    file.safeWriting(1);
+    NQFileCodeEnum result = file.open(name, NQ_WRITE);
+    if (result != NQ_FILE_OK) return result;
+    file.writeString(news.substr(0, 50000).c_str());
+    file.writeString(news.substr(50000).c_str());
+    return file.close();
+  };
+  for (const char* const old : {"old", "link to old", "missing"}) {
+    int failed = 0;
+    for (int call = 0; call >= 0; ++call) {
+      for (const bool on : {false, true}) {
+        SCOPED_TRACE(testing::Message() << old << call << on);
+        FakeSystem fake;
+        const bool isMissing = std::string(old) == "missing";
+        const std::string target = isMissing ? old : "old";
+        if (!isMissing) fake.files[target] = "old text";
+        fake.links["link to old"] = target;
+        fake.failingCall = call;
+        fake.failingOn = on;
+        const NQFileCodeEnum result = attempt(old);
+        const bool reached = fake.calls > call;
+        if (result == NQ_FILE_OK) {
+          EXPECT_EQ(fake.files[target], news);
+          EXPECT_TRUE(reached || fake.unsynced.empty());
+        } else {
+          EXPECT_TRUE(reached);
+          ++failed;
+          EXPECT_EQ(fake.files.contains(target), !isMissing);
+          EXPECT_TRUE(isMissing || fake.files[target] == "old text");
+        }
+        EXPECT_LE(fake.files.size(), on ? 2U : 1U) << "nothing is left behind";
+        EXPECT_EQ(fake.openFiles(), 0);
+        if (!reached && on) call = -2;
+      }
+    }
+    EXPECT_GT(failed, 8);
+  }
+  FakeSystem fake;
+  fake.files["a"] = "old text";
+  fake.diskSpace = news.size() - 1;
+  EXPECT_EQ(attempt("a"), NQ_FILE_CLOSE_ERROR);
+  EXPECT_EQ(fake.files, (std::map<std::string, std::string>{{"a", "old text"}}));
+}
+
+TEST(NQFile, SafeWritingEndsWithTheClose) {
+  FakeSystem fake;
+  fake.files["a"] = fake.files["d"] = "old";
+  fake.devices = {"d"};
+  fake.links = {{"round", "about"}, {"about", "round"}};
+  auto file = std::make_unique<NQFile>();
+  file->safeWriting(1);
+  EXPECT_EQ(NQFile(*file).safeWriting(), 1);
+  const auto begin = [&](const char* name, NQFileModeEnum mode) {
+    ASSERT_EQ(file->open(name, mode), NQ_FILE_OK);
+    const bool binary = mode == NQ_WRITE_BINARY;
+    EXPECT_EQ(binary ? file->writeBinary("new", 3) : file->writeString("new"),
+              NQ_FILE_OK);
+    EXPECT_EQ(file->flush(), NQ_FILE_OK);
+  };
+  for (const NQFileModeEnum mode : {NQ_WRITE, NQ_WRITE_BINARY, NQ_WRITE_ASCII}) {
+    fake.files["a"] = "old";
+    begin("a", mode);
+    EXPECT_EQ(fake.files["a"], "old");
+    NQFile other;
+    EXPECT_EQ(other.open("a", NQ_READ), NQ_FILE_OPEN_ERROR) << "is being written";
+    EXPECT_EQ(file->close(), NQ_FILE_OK);
+    EXPECT_EQ(fake.files["a"], "new");
+  }
+  begin("d", NQ_WRITE);
+  EXPECT_EQ(fake.files["d"], "new") << "a device, which cannot be replaced";
+  EXPECT_EQ(file->close(), NQ_FILE_OK);
+  begin("a", NQ_APPEND);
+  EXPECT_EQ(fake.files["a"], "newnew") << "is changed where it is";
+  EXPECT_EQ(file->close(), NQ_FILE_OK);
+  EXPECT_EQ(file->open("round", NQ_WRITE), NQ_FILE_OPEN_ERROR);
+  begin("c", NQ_WRITE);
+  EXPECT_EQ(file->open("b", NQ_WRITE), NQ_FILE_OK) << "closes the one before";
+  EXPECT_EQ(fake.files["c"], "new");
+  EXPECT_EQ(file->writeString("new"), NQ_FILE_OK);
+  file->abandon();
+  EXPECT_EQ(file->close(), NQ_FILE_CLOSE_ERROR);
+  EXPECT_FALSE(fake.files.contains("b"));
+
+  // Nobody said that the file is whole.
+  begin("b", NQ_WRITE);
+  *file = NQFile();
+  EXPECT_FALSE(fake.files.contains("b"));
+  file->safeWriting(1);
+  begin("b", NQ_WRITE);
+  file.reset();
+  EXPECT_FALSE(fake.files.contains("b"));
+  EXPECT_EQ(fake.openFiles(), 0);
+}
+
+TEST(NQFile, SafeWritingReplacesTheHostsFiles) {
+  namespace fs = std::filesystem;
+  const TemporaryDirectory directory;
+  directory.put("a", "old");
+  const auto write = [](const std::string& name) {
+    NQFile file;
+    file.safeWriting(1);
+    const NQFileCodeEnum result = file.open(name.c_str(), NQ_WRITE);
+    return result == NQ_FILE_OK && file.writeString("new") == NQ_FILE_OK ? file.close()
+                                                                         : result;
+  };
+  fs::permissions(directory.file("a"), fs::perms::owner_all | fs::perms::group_read);
+  const fs::perms before = fs::status(directory.file("a")).permissions();
+  std::vector<std::string> names = {"a", "b"};
+  std::error_code code;
+  fs::create_symlink("a", directory.file("link"), code);
+  if (!code) names.push_back("link");
+  for (const std::string& name : names) {
+    EXPECT_EQ(write(directory.file(name)), NQ_FILE_OK) << name;
+    EXPECT_EQ(directory.contents(name), "new") << name;
+    if (name != "b") directory.put("a", "old");
+  }
+  EXPECT_EQ(fs::status(directory.file("a")).permissions(), before);
+  EXPECT_EQ(fs::is_symlink(directory.file("link")), names.size() == 3);
+  EXPECT_EQ(write(directory.path()), NQ_FILE_OPEN_ERROR);
+  EXPECT_EQ(write(directory.file("missing/a")), NQ_FILE_OPEN_ERROR);
+  const auto files = fs::directory_iterator(directory.path());
+  EXPECT_EQ(std::distance(begin(files), end(files)),
+            static_cast<std::ptrdiff_t>(names.size()));
 }
 
 TEST(NQFile, SharesTheHostsFilesWithNobody) {

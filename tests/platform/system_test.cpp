@@ -167,6 +167,30 @@ TEST(System, RefusesFilesWithoutPermission) {
   EXPECT_EQ(seteuid(user), 0);
 }
 
+// A user who may write the file but neither give files away nor be in its group.
+TEST(System, TheFileBesideAnotherIsAllowedNoMoreThanThat) {
+  if (geteuid() != 0) GTEST_SKIP() << "takes the rights to give files away";
+  const TemporaryDirectory directory;
+  directory.put("a", "text");
+  const std::string name = directory.file("a");
+  ASSERT_EQ(chmod(directory.path().c_str(), 0777), 0);
+  ASSERT_EQ(chown(name.c_str(), 65534, 1234), 0);
+  ASSERT_EQ(chmod(name.c_str(), 06775), 0);
+  for (const bool mayGive : {true, false}) {
+    ASSERT_EQ(seteuid(mayGive ? 0 : 65534), 0);
+    std::string beside;
+    const Handle handle = system().createBeside(name.c_str(), beside);
+    EXPECT_EQ(seteuid(0), 0);
+    ASSERT_NE(handle, noHandle());
+    EXPECT_TRUE(system().close(handle));
+    struct stat status;
+    ASSERT_EQ(stat(beside.c_str(), &status), 0);
+    EXPECT_EQ(status.st_uid, 65534U);
+    EXPECT_EQ(status.st_mode & 07777, mayGive ? 06775U : 0705U);
+    EXPECT_EQ(status.st_gid == 1234, mayGive);
+  }
+}
+
 int interruptedPipe[2];
 
 // Interrupts come until the read has something to read.

@@ -19,7 +19,15 @@ struct FakeCalls {
     return nullptr;
   }
 
+  // Whether the call that begins is to fail.
+  static bool fails() {
+    const int call = inForce->calls++;
+    const int first = inForce->failingCall;
+    return first >= 0 && (inForce->failingOn ? call >= first : call == first);
+  }
+
   static Handle open(const char* name, Access access, Creation creation) {
+    if (fails()) return nqdetail::noHandle();
     const bool shared = access == Access::kSharedRead;
     for (const FakeSystem::OpenFile& file : inForce->opened_) {
       if (file.open && file.name == name && !(shared && file.shared)) {
@@ -40,7 +48,52 @@ struct FakeCalls {
     FakeSystem::OpenFile* const file = find(handle);
     if (file == nullptr) return false;
     file->open = false;
-    return !inForce->failingClose;
+    return !fails() && !inForce->failingClose;
+  }
+
+  static bool exists(const char* name) {
+    return !fails() && inForce->files.contains(name);
+  }
+
+  static bool linkTarget(const char* name, std::string& target) {
+    const auto found = inForce->links.find(name);
+    target = found == inForce->links.end() ? "" : found->second;
+    return !fails();
+  }
+
+  static Handle createBeside(const char* target, std::string& name) {
+    name.clear();
+    if (fails()) return nqdetail::noHandle();
+    name = std::string(target) + ".new";
+    inForce->files[name].clear();
+    inForce->opened_.push_back({name, 0, false, true, true});
+    return &inForce->opened_.back();
+  }
+
+  static bool sync(Handle handle) {
+    if (fails()) return false;
+    inForce->unsynced.erase(find(handle)->name);
+    return true;
+  }
+
+  static bool replace(const char* from, const char* to, Handle held) {
+    if (held != nqdetail::noHandle()) find(held)->open = false;
+    if (fails()) return false;
+    inForce->files[to] = inForce->files[from];
+    inForce->files.erase(from);
+    if (inForce->unsynced.erase(from) != 0) inForce->unsynced.insert(to);
+    inForce->unsynced.insert("folder");
+    return true;
+  }
+
+  static bool syncFolder(const char*) {
+    if (fails()) return false;
+    inForce->unsynced.erase("folder");
+    return true;
+  }
+
+  static bool remove(const char* name) {
+    return !fails() && inForce->files.erase(name) != 0;
   }
 
   static std::int64_t fileSize(Handle handle) {
@@ -77,10 +130,12 @@ struct FakeCalls {
                     std::size_t* moved) {
     *moved = 0;
     ++inForce->writes;
+    if (fails()) return false;
     FakeSystem::OpenFile* const file = find(handle);
     if (file == nullptr || !file->writable) return false;
     *moved = std::min({count, inForce->largestTransfer, inForce->diskSpace});
     if (inForce->diskSpace != FakeSystem::kUnlimited) inForce->diskSpace -= *moved;
+    inForce->unsynced.insert(file->name);
     std::string& contents = inForce->files[file->name];
     contents.resize(std::max(contents.size(), file->position + *moved));
     contents.replace(file->position, *moved, static_cast<const char*>(data), *moved);
@@ -106,7 +161,13 @@ struct FakeCalls {
 FakeSystem::FakeSystem() : table_(nqdetail::hostSystem()) {
   table_.open = FakeCalls::open;
   table_.close = FakeCalls::close;
-  table_.exists = [](const char* name) { return inForce->files.contains(name); };
+  table_.exists = FakeCalls::exists;
+  table_.linkTarget = FakeCalls::linkTarget;
+  table_.createBeside = FakeCalls::createBeside;
+  table_.sync = FakeCalls::sync;
+  table_.replace = FakeCalls::replace;
+  table_.syncFolder = FakeCalls::syncFolder;
+  table_.remove = FakeCalls::remove;
   table_.fileSize = FakeCalls::fileSize;
   table_.isSameFile = FakeCalls::isSameFile;
   table_.read = FakeCalls::read;

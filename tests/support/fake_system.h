@@ -26,13 +26,21 @@ class FakeSystem {
 
   std::map<std::string, std::string> files;
   std::set<std::string> devices;  // those files that are none
+  std::map<std::string, std::string> links;
+  // Files written, and folders of files replaced, since they were last put on disk.
+  std::set<std::string> unsynced;
 
   std::size_t largestTransfer = kUnlimited;  // longer ones stop short
   std::size_t diskSpace = kUnlimited;        // bytes that can still be written
   int readsUntilFailure = -1;                // -1: never; stays at 0, failing
+  // Of all calls from now on, the one that fails, from 0 on; -1 for none. With
+  // `failingOn` so do all that follow, as when the machine stops.
+  int failingCall = -1;
+  bool failingOn = false;
   bool failingSeek = false;
   bool failingClose = false;
 
+  int calls = 0;
   int reads = 0;
   int writes = 0;
   int openFiles() const;
