@@ -31,11 +31,11 @@ struct Diagnostic {
   int code = -1;  // the library's number; -1 for the tool's own messages
   Place place;
   std::string text;     // the message alone
-  std::string message;  // the whole line as the library writes it, no line end
+  std::string message;  // messageLine(), once it is reported
   std::vector<Note> notes;
 };
 
-// The line for a message of the tool itself, in the manner of the library's.
+// The line that the library writes for it, without its line end.
 std::string messageLine(const Diagnostic& diagnostic);
 
 }  // namespace nqoml

@@ -1,6 +1,7 @@
 #include "tools/nqoml/dump.h"
 
 #include "nq/core/string_pool.h"
+#include "nq/oml/encoding/records.h"
 #include "tools/nqoml/input.h"
 #include "tools/nqoml/reading.h"
 #include "tools/nqoml/source.h"
@@ -8,14 +9,15 @@
 #include "tools/nqoml/text.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 #include <cstdint>
+#include <cstdio>
 #include <optional>
 #include <ostream>
 #include <string>
 
 namespace nqoml {
+
+using namespace nqdetail;
 
 namespace {
 
@@ -31,25 +33,14 @@ struct RecordKind {
 };
 
 constexpr RecordKind kRecordKinds[] = {
-    {'E', "enumerator", &NQOMLStatic::pEnumPool},
-    {'F', "field", &NQOMLStatic::pFieldPool},
-    {'I', "integer", nullptr},
-    {'O', "object type", &NQOMLStatic::pObjTypePool},
-    {'P', "IP address", nullptr},
-    {'R', "real", nullptr},
-    {'S', "section", &NQOMLStatic::pSectionPool},
+    {kEnumeratorRecord, "enumerator", &NQOMLStatic::pEnumPool},
+    {kFieldRecord, "field", &NQOMLStatic::pFieldPool},
+    {kIntegerRecord, "integer", nullptr},
+    {kObjectTypeRecord, "object type", &NQOMLStatic::pObjTypePool},
+    {kIPAddressRecord, "IP address", nullptr},
+    {kRealRecord, "real", nullptr},
+    {kSectionRecord, "section", &NQOMLStatic::pSectionPool},
 };
-
-char upper(char letter) {
-  return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
-}
-
-const RecordKind* kindOf(char letter) {
-  const auto* const found =
-      std::find_if(std::begin(kRecordKinds), std::end(kRecordKinds),
-                   [letter](const RecordKind& kind) { return kind.letter == letter; });
-  return found == std::end(kRecordKinds) ? nullptr : found;
-}
 
 class Dumper {
  public:
@@ -72,20 +63,20 @@ class Dumper {
   bool record() {
     const std::size_t start = at_;
     const char letter = bytes_[at_++];
-    if (std::string_view("({[<").find(letter) != std::string_view::npos) {
+    if (isOf(letter, kOpening)) {
       line(start) << letter << '\n';
       ++depth_;
-    } else if (std::string_view(")}]>").find(letter) != std::string_view::npos) {
+    } else if (isOf(letter, kClosing)) {
       showDamage();
       if (depth_ > 0) --depth_;
       line(start) << letter << '\n';
-    } else if (letter == '"') {
+    } else if (letter == kQuote) {
       text(start, "string");
-    } else if (letter == 'N') {
+    } else if (letter == kObjectIDText) {
       text(start, "id");
-    } else if (letter == '$') {
+    } else if (letter == kFullAddress) {
       text(start, "address from the top");
-    } else if (letter == 'X') {
+    } else if (letter == kBinaryValue) {
       binaryValue(start);
     } else {
       at_ = start;
@@ -96,8 +87,11 @@ class Dumper {
 
   // The number of a record of `letter`, in its long or short form, if there is one.
   std::optional<std::int32_t> readNumber(char letter) {
-    if (at_ == bytes_.size() || upper(bytes_[at_]) != letter) return std::nullopt;
-    const std::size_t length = bytes_[at_] == letter ? 4 : 1;
+    if (at_ == bytes_.size() || !isRecord(bytes_[at_]) ||
+        longForm(bytes_[at_]) != letter) {
+      return std::nullopt;
+    }
+    const std::size_t length = isLongForm(bytes_[at_]) ? 4 : 1;
     if (bytes_.size() - at_ - 1 < length) return std::nullopt;
     std::uint32_t value = 0;
     for (std::size_t i = 1; i <= length; ++i) {
@@ -115,8 +109,12 @@ class Dumper {
 
   bool number() {
     const std::size_t start = at_;
-    const RecordKind* const kind = kindOf(upper(bytes_[at_]));
-    if (kind == nullptr) return false;
+    if (!isRecord(bytes_[at_])) return false;
+    const auto* const kind =
+        std::find_if(std::begin(kRecordKinds), std::end(kRecordKinds),
+                     [this](const RecordKind& known) {
+                       return known.letter == longForm(bytes_[at_]);
+                     });
     const auto value = readNumber(kind->letter);
     std::ostream& out = line(start) << kind->text;
     if (!value) {
@@ -125,7 +123,7 @@ class Dumper {
       return true;
     }
     out << ' ';
-    if (kind->letter == 'P') {
+    if (kind->letter == kIPAddressRecord) {
       const auto address = static_cast<std::uint32_t>(*value);
       out << (address >> 24) << '.' << (address >> 16 & 255) << '.'
           << (address >> 8 & 255) << '.' << (address & 255);
@@ -133,8 +131,8 @@ class Dumper {
       out << *value;
     }
     if (kind->names != nullptr) name(kind->names, *value);
-    if (kind->letter == 'R') {
-      const auto exponent = readNumber('R');
+    if (kind->letter == kRealRecord) {
+      const auto exponent = readNumber(kRealRecord);
       if (!exponent) {
         damaged("has no exponent");
         return true;
@@ -159,7 +157,9 @@ class Dumper {
   // readers take it.
   void text(std::size_t start, const char* kind) {
     const std::size_t begin = at_;
-    while (at_ < bytes_.size() && bytes_[at_] != '"') at_ += bytes_[at_] == '\\' ? 2 : 1;
+    while (at_ < bytes_.size() && bytes_[at_] != kQuote) {
+      at_ += bytes_[at_] == kEscape ? 2 : 1;
+    }
     const bool closed = at_ < bytes_.size();
     const std::size_t end = closed ? at_++ : bytes_.size();
     at_ = std::min(at_, bytes_.size());
@@ -183,7 +183,7 @@ class Dumper {
 
   void binaryValue(std::size_t start) {
     std::ostream& out = line(start) << "binary value";
-    const auto length = readNumber('I');
+    const auto length = readNumber(kIntegerRecord);
     if (!length) return damaged("has no length");
     out << " of " << *length << " bytes";
     if (*length < 0) return damaged("no such length");
@@ -200,10 +200,9 @@ class Dumper {
   }
 
   void hex(std::string_view bytes) {
-    constexpr char kDigits[] = "0123456789abcdef";
     for (const char c : bytes.substr(0, kShownBytes)) {
       const auto byte = static_cast<unsigned char>(c);
-      out_ << ' ' << kDigits[byte >> 4] << kDigits[byte & 15];
+      out_ << ' ' << kHexDigits[byte >> 4] << kHexDigits[byte & 15];
     }
     if (bytes.size() > kShownBytes) out_ << " ...";
   }
@@ -223,13 +222,10 @@ class Dumper {
   // The beginning of a line for the record at `offset`.
   std::ostream& line(std::size_t offset) {
     showDamage();
-    std::array<char, 16> digits;
-    const auto end =
-        std::to_chars(digits.data(), digits.data() + digits.size(), offset, 16);
-    const auto count = static_cast<std::size_t>(end.ptr - digits.data());
-    out_ << std::string(count < 8 ? 8 - count : 0, '0')
-         << std::string_view(digits.data(), count) << "  "
-         << std::string(2 * std::min(depth_, kDeepest), ' ');
+    char digits[24];
+    std::snprintf(digits, sizeof digits, "%08llx  ",
+                  static_cast<unsigned long long>(offset));
+    out_ << digits << std::string(2 * std::min(depth_, kDeepest), ' ');
     return out_;
   }
 

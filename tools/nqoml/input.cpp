@@ -1,6 +1,7 @@
 #include "tools/nqoml/input.h"
 
 #include "nq/file/file.h"
+#include "nq/oml/encoding/records.h"
 #include "tools/nqoml/source.h"
 
 #include <unistd.h>
@@ -106,15 +107,13 @@ bool isSurelyBinary(std::string_view content) {
   // one byte. A text has neither a zero byte nor a control character there.
   if (content.size() < 2) return false;
   const auto index = static_cast<unsigned char>(content[1]);
-  switch (content[0]) {
-    case 'O':
-    case 'F':
-    case 'S':
-      return index == 0;
-    case 'o':
-    case 'f':
-    case 's':
-      return index < ' ' && (index < '\t' || index > '\r');
+  switch (nqdetail::longForm(content[0])) {
+    case nqdetail::kObjectTypeRecord:
+    case nqdetail::kFieldRecord:
+    case nqdetail::kSectionRecord:
+      return nqdetail::isLongForm(content[0])
+                 ? index == 0
+                 : index < ' ' && (index < '\t' || index > '\r');
     default:
       return false;
   }

@@ -1,6 +1,6 @@
 #include "tools/nqoml/layout.h"
 
-#include "tools/nqoml/source.h"
+#include "nq/oml/encoding/records.h"
 #include "tools/nqoml/text.h"
 
 #include <algorithm>
@@ -9,25 +9,12 @@
 
 namespace nqoml {
 
+using namespace nqdetail;
+
 namespace {
 
 // Levels that are indented, so that blanks are not many times what stands on lines.
 constexpr std::size_t kDeepest = 64;
-constexpr std::string_view kOpening = "({[<";
-constexpr std::string_view kClosing = ")}]>";
-
-bool isIn(std::string_view set, char c) {
-  return set.find(c) != std::string_view::npos;
-}
-bool isBlank(char c) {
-  return c == ' ' || c == '\t';
-}
-bool isLineEnd(char c) {
-  return c == '\n' || c == '\r';
-}
-bool isHexDigit(char c) {
-  return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
-}
 
 enum class Kind {
   kOpen,
@@ -69,12 +56,12 @@ class Scanner {
   Kind scan(std::size_t at, std::size_t& end) const {
     const char c = text_[at];
     end = at + 1;
-    if (isIn(kOpening, c)) return Kind::kOpen;
-    if (isIn(kClosing, c)) return Kind::kClose;
+    if (isOf(c, kOpening)) return Kind::kOpen;
+    if (isOf(c, kClosing)) return Kind::kClose;
     if (c == ':') return Kind::kColon;
     if (c == '=') return Kind::kEquals;
     if (c == ';') return Kind::kSemicolon;
-    if (c == '"') {
+    if (c == kQuote) {
       end = endOfString(at);
       return Kind::kString;
     }
@@ -85,7 +72,7 @@ class Scanner {
       return block ? Kind::kBlockComment : Kind::kLineComment;
     }
     end = endOfWord(at);
-    return isDigit(c) || isIn("+-.", c) ? Kind::kNumber : Kind::kWord;
+    return isOf(c, kNumberPart) || c == '+' || c == '-' ? Kind::kNumber : Kind::kWord;
   }
 
   // Behind the bracket that closes the one at `at`: when every bracket counts, and
@@ -93,15 +80,15 @@ class Scanner {
   std::size_t endOfUnread(std::size_t at) const {
     long depth = 0;
     for (; at < text_.size(); ++at) {
-      if (isIn(kOpening, text_[at])) ++depth;
-      if (isIn(kClosing, text_[at]) && --depth == 0) return at + 1;
+      if (isOf(text_[at], kOpening)) ++depth;
+      if (isOf(text_[at], kClosing) && --depth == 0) return at + 1;
     }
     return std::string_view::npos;
   }
   std::size_t endOfRead(std::size_t at) const {
     long depth = 0;
     while (at < text_.size()) {
-      if (isBlank(text_[at]) || isLineEnd(text_[at])) {
+      if (isOf(text_[at], kBlank | kLineEnd)) {
         ++at;
         continue;
       }
@@ -121,7 +108,7 @@ class Scanner {
     const std::size_t stop = restOfLine(at);
     long depth = 0;
     while (at < stop) {
-      if (isBlank(text_[at])) {
+      if (isOf(text_[at], kBlank)) {
         ++at;
         continue;
       }
@@ -138,13 +125,13 @@ class Scanner {
  private:
   bool beginsComment(std::size_t at) const {
     return text_[at] == '#' ||
-           (text_[at] == '/' && isIn("/*", this->at(at + 1)) && at + 1 < text_.size());
+           (text_[at] == '/' && (this->at(at + 1) == '/' || this->at(at + 1) == '*'));
   }
 
   std::size_t endOfString(std::size_t at) const {
     for (++at; at < text_.size(); ++at) {
-      if (text_[at] == '"') return at + 1;
-      if (text_[at] == '\\') ++at;
+      if (text_[at] == kQuote) return at + 1;
+      if (text_[at] == kEscape) ++at;
     }
     return std::string_view::npos;
   }
@@ -154,13 +141,15 @@ class Scanner {
     while (end < text_.size() && text_[end] == '0') ++end;
     if (end > at && this->at(end) == 'x') {
       // Digits go in pairs, and the second of a pair may be any character.
-      for (at = end + 1; at < text_.size() && isHexDigit(text_[at]);) {
+      for (at = end + 1; at < text_.size() && hexValue(text_[at]) >= 0;) {
         ++at;
-        if (at < text_.size()) at = isLineEnd(text_[at]) ? lineEnd(at) : at + 1;
+        if (at < text_.size()) at = isOf(text_[at], kLineEnd) ? lineEnd(at) : at + 1;
       }
     }
-    while (at < text_.size() && !isBlank(text_[at]) && !isLineEnd(text_[at]) &&
-           !isIn("(){}[]<>:=;\"", text_[at]) && !beginsComment(at)) {
+    constexpr int kEnds = kBlank | kLineEnd | kOpening | kClosing;
+    while (at < text_.size() && !isOf(text_[at], kEnds) && text_[at] != kQuote &&
+           text_[at] != ':' && text_[at] != '=' && text_[at] != ';' &&
+           !beginsComment(at)) {
       ++at;
     }
     return at;
@@ -182,10 +171,10 @@ class Layouter {
   Layout layOut() {
     while (result_.trouble.empty() && !scanner_.atEnd(at_)) {
       const char c = text_[at_];
-      if (isBlank(c)) {
+      if (isOf(c, kBlank)) {
         ++blanks_;
         ++at_;
-      } else if (isLineEnd(c)) {
+      } else if (isOf(c, kLineEnd)) {
         if (lineIsEmpty_) emptyLine_ = true;
         lineIsEmpty_ = true;
         blanks_ = 0;
@@ -253,7 +242,7 @@ class Layouter {
       refuse(start, "this bracket closes nothing");
       return;
     }
-    if (kOpening.find(brackets_.back().character) != kClosing.find(text_[start])) {
+    if (closingOf(brackets_.back().character) != text_[start]) {
       refuse(start, "this bracket closes one of another kind");
       return;
     }
@@ -331,13 +320,13 @@ class Layouter {
       return;
     }
     run_ = Run();
-    while (at_ < text_.size() && isBlank(text_[at_])) {
+    while (at_ < text_.size() && isOf(text_[at_], kBlank)) {
       ++at_;
       ++blanks_;
     }
     std::size_t end = scanner_.restOfLine(at_);
     const std::size_t next = end;
-    while (end > at_ && isBlank(text_[end - 1])) --end;
+    while (end > at_ && isOf(text_[end - 1], kBlank)) --end;
     if (end > at_) emit(Kind::kUnread, end);
     at_ = next;
   }
@@ -379,9 +368,9 @@ class Layouter {
     // Brackets that the line closes first of all end the indentation too.
     std::size_t depth = brackets_.size();
     for (std::size_t i = at_; depth > 0 && i < text_.size(); ++i) {
-      if (isIn(kClosing, text_[i])) {
+      if (isOf(text_[i], kClosing)) {
         --depth;
-      } else if (!isBlank(text_[i]) && text_[i] != ';') {
+      } else if (!isOf(text_[i], kBlank) && text_[i] != ';') {
         break;
       }
     }

@@ -1,10 +1,10 @@
 #include "tools/nqoml/reader.h"
 
+#include "nq/oml/diagnostics/message_codes.h"
 #include "tools/nqoml/input.h"
 #include "tools/nqoml/progress.h"
 
 #include <algorithm>
-#include <cstring>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -12,12 +12,6 @@
 namespace nqoml {
 
 namespace fs = std::filesystem;
-
-namespace {
-
-constexpr int kCannotOpen = 13;
-
-}  // namespace
 
 CheckingReader::CheckingReader(std::string path, std::string shownAs,
                                std::string includeRoot)
@@ -32,10 +26,7 @@ NQFileCodeEnum CheckingReader::read(NQOMLStatic* grammar, bool binary) {
   root_ = nullptr;
   open_ = {path_};
   tried_ = false;
-  const NQFileCodeEnum result =
-      readOMLFile(path_.c_str(), grammar, nullptr, -1, binary ? 1 : 0, 0, 0);
-  takeMessage();
-  return result;
+  return readOMLFile(path_.c_str(), grammar, nullptr, -1, binary ? 1 : 0, 0, 0);
 }
 
 bool CheckingReader::mayInclude(const std::string& path) const {
@@ -111,23 +102,18 @@ int CheckingReader::vReadField(NQOMLSyntaxField*, NQOMLSyntaxObject*, NQObject*)
   return 1;
 }
 
+// The limits are the library's.
 void CheckingReader::vErrorMessage(const char* file, nqLong line, int column, int code,
                                    const char* text, int fatal) {
   collect(fatal != 0 ? Severity::kFatal : Severity::kError, file, line, column, code,
           text);
-  (void)pErrorStringBuffer(
-      static_cast<int>(std::strlen(text) + std::strlen(shown(file)) + 128));
-  NQOMLFile::vErrorMessage(shown(file), line, column, code, text, fatal);
-  takeMessage();
+  NQOMLFile::vErrorMessage(file, line, column, code, text, fatal);
 }
 
 void CheckingReader::vWarningMessage(const char* file, nqLong line, int column, int code,
                                      const char* text) {
   collect(Severity::kWarning, file, line, column, code, text);
-  (void)pWarningStringBuffer(
-      static_cast<int>(std::strlen(text) + std::strlen(shown(file)) + 128));
-  NQOMLFile::vWarningMessage(shown(file), line, column, code, text);
-  takeMessage();
+  NQOMLFile::vWarningMessage(file, line, column, code, text);
 }
 
 const char* CheckingReader::shown(const char* file) const {
@@ -136,29 +122,16 @@ const char* CheckingReader::shown(const char* file) const {
 
 void CheckingReader::collect(Severity severity, const char* file, nqLong line, int column,
                              int code, const char* text) {
-  // A limit that is reached is reported from inside the message that reached it.
-  takeMessage();
   Diagnostic diagnostic;
   diagnostic.severity = severity;
   diagnostic.code = code;
   diagnostic.place = {shown(file), line, column};
   diagnostic.text = text;
-  if (code == kCannotOpen && diagnostic.place.known()) {
+  diagnostic.message = messageLine(diagnostic);
+  if (code == nqdetail::kCannotOpen && diagnostic.place.known()) {
     diagnostic.notes.push_back({whyNotIncluded(), {}});
   }
   diagnostics_.push_back(std::move(diagnostic));
-}
-
-// Each message has a buffer of its own, so that its line, formatted by the
-// library, can be taken out of it whole.
-void CheckingReader::takeMessage() {
-  if (diagnostics_.empty() || !diagnostics_.back().message.empty()) return;
-  Diagnostic& last = diagnostics_.back();
-  const char* line =
-      last.severity == Severity::kWarning ? pWarningStringBuffer() : pErrorStringBuffer();
-  if (line == nullptr) return;
-  last.message = line;
-  while (!last.message.empty() && last.message.back() == '\n') last.message.pop_back();
 }
 
 }  // namespace nqoml

@@ -56,7 +56,6 @@ class CheckingReader : public NQOMLFile {
   std::string whyNotIncluded();
   void collect(Severity severity, const char* file, nqLong line, int column, int code,
                const char* text);
-  void takeMessage();
 
   std::string path_;
   std::string shownAs_;

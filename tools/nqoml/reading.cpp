@@ -1,5 +1,6 @@
 #include "tools/nqoml/reading.h"
 
+#include "nq/oml/diagnostics/message_codes.h"
 #include "tools/nqoml/advice.h"
 #include "tools/nqoml/source.h"
 #include "tools/nqoml/text.h"
@@ -16,9 +17,8 @@ constexpr std::size_t kLargestGrammar = std::size_t{16} << 20;  // bytes
 
 // The library reports a failing read as "something wrong" that is fatal.
 bool isReadError(const Report& report) {
-  constexpr int kSomethingWrong = 3;
   const Diagnostic& last = report.diagnostics.back();
-  return last.severity == Severity::kFatal && last.code == kSomethingWrong;
+  return last.severity == Severity::kFatal && last.code == nqdetail::kSomethingWrong;
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include "nq/core/string_pool.h"
 #include "nq/oml/bin_value.h"
+#include "nq/oml/tree/id_table.h"
+#include "nq/oml/tree/read_tables.h"
 
 #include <string_view>
 #include <unordered_map>
@@ -23,7 +25,8 @@ class Summarizer {
  private:
   // Blocks of defaults are known by their place in the tree.
   void numberDefaults(const NQOMLSyntaxObject& object) {
-    if (object.objectIDIndex() == 0 && object.pFieldList() != nullptr) {
+    if (object.objectIDIndex() == nqdetail::IDTable::kDefaults &&
+        object.pFieldList() != nullptr) {
       const auto number = static_cast<nqLong>(defaults_.size());
       defaults_.emplace(object.pFieldList(), number);
     }
@@ -70,7 +73,7 @@ class Summarizer {
         break;
       }
       case NQ_OML_OBJECT_ID:
-        text(idText(*field.pFile(), token.integer()));
+        text(idText(field));
         break;
       default:
         number(token.integer());
@@ -102,12 +105,9 @@ class Summarizer {
 
 }  // namespace
 
-std::string idText(NQOMLFile& file, nqLong index) {
-  if (const NQOMLSyntaxObject* const object = file.pSyntaxObject(index)) {
-    return object->nameString();
-  }
-  // A node that stands in no tree spells out an id that no object bears.
-  return NQOMLSyntaxObject(&file, -1, 0, -1, -1, index, -1, 0, nullptr).nameString();
+const char* idText(const NQOMLSyntaxField& field) {
+  return nqdetail::objectIDText(nqdetail::readTables(field.pFile()),
+                                field.token().integer());
 }
 
 TreeSummary summarize(const NQOMLSyntaxObject& root) {

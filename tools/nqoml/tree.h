@@ -11,8 +11,8 @@
 
 namespace nqoml {
 
-// The id at an index of the reading file's table, as a text.
-std::string idText(NQOMLFile& file, nqLong index);
+// The id that is the value of a field, valid while the texts of the tree are.
+const char* idText(const NQOMLSyntaxField& field);
 
 // What two trees have in common exactly when the same objects, with the same fields
 // and defaults, are made of them.

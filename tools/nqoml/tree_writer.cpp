@@ -3,6 +3,7 @@
 #include "nq/core/string_pool.h"
 #include "nq/oml/bin_value.h"
 #include "nq/oml/grammar/section_path.h"
+#include "nq/oml/tree/id_table.h"
 #include "tools/nqoml/progress.h"
 #include "tools/nqoml/tree.h"
 
@@ -13,7 +14,6 @@ namespace nqoml {
 
 namespace {
 
-constexpr nqLong kDefaults = 0;  // the index of the id "defaults"
 constexpr std::size_t kFieldsOfLine = 4;
 constexpr nqLong kBytesOfLine = 16;
 constexpr char kTop[] = "$";
@@ -89,8 +89,9 @@ void TreeWriter::collectDefaults(const NQOMLSyntaxObject& object, const void* in
     mentioned_[list->pFieldList()].push_back(&object);
     isMentioned_[&object] = true;
   }
-  const void* const handedOn =
-      object.objectIDIndex() == kDefaults ? object.pFieldList() : nullptr;
+  const void* const handedOn = object.objectIDIndex() == nqdetail::IDTable::kDefaults
+                                   ? object.pFieldList()
+                                   : nullptr;
   for (NQOMLSyntaxObjectIter child(&object); child; ++child) {
     collectDefaults(*child.pObject(), handedOn);
   }
@@ -98,7 +99,7 @@ void TreeWriter::collectDefaults(const NQOMLSyntaxObject& object, const void* in
 
 void TreeWriter::writeContents(const NQOMLSyntaxObject& object,
                                const std::string& scope) {
-  const bool defaults = object.objectIDIndex() == kDefaults;
+  const bool defaults = object.objectIDIndex() == nqdetail::IDTable::kDefaults;
   // What an object's fields refer to is looked for beside the object.
   const std::size_t end = scope.find_last_of(',');
   const std::string beside = defaults || &object == &root_ || end == std::string::npos
@@ -118,7 +119,7 @@ void TreeWriter::writeContents(const NQOMLSyntaxObject& object,
     if (!defaults) section = {child.sectionPath(), child.sectionIDIndex()};
     enter(block, object, section, false);
     const char* const type = afterSkip(section.name, typeName(child));
-    if (child.objectIDIndex() == kDefaults) {
+    if (child.objectIDIndex() == nqdetail::IDTable::kDefaults) {
       writeDefaults(child, type, scope);
     } else {
       writeObject(child, type, scope);
@@ -253,10 +254,10 @@ void TreeWriter::writeField(const NQOMLSyntaxField& field, const std::string& sc
       writeAttribute(name, token.pBinValue());
       break;
     case NQ_OML_OBJECT_ID: {
-      const std::string id = idText(*field.pFile(), token.integer());
+      const std::string_view id = idText(field);
       const bool near = id.size() > scope.size() + 1 && id.starts_with(scope) &&
                         id[scope.size()] == ',' && field.unchecked() == 0;
-      writeAddressAttribute(name, id.c_str() + (near ? scope.size() + 1 : 0));
+      writeAddressAttribute(name, id.data() + (near ? scope.size() + 1 : 0));
       break;
     }
     default:
