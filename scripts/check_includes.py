@@ -26,7 +26,8 @@ FLOORS = {
 OML_FLOORS = [
     {"encoding", "diagnostics", "diagnostic", "token", "bin_value"},
     {"grammar", "definitions"},
-    {"tree", "syntax_tree", "oml_object.h"},
+    {"tree", "syntax_tree", "syntax_node", "syntax_list",
+     "syntax_iter", "oml_object.h"},
     {"reading", "writing"},
     {"oml_file", "file_state_internal", "oml_object", "oml_extension", "factory"},
 ]

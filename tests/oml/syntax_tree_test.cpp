@@ -382,7 +382,8 @@ TEST_F(SyntaxTree, TellsTheFileOfEachNewObject) {
         std::make_unique<NQOMLSyntaxObject>(&listener, 7, 70000, 0, 1, 0, -1, 0, graph_);
     const auto holder = makeObject();
     listener.holder = holder.get();
-    const auto* const inArena = arena.makeObject(&listener, 8, 2, 0, 1, 0, -1, 0, graph_);
+    const auto* const inArena = arena.makeObject(
+        arena.kindOf({.file = &listener, .nameIndex = 1, .defObjType = graph_}), 8, 2, 0);
     EXPECT_EQ(NQOMLSyntaxObjectIter(holder.get()).pObject(), inArena);
     ASSERT_EQ(listener.told.size(), 2U);
     EXPECT_EQ(listener.told[0].syntax, onHeap.get());
@@ -436,7 +437,7 @@ TEST_F(SyntaxTree, JoinsManyBlocksWithoutWalkingTheChain) {
   std::vector<std::unique_ptr<NQOMLSyntaxObject>> defaults;
   SyntaxArena arena;
   NQOMLSyntaxObject* const inArena =
-      arena.makeObject(nullptr, 1, 1, 0, 1, 1, -1, 0, graph_);
+      arena.makeObject(arena.kindOf({.nameIndex = 1, .defObjType = graph_}), 1, 1, 1);
   for (NQOMLSyntaxObject* const target : {object_.get(), inArena}) {
     for (nqLong n = 0; n < 2 * kBlocks; ++n) {
       if (n < kBlocks && target == object_.get()) {
@@ -531,10 +532,12 @@ TEST_F(SyntaxTree, DestroysLongAndDeepTrees) {
 TEST_F(SyntaxTree, ArenasOwnWhatHangsInTheirTrees) {
   SyntaxArena arena;
   const auto object = [&] {
-    return arena.makeObject(nullptr, 1, 1, 0, 1, 1, -1, 0, graph_);
+    return arena.makeObject(arena.kindOf({.nameIndex = 1, .defObjType = graph_}), 1, 1,
+                            1);
   };
   const auto field = [&](nqLong n) {
-    return arena.makeField(nullptr, 1, 1, 0, n, -1, 0, binaryToken(), nullptr, 1);
+    return arena.makeField(arena.kindOf({.nameIndex = n, .unchecked = true}), 1, 1,
+                           binaryToken());
   };
   for (int round = 0; round < 2; ++round) {
     NQOMLSyntaxObject* const root = object();
@@ -578,16 +581,16 @@ TEST_F(SyntaxTree, ArenasOwnWhatHangsInTheirTrees) {
 
 TEST_F(SyntaxTree, ArenasHoldLargeTrees) {
   SyntaxArena arena;
-  NQOMLSyntaxObject* const root =
-      arena.makeObject(nullptr, 1, 1, 0, 0, 0, -1, 0, nullptr);
+  NQOMLSyntaxObject* const root = arena.makeObject(arena.kindOf({}), 1, 1, 0);
   NQOMLSyntaxObject* deep = root;
   for (nqLong n = 0; n < 100000; ++n) {
     NQOMLToken token;
     token.tag = NQ_OML_INTEGER;
     token.integer(n);
-    root->addField(arena.makeField(nullptr, n, 1, 0, n, -1, 0, token, nullptr, 1));
+    root->addField(
+        arena.makeField(arena.kindOf({.nameIndex = n, .unchecked = true}), n, 1, token));
     NQOMLSyntaxObject* const below =
-        arena.makeObject(nullptr, n, 1, 0, 0, n, -1, 0, nullptr);
+        arena.makeObject(arena.kindOf({.nameIndex = 0}), n, 1, n);
     deep->addObject(below);
     deep = below;
   }

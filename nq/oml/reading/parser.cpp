@@ -45,15 +45,32 @@ NQOMLSyntaxObject* Parser::parse(const char* fileName) {
     diagnostics_.errorCode = NQ_FILE_OPEN_ERROR;
     return nullptr;
   }
-  root_ = tree_.makeObject(file_, -1, 0, sources_.top().fileIndex(), NQ_OML_TOPLEVEL_TYPE,
-                           IDTable::kNone, -1, 0,
-                           names_.grammar.pObjTypeDefinition(NQ_OML_TOPLEVEL_TYPE));
+  SourceToken top;
+  top.integer(NQ_OML_TOPLEVEL_TYPE);
+  top.fileIndex = sources_.top().fileIndex();
+  top.line = -1;
+  top.column = 0;
+  root_ = makeObject(top, IDTable::kNone, -1, 0);
   if (root_ == nullptr) {
     diagnostics_.fatalError({}, kMemoryExhausted);
     return nullptr;
   }
   parseAttributeList(nullptr, {*root_, -1, 0}, false);
   return diagnostics_.failed() || diagnostics_.ended() ? nullptr : root_;
+}
+
+NQOMLSyntaxObject* Parser::makeObject(const SourceToken& type, nqLong objectIDIndex,
+                                      nqLong sectionIDIndex, nqULong sectionPath) {
+  NodeKind* const kind =
+      tree_.kindOf({.file = file_,
+                    .tables = readTables(file_),
+                    .fileNameIndex = type.fileIndex,
+                    .nameIndex = type.integer(),
+                    .sectionIDIndex = sectionIDIndex,
+                    .sectionPath = sectionPath,
+                    .defObjType = names_.grammar.pObjTypeDefinition(type.integer())});
+  return kind == nullptr ? nullptr
+                         : tree_.makeObject(kind, type.line, type.column, objectIDIndex);
 }
 
 void Parser::parseAttributeList(const SourceToken* descriptor, const Context& context,
@@ -177,9 +194,7 @@ void Parser::parseObject(const SourceToken& type, nqLong objectIDIndex,
                          const Context& context, const SourceToken* bracket) {
   if (diagnostics_.ended()) return;  // no hook is called for it any more
   NQOMLSyntaxObject* const object =
-      tree_.makeObject(file_, type.line, type.column, type.fileIndex, type.integer(),
-                       objectIDIndex, context.sectionIDIndex, context.sectionPath,
-                       names_.grammar.pObjTypeDefinition(type.integer()));
+      makeObject(type, objectIDIndex, context.sectionIDIndex, context.sectionPath);
   if (object == nullptr) {
     diagnostics_.fatalError(type.place(), kMemoryExhausted);
     return;
@@ -226,9 +241,17 @@ void Parser::parseField(const SourceToken* name, const Context& context,
     error(value, kUnexpectedValue);
   }
   if (!diagnostics_.failed()) {
-    NQOMLSyntaxField* const field = tree_.makeField(
-        file_, name->line, name->column, name->fileIndex, name->integer(),
-        context.sectionIDIndex, context.sectionPath, value, definition, unchecked);
+    NodeKind* const kind = tree_.kindOf({.file = file_,
+                                         .tables = readTables(file_),
+                                         .fileNameIndex = name->fileIndex,
+                                         .nameIndex = name->integer(),
+                                         .sectionIDIndex = context.sectionIDIndex,
+                                         .sectionPath = context.sectionPath,
+                                         .defField = definition,
+                                         .unchecked = unchecked});
+    NQOMLSyntaxField* const field =
+        kind == nullptr ? nullptr
+                        : tree_.makeField(kind, name->line, name->column, value);
     if (field != nullptr) {
       context.object.addField(field);
       return;

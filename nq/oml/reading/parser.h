@@ -58,6 +58,9 @@ class Parser {
                       int position);
   void parseValue(const SourceToken* name, const Context& context, SourceToken& value,
                   int position);
+  // A node for an object; null when memory is exhausted.
+  NQOMLSyntaxObject* makeObject(const SourceToken& type, nqLong objectIDIndex,
+                                nqLong sectionIDIndex, nqULong sectionPath);
   // `bracket` opens the object's block; null when it has none.
   void parseObject(const SourceToken& type, nqLong objectIDIndex, const Context& context,
                    const SourceToken* bracket);

@@ -4,55 +4,64 @@
 
 namespace nqdetail {
 
-struct SyntaxArena::FieldRecord final : NQOMLSyntaxField {
-  template <class... Arguments>
-  explicit FieldRecord(Arguments... arguments)
-      : NQOMLSyntaxField(arguments...), cell(nullptr) {}
+// The cell stands before the object, whose constructor already shows the object to
+// the reading file, which may add it somewhere.
+struct SyntaxArena::ObjectRecord {
+  CellLink link;
+  NQOMLSyntaxObject object;
+};
 
-  NQOMLSyntaxFieldList cell;
+struct SyntaxArena::FieldRecord {
+  NQOMLSyntaxField field;
+  CellLink link;
 };
 
 namespace {
 
 // Memory is counted in words, so that every piece of the arena begins at one.
-template <class... Ts>
+template <class T>
 void* allocate(std::optional<Arena>& memory) {
-  static_assert(((sizeof(Ts) % 8 == 0 && alignof(Ts) <= 8) && ...));
+  static_assert(sizeof(T) % 8 == 0 && alignof(T) <= 8);
   if (!memory.has_value()) memory.emplace();
-  return memory->allocate((sizeof(Ts) + ...));
+  return memory->allocate(sizeof(T));
+}
+
+std::size_t hashOf(const NodeKind& kind) {
+  const auto definition = reinterpret_cast<std::uintptr_t>(kind.defField) ^
+                          reinterpret_cast<std::uintptr_t>(kind.defObjType);
+  return static_cast<std::size_t>(kind.nameIndex) * 7 +
+         static_cast<std::size_t>(kind.sectionPath) * 5 +
+         static_cast<std::size_t>(kind.fileNameIndex) * 3 + definition / 16;
 }
 
 }  // namespace
 
-NQOMLSyntaxObject* SyntaxArena::makeObject(NQOMLFile* file, nqLong line, int position,
-                                           nqLong fileNameIndex, nqLong typeIndex,
-                                           nqLong objectIDIndex, nqLong sectionIDIndex,
-                                           nqULong sectionPath,
-                                           NQOMLDefObjType* defObjType) {
-  // The cell stands before the object, whose constructor already shows the object to
-  // the reading file, which may add it somewhere.
-  void* const place = allocate<NQOMLSyntaxObjectList, NQOMLSyntaxObject>(memory_);
+NodeKind* SyntaxArena::kindOf(NodeKind kind) {
+  kind.arena = this;
+  kind.ofOneNode = false;
+  NodeKind*& known = kinds_[hashOf(kind) % kinds_.size()];
+  if (known != nullptr && *known == kind) return known;
+  void* const place = allocate<NodeKind>(fields_);
   if (place == nullptr) return nullptr;
-  auto* const cell = new (place) NQOMLSyntaxObjectList(nullptr);
-  return new (cell + 1)
-      NQOMLSyntaxObject(this, file, line, position, fileNameIndex, typeIndex,
-                        objectIDIndex, sectionIDIndex, sectionPath, defObjType);
+  return known = new (place) NodeKind(kind);
 }
 
-NQOMLSyntaxField* SyntaxArena::makeField(NQOMLFile* file, nqLong line, int position,
-                                         nqLong fileNameIndex, nqLong nameIndex,
-                                         nqLong sectionIDIndex, nqULong sectionPath,
-                                         const NQOMLToken& token, NQOMLDefField* defField,
-                                         int unchecked) {
-  static_assert(sizeof(FieldRecord) == 72, "files hold fields by the million");
-  void* const place = allocate<FieldRecord>(memory_);
+NQOMLSyntaxObject* SyntaxArena::makeObject(NodeKind* kind, nqLong line, nqLong column,
+                                           nqLong objectIDIndex) {
+  void* const place = allocate<ObjectRecord>(objects_);
   if (place == nullptr) return nullptr;
-  auto* const field =
-      new (place) FieldRecord(file, line, position, fileNameIndex, nameIndex,
-                              sectionIDIndex, sectionPath, nullptr, defField, unchecked);
-  field->takeValue(token);
-  field->storage_ = NQOMLSyntaxField::kArena;
+  auto* const link = new (place) CellLink(CellLink::ofNode());
+  return new (link + 1) NQOMLSyntaxObject(kind, line, column, objectIDIndex);
+}
+
+NQOMLSyntaxField* SyntaxArena::makeField(NodeKind* kind, nqLong line, nqLong column,
+                                         const NQOMLToken& token) {
+  static_assert(sizeof(FieldRecord) == 40, "files hold fields by the million");
+  void* const place = allocate<FieldRecord>(fields_);
+  if (place == nullptr) return nullptr;
   if (NQOMLBinValue* const value = token.pBinValue()) binValues_.emplace_back(value);
+  auto* const field = new (place) NQOMLSyntaxField(kind, line, column, token);
+  new (field + 1) CellLink(CellLink::ofNode());
   return field;
 }
 
@@ -61,12 +70,14 @@ void SyntaxArena::clear() {
   holders_.clear();
   defaultsIndices_.clear();
   binValues_.clear();
-  memory_.reset();
+  kinds_.fill(nullptr);
+  fields_.reset();
+  objects_.reset();
 }
 
 NQOMLSyntaxDefaultList* SyntaxArena::makeDefaultList(NQOMLSyntaxFieldList* fields,
                                                      NQOMLSyntaxDefaultList* next) {
-  void* const place = allocate<NQOMLSyntaxDefaultList>(memory_);
+  void* const place = allocate<NQOMLSyntaxDefaultList>(fields_);
   if (place == nullptr) return nullptr;
   auto* const node = new (place) NQOMLSyntaxDefaultList(fields, next);
   node->inArena_ = true;
@@ -78,11 +89,14 @@ DefaultsIndex* SyntaxArena::makeDefaultsIndex() {
 }
 
 NQOMLSyntaxObjectList* SyntaxArena::cellOf(NQOMLSyntaxObject* object) {
-  return reinterpret_cast<NQOMLSyntaxObjectList*>(object) - 1;
+  if (object->arena() == nullptr) return nullptr;
+  return reinterpret_cast<NQOMLSyntaxObjectList*>(reinterpret_cast<CellLink*>(object) -
+                                                  1);
 }
 
 NQOMLSyntaxFieldList* SyntaxArena::cellOf(NQOMLSyntaxField* field) {
-  return &static_cast<FieldRecord*>(field)->cell;
+  if (field->kind_->arena == nullptr) return nullptr;
+  return reinterpret_cast<NQOMLSyntaxFieldList*>(field + 1);
 }
 
 }  // namespace nqdetail

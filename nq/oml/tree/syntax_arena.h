@@ -8,6 +8,7 @@
 #ifndef NQ_OML_TREE_SYNTAX_ARENA_H
 #define NQ_OML_TREE_SYNTAX_ARENA_H
 
+#include <array>
 #include <memory>
 #include <optional>
 #include <unordered_set>
@@ -34,18 +35,14 @@ class SyntaxArena {
   SyntaxArena& operator=(const SyntaxArena&) = delete;
   ~SyntaxArena() { clear(); }
 
-  // New nodes; null when memory is exhausted. The arguments are those of the
-  // nodes' constructors. The field takes a copy of `token`, whose binary value it
-  // then owns (not when the answer is null).
-  NQOMLSyntaxObject* makeObject(NQOMLFile* file, nqLong line, int position,
-                                nqLong fileNameIndex, nqLong typeIndex,
-                                nqLong objectIDIndex, nqLong sectionIDIndex,
-                                nqULong sectionPath, NQOMLDefObjType* defObjType);
-  NQOMLSyntaxField* makeField(NQOMLFile* file, nqLong line, int position,
-                              nqLong fileNameIndex, nqLong nameIndex,
-                              nqLong sectionIDIndex, nqULong sectionPath,
-                              const NQOMLToken& token, NQOMLDefField* defField,
-                              int unchecked);
+  // The kind equal to `kind`, in whose place it serves; null when memory is exhausted.
+  NodeKind* kindOf(NodeKind kind);
+  // New nodes, of a kind that lies here; null when memory is exhausted. The field takes
+  // a copy of `token`, whose binary value it then owns (not when the answer is null).
+  NQOMLSyntaxObject* makeObject(NodeKind* kind, nqLong line, nqLong column,
+                                nqLong objectIDIndex);
+  NQOMLSyntaxField* makeField(NodeKind* kind, nqLong line, nqLong column,
+                              const NQOMLToken& token);
 
   // Destroys all nodes, those that were never added to a parent included.
   void clear();
@@ -57,13 +54,19 @@ class SyntaxArena {
   // `holder`, which lies here, owns something that was made with new.
   void noteHeapNodes(NQOMLSyntaxObject* holder) { holders_.push_back(holder); }
   bool hasHeapNodes() const { return !holders_.empty(); }
+  // The cell that a node brings along; null for one made with new.
   static NQOMLSyntaxObjectList* cellOf(NQOMLSyntaxObject* object);
   static NQOMLSyntaxFieldList* cellOf(NQOMLSyntaxField* field);
 
  private:
+  struct ObjectRecord;
   struct FieldRecord;
 
-  std::optional<Arena> memory_;  // absent when there is no node
+  // Objects lie side by side, since every stage of a read walks over them.
+  std::optional<Arena> objects_;  // absent when there is no node
+  std::optional<Arena> fields_;   // also of kinds and defaults
+  // Kinds met of late, by a hash; what is forgotten is made once more.
+  std::array<NodeKind*, 256> kinds_ = {};
   std::vector<std::unique_ptr<NQOMLBinValue>> binValues_;
   std::vector<std::unique_ptr<DefaultsIndex>> defaultsIndices_;
   std::vector<NQOMLSyntaxObject*> holders_;  // some of them perhaps emptied by now

@@ -1,88 +1,146 @@
-#include "nq/oml/syntax_tree.h"
+#include "nq/oml/syntax_node.h"
 
-#include <algorithm>
+#include <memory>
 #include <new>
+#include <utility>
 
 #include "nq/oml/bin_value.h"
 #include "nq/oml/grammar.h"
-#include "nq/oml/grammar/section_path.h"
+#include "nq/oml/syntax_iter.h"
+#include "nq/oml/syntax_list.h"
 #include "nq/oml/tree/read_tables.h"
 #include "nq/oml/tree/syntax_arena.h"
 
+using nqdetail::NodeKind;
 using nqdetail::readTables;
 using nqdetail::ReadTables;
 using nqdetail::SyntaxArena;
+
+namespace {
+
+// That of a place in no file. Nobody writes to a kind that is not of one node.
+NodeKind kNoKind;
+
+}  // namespace
 
 // NQOMLSyntaxStruct
 
 NQ_COPY_PROTOCOL_IMPL(NQOMLSyntaxStruct)
 NQ_COPY_ALIKE_IMPL(NQOMLSyntaxStruct, NQObject)
 
+NQOMLSyntaxStruct::NQOMLSyntaxStruct(NQOMLFile* file, nqLong line, int position,
+                                     nqLong fileNameIndex)
+    : NQOMLSyntaxStruct(
+          NodeKind{
+              .file = file, .tables = readTables(file), .fileNameIndex = fileNameIndex},
+          line, position) {}
+
+NQOMLSyntaxStruct::NQOMLSyntaxStruct(const NodeKind& kind, nqLong line, int position)
+    : NQOMLSyntaxStruct(new NodeKind(kind), line, position) {
+  kind_->ofOneNode = true;
+}
+
+NQOMLSyntaxStruct::NQOMLSyntaxStruct(NodeKind* shared, nqLong line, int position)
+    : kind_(shared),
+      line_(line),
+      column_(static_cast<std::uint32_t>(position) & kNoColumn),
+      tag_(0) {}
+
+NQOMLSyntaxStruct::~NQOMLSyntaxStruct() {
+  if (kind_->ofOneNode) delete kind_;
+}
+
 void NQOMLSyntaxStruct::copyFields(const NQOMLSyntaxStruct& source) {
-  file_ = source.file_;
-  fileNameIndex_ = source.fileNameIndex_;
+  NodeKind kind = *kind_;
+  kind.file = source.kind_->file;
+  kind.tables = source.kind_->tables;
+  kind.fileNameIndex = source.kind_->fileNameIndex;
+  changeKind(kind);
   line_ = source.line_;
   column_ = source.column_;
 }
 
 void NQOMLSyntaxStruct::init() {
-  file_ = nullptr;
-  fileNameIndex_ = -1;
+  kind_ = &kNoKind;
   line_ = -1;
   column_ = 0;
+  tag_ = 0;
+}
+
+// Memory that is lacking in an arena leaves the kind as it is.
+void NQOMLSyntaxStruct::changeKind(const NodeKind& kind) {
+  if (SyntaxArena* const arena = kind_->arena) {
+    if (NodeKind* const shared = arena->kindOf(kind)) kind_ = shared;
+  } else if (kind_ == &kNoKind) {
+    kind_ = new NodeKind(kind);
+    kind_->ofOneNode = true;
+  } else {
+    *kind_ = kind;
+  }
+}
+
+template <class T>
+T NQOMLSyntaxStruct::change(T NodeKind::*member, T value) {
+  NodeKind kind = *kind_;
+  kind.*member = value;
+  changeKind(kind);
+  return value;
 }
 
 const char* NQOMLSyntaxStruct::fileNameString() const {
-  return nqdetail::stringText(readTables(file_), fileNameIndex_);
+  return nqdetail::stringText(kind_->tables, fileNameIndex());
 }
 
 // NQOMLSyntaxField
-
-namespace {
-
-constexpr std::uint32_t kSectionBits =
-    static_cast<std::uint32_t>(NQOMLSyntaxField::kMaxSectionIDIndex) + 1;
-
-}  // namespace
 
 NQOMLSyntaxField::NQOMLSyntaxField(NQOMLFile* file, nqLong line, int position,
                                    nqLong fileNameIndex, nqLong nameIndex,
                                    nqLong sectionIDIndex, nqULong sectionPath,
                                    NQOMLToken* token, NQOMLDefField* defField,
                                    int unchecked)
-    : NQOMLSyntaxStruct(file, line, position, fileNameIndex),
-      nameIndex_(nameIndex),
-      section_(packedSection(sectionIDIndex) & kSectionBits),
-      storage_(kHeap),
-      tag_(kNoToken),
-      unchecked_(unchecked != 0),
-      sectionPath_(sectionPath),
-      defField_(defField),
+    : NQOMLSyntaxStruct(NodeKind{.file = file,
+                                 .tables = readTables(file),
+                                 .fileNameIndex = fileNameIndex,
+                                 .nameIndex = nameIndex,
+                                 .sectionIDIndex = sectionIDIndex,
+                                 .sectionPath = sectionPath,
+                                 .defField = defField,
+                                 .unchecked = unchecked != 0},
+                        line, position),
       word_(0) {
+  tag_ = kNoToken;
   if (token != nullptr) takeValue(*token);
   delete token;
 }
 
-NQOMLSyntaxField::NQOMLSyntaxField(const NQOMLSyntaxField& field,
-                                   const NQOMLDefSection& section,
-                                   NQOMLDefField* defField)
-    : NQOMLSyntaxStruct(field),
-      nameIndex_(field.nameIndex_),
-      section_(packedSection(section.nameIndex()) & kSectionBits),
-      storage_(kView),
-      tag_(field.tag_),
-      unchecked_(field.unchecked_),
-      sectionPath_(section.path()),
-      defField_(defField),
-      word_(field.word_) {}
-
-NQOMLSyntaxField::~NQOMLSyntaxField() {
-  if (storage_ == kHeap) token().deleteValue();
+NQOMLSyntaxField::NQOMLSyntaxField(NodeKind* shared, nqLong line, nqLong column,
+                                   const NQOMLToken& token)
+    : NQOMLSyntaxStruct(shared, line, column) {
+  takeValue(token);
 }
 
-std::uint32_t NQOMLSyntaxField::packedSection(nqLong sectionIDIndex) {
-  return static_cast<std::uint32_t>(
-      std::clamp(sectionIDIndex, nqLong{-1}, kMaxSectionIDIndex) + 1);
+NQOMLSyntaxField::NQOMLSyntaxField(const NQOMLSyntaxField& field, NodeKind* inSection)
+    : NQOMLSyntaxField(inSection, field.line(), field.column(), field.token()) {
+  tag_ = field.tag_;  // which may be that of no token
+}
+
+NQOMLSyntaxField::~NQOMLSyntaxField() {
+  if (kind_->ofOneNode) token().deleteValue();
+}
+
+NQOMLDefField* NQOMLSyntaxField::pDefField(NQOMLDefField* defField) {
+  return change(&NodeKind::defField, defField);
+}
+
+NodeKind NQOMLSyntaxField::kindIn(const NQOMLDefSection& section,
+                                  NQOMLDefField* defField) const {
+  NodeKind kind = *kind_;
+  kind.sectionIDIndex = section.nameIndex();
+  kind.sectionPath = section.path();
+  kind.defField = defField;
+  kind.arena = nullptr;
+  kind.ofOneNode = false;
+  return kind;
 }
 
 void NQOMLSyntaxField::takeValue(const NQOMLToken& token) {
@@ -105,11 +163,11 @@ NQOMLToken NQOMLSyntaxField::token() const {
 }
 
 const char* NQOMLSyntaxField::nameString() const {
-  return nqdetail::fieldName(readTables(pFile()), nameIndex_);
+  return nqdetail::fieldName(kind_->tables, nameIndex());
 }
 
 const char* NQOMLSyntaxField::sectionString() const {
-  return nqdetail::sectionName(readTables(pFile()), sectionIDIndex());
+  return nqdetail::sectionName(kind_->tables, sectionIDIndex());
 }
 
 NQOMLFieldTypeEnum NQOMLSyntaxField::valueType() const {
@@ -148,7 +206,7 @@ float NQOMLSyntaxField::floatValue() const {
 }
 
 int NQOMLSyntaxField::enumValue() const {
-  const ReadTables* const tables = readTables(pFile());
+  const ReadTables* const tables = kind_->tables;
   if (!hasToken() || tables == nullptr || tables->pGrammar == nullptr) return 0;
   return tables->pGrammar->enumValue(token().integer());
 }
@@ -159,11 +217,11 @@ int NQOMLSyntaxField::boolValue() const {
 
 const char* NQOMLSyntaxField::stringValue() const {
   if (!hasToken()) return "";
-  return nqdetail::stringText(readTables(pFile()), token().integer());
+  return nqdetail::stringText(kind_->tables, token().integer());
 }
 
 NQObject* NQOMLSyntaxField::objectValue() const {
-  const ReadTables* const tables = readTables(pFile());
+  const ReadTables* const tables = kind_->tables;
   if (tag_ != NQ_OML_OBJECT_ID || tables == nullptr || tables->pObjectIDs == nullptr) {
     return nullptr;
   }
@@ -171,7 +229,7 @@ NQObject* NQOMLSyntaxField::objectValue() const {
 }
 
 nqLong NQOMLSyntaxField::objectTypeIndex() const {
-  const ReadTables* const tables = readTables(pFile());
+  const ReadTables* const tables = kind_->tables;
   if (tag_ != NQ_OML_OBJECT_ID || tables == nullptr || tables->pObjectIDs == nullptr) {
     return -1;
   }
@@ -181,7 +239,7 @@ nqLong NQOMLSyntaxField::objectTypeIndex() const {
 }
 
 const char* NQOMLSyntaxField::objectTypeString() const {
-  return nqdetail::objectTypeName(readTables(pFile()), objectTypeIndex());
+  return nqdetail::objectTypeName(kind_->tables, objectTypeIndex());
 }
 
 NQOMLBinValue* NQOMLSyntaxField::pBinValue() const {
@@ -198,21 +256,22 @@ NQOMLSyntaxObject::NQOMLSyntaxObject(NQOMLFile* file, nqLong line, int position,
                                      nqLong fileNameIndex, nqLong typeIndex,
                                      nqLong objectIDIndex, nqLong sectionIDIndex,
                                      nqULong sectionPath, NQOMLDefObjType* defObjType)
-    : NQOMLSyntaxObject(nullptr, file, line, position, fileNameIndex, typeIndex,
-                        objectIDIndex, sectionIDIndex, sectionPath, defObjType) {}
-
-NQOMLSyntaxObject::NQOMLSyntaxObject(SyntaxArena* arena, NQOMLFile* file, nqLong line,
-                                     int position, nqLong fileNameIndex, nqLong typeIndex,
-                                     nqLong objectIDIndex, nqLong sectionIDIndex,
-                                     nqULong sectionPath, NQOMLDefObjType* defObjType)
-    : NQOMLSyntaxStruct(file, line, position, fileNameIndex),
-      typeIndex_(typeIndex),
-      objectIDIndex_(objectIDIndex),
-      sectionIDIndex_(sectionIDIndex),
-      sectionPath_(sectionPath),
-      defObjType_(defObjType),
-      arena_(arena) {
+    : NQOMLSyntaxStruct(NodeKind{.file = file,
+                                 .tables = readTables(file),
+                                 .fileNameIndex = fileNameIndex,
+                                 .nameIndex = typeIndex,
+                                 .sectionIDIndex = sectionIDIndex,
+                                 .sectionPath = sectionPath,
+                                 .defObjType = defObjType},
+                        line, position),
+      objectIDIndex_(objectIDIndex) {
   nqdetail::announceSyntaxObject(file, this, line, position);
+}
+
+NQOMLSyntaxObject::NQOMLSyntaxObject(NodeKind* shared, nqLong line, nqLong column,
+                                     nqLong objectIDIndex)
+    : NQOMLSyntaxStruct(shared, line, column), objectIDIndex_(objectIDIndex) {
+  nqdetail::announceSyntaxObject(shared->file, this, line, column);
 }
 
 NQOMLSyntaxObject::~NQOMLSyntaxObject() {
@@ -220,60 +279,67 @@ NQOMLSyntaxObject::~NQOMLSyntaxObject() {
 }
 
 const char* NQOMLSyntaxObject::typeString() const {
-  return nqdetail::objectTypeName(readTables(pFile()), typeIndex_);
+  return nqdetail::objectTypeName(kind_->tables, typeIndex());
 }
 
 const char* NQOMLSyntaxObject::nameString() const {
-  return nqdetail::objectIDText(readTables(pFile()), objectIDIndex_);
+  return nqdetail::objectIDText(kind_->tables, objectIDIndex_);
 }
 
 NQObject* NQOMLSyntaxObject::object() const {
-  const ReadTables* const tables = readTables(pFile());
+  const ReadTables* const tables = kind_->tables;
   if (tables == nullptr || tables->pObjectIDs == nullptr) return nullptr;
   return tables->pObjectIDs->pObject(objectIDIndex_);
 }
 
 const char* NQOMLSyntaxObject::sectionString() const {
-  return nqdetail::sectionName(readTables(pFile()), sectionIDIndex_);
+  return nqdetail::sectionName(kind_->tables, sectionIDIndex());
 }
 
-// A node from an arena brings its own cell; it is used once.
+nqLong NQOMLSyntaxObject::sectionIDIndex(nqLong index) {
+  return change(&NodeKind::sectionIDIndex, index);
+}
+
+nqULong NQOMLSyntaxObject::sectionPathIndex(nqULong path) {
+  return change(&NodeKind::sectionPath, path);
+}
+
+NQOMLDefObjType* NQOMLSyntaxObject::pDefObjType(NQOMLDefObjType* type) {
+  return change(&NodeKind::defObjType, type);
+}
+
 void NQOMLSyntaxObject::addObject(NQOMLSyntaxObject* object) {
   if (object == nullptr) return;
-  NQOMLSyntaxObjectList* cell =
-      object->arena_ != nullptr ? SyntaxArena::cellOf(object) : nullptr;
-  if (cell != nullptr && cell->object_ == nullptr) {
-    cell->object_ = object;
-  } else {
-    cell = new (std::nothrow) NQOMLSyntaxObjectList(object);
-    if (cell == nullptr) return;
-    noteHeapNodes();
-  }
+  NQOMLSyntaxObjectList* const cell = NQOMLSyntaxObjectList::cellFor(object);
+  if (cell == nullptr) return;
+  if (!cell->link_.isPartOfNode()) noteHeapNodes();
   object->parent_ = this;
-  (objectsEnd_ == nullptr ? objects_ : objectsEnd_->next_) = cell;
+  if (objectsEnd_ == nullptr) {
+    objects_ = cell;
+  } else {
+    objectsEnd_->link_.pNext(cell);
+  }
   objectsEnd_ = cell;
 }
 
 void NQOMLSyntaxObject::addField(NQOMLSyntaxField* field) {
   if (field == nullptr) return;
-  NQOMLSyntaxFieldList* cell =
-      field->storage_ == NQOMLSyntaxField::kArena ? SyntaxArena::cellOf(field) : nullptr;
-  if (cell != nullptr && cell->field_ == nullptr) {
-    cell->field_ = field;
+  NQOMLSyntaxFieldList* const cell = NQOMLSyntaxFieldList::cellFor(field);
+  if (cell == nullptr) return;
+  if (!cell->link_.isPartOfNode()) noteHeapNodes();
+  if (fieldsEnd_ == nullptr) {
+    fields_ = cell;
   } else {
-    cell = new (std::nothrow) NQOMLSyntaxFieldList(field);
-    if (cell == nullptr) return;
-    noteHeapNodes();
+    fieldsEnd_->link_.pNext(cell);
   }
-  (fieldsEnd_ == nullptr ? fields_ : fieldsEnd_->next_) = cell;
   fieldsEnd_ = cell;
 }
 
 void NQOMLSyntaxObject::addDefaultList(NQOMLSyntaxFieldList* fields) {
   if (fields == nullptr) return;
   NQOMLSyntaxDefaultList* const node =
-      arena_ != nullptr ? arena_->makeDefaultList(fields, defaults_)
-                        : new (std::nothrow) NQOMLSyntaxDefaultList(fields, defaults_);
+      arena() != nullptr ? arena()->makeDefaultList(fields, defaults_)
+                         : new (std::nothrow) NQOMLSyntaxDefaultList(fields, defaults_);
   if (node == nullptr) return;
   defaults_ = node;
   if (defaultsIndex_ != nullptr) defaultsIndex_->lists.insert(fields);
@@ -281,21 +347,29 @@ void NQOMLSyntaxObject::addDefaultList(NQOMLSyntaxFieldList* fields) {
 
 void NQOMLSyntaxObject::append(NQOMLSyntaxObject* other) {
   if (other == nullptr || other == this) return;
-  if (arena_ != other->arena_ || (arena_ != nullptr && arena_->hasHeapNodes())) {
+  if (arena() != other->arena() || (arena() != nullptr && arena()->hasHeapNodes())) {
     noteHeapNodes();
   }
   for (NQOMLSyntaxObjectList* cell = other->objects_; cell != nullptr;
-       cell = cell->next_) {
-    if (cell->object_ != nullptr) cell->object_->parent_ = this;
+       cell = cell->pNext()) {
+    if (cell->pObject() != nullptr) cell->pObject()->parent_ = this;
   }
   if (other->objects_ != nullptr) {
-    (objectsEnd_ == nullptr ? objects_ : objectsEnd_->next_) = other->objects_;
+    if (objectsEnd_ == nullptr) {
+      objects_ = other->objects_;
+    } else {
+      objectsEnd_->link_.pNext(other->objects_);
+    }
     objectsEnd_ = other->objectsEnd_;
     other->objects_ = nullptr;
     other->objectsEnd_ = nullptr;
   }
   if (other->fields_ != nullptr) {
-    (fieldsEnd_ == nullptr ? fields_ : fieldsEnd_->next_) = other->fields_;
+    if (fieldsEnd_ == nullptr) {
+      fields_ = other->fields_;
+    } else {
+      fieldsEnd_->link_.pNext(other->fields_);
+    }
     fieldsEnd_ = other->fieldsEnd_;
     other->fields_ = nullptr;
     other->fieldsEnd_ = nullptr;
@@ -306,7 +380,7 @@ void NQOMLSyntaxObject::append(NQOMLSyntaxObject* other) {
 // A node in an arena is not destroyed with it unless the arena knows that it holds
 // something from elsewhere.
 void NQOMLSyntaxObject::noteHeapNodes() {
-  if (arena_ != nullptr) arena_->noteHeapNodes(this);
+  if (arena() != nullptr) arena()->noteHeapNodes(this);
 }
 
 void NQOMLSyntaxObject::takeDefaults(NQOMLSyntaxObject& other) {
@@ -346,7 +420,7 @@ bool NQOMLSyntaxObject::linkDefaults(NQOMLSyntaxDefaultList* node) {
   *end = node;
   if (length > kLongChain) {
     defaultsIndex_ =
-        arena_ != nullptr ? arena_->makeDefaultsIndex() : new nqdetail::DefaultsIndex;
+        arena() != nullptr ? arena()->makeDefaultsIndex() : new nqdetail::DefaultsIndex;
     defaultsIndex_->pLast = node;
     for (const NQOMLSyntaxDefaultList* at = defaults_; at != nullptr; at = at->next_) {
       defaultsIndex_->lists.insert(at->fields_);
@@ -356,17 +430,20 @@ bool NQOMLSyntaxObject::linkDefaults(NQOMLSyntaxDefaultList* node) {
 }
 
 void NQOMLSyntaxObject::dropDefaultsIndex() {
-  if (arena_ == nullptr) delete defaultsIndex_;
+  if (arena() == nullptr) delete defaultsIndex_;
   defaultsIndex_ = nullptr;
 }
 
 void NQOMLSyntaxObject::deleteObjectItem(NQOMLSyntaxObjectList* before) {
-  NQOMLSyntaxObjectList*& link = before == nullptr ? objects_ : before->next_;
-  NQOMLSyntaxObjectList* const cell = link;
+  NQOMLSyntaxObjectList* const cell = before == nullptr ? objects_ : before->pNext();
   if (cell == nullptr) return;
-  link = cell->next_;
+  if (before == nullptr) {
+    objects_ = cell->pNext();
+  } else {
+    before->link_.pNext(cell->pNext());
+  }
   if (objectsEnd_ == cell) objectsEnd_ = before;
-  cell->next_ = nullptr;
+  cell->link_.pNext(nullptr);
   NQOMLSyntaxObjectList::destroyOne(cell);
 }
 
@@ -374,7 +451,7 @@ NQOMLSyntaxField* NQOMLSyntaxObject::searchField(nqLong nameIndex,
                                                  nqLong sectionIDIndex) const {
   for (NQOMLSyntaxFieldIter iter(this); iter; ++iter) {
     const NQOMLSyntaxField& field = *iter.pField();
-    if (field.nameIndex_ == nameIndex &&
+    if (field.nameIndex() == nameIndex &&
         (sectionIDIndex == -1 || field.sectionIDIndex() == sectionIDIndex)) {
       return iter.pWrittenField();
     }
@@ -384,7 +461,7 @@ NQOMLSyntaxField* NQOMLSyntaxObject::searchField(nqLong nameIndex,
 
 NQOMLSyntaxField* NQOMLSyntaxObject::searchField(const char* name,
                                                  const char* section) const {
-  const ReadTables* const tables = readTables(pFile());
+  const ReadTables* const tables = kind_->tables;
   return searchField(nqdetail::fieldIndex(tables, name),
                      nqdetail::sectionIndex(tables, section));
 }
@@ -392,10 +469,10 @@ NQOMLSyntaxField* NQOMLSyntaxObject::searchField(const char* name,
 NQOMLSyntaxField* NQOMLSyntaxObject::searchUniqueField(nqLong nameIndex,
                                                        nqULong sectionPath) const {
   const auto searchList = [=](const NQOMLSyntaxFieldList* cell) -> NQOMLSyntaxField* {
-    for (; cell != nullptr; cell = cell->next_) {
-      NQOMLSyntaxField* const field = cell->field_;
-      if (field != nullptr && field->nameIndex_ == nameIndex &&
-          field->sectionPath_ == sectionPath) {
+    for (; cell != nullptr; cell = cell->pNext()) {
+      NQOMLSyntaxField* const field = cell->pField();
+      if (field != nullptr && field->nameIndex() == nameIndex &&
+          field->sectionPath() == sectionPath) {
         return field;
       }
     }
@@ -412,8 +489,8 @@ NQOMLSyntaxFieldList* NQOMLSyntaxObject::pFieldList(NQOMLSyntaxFieldList* fields
   if (fields != nullptr) noteHeapNodes();
   fields_ = fields;
   fieldsEnd_ = fields;
-  while (fieldsEnd_ != nullptr && fieldsEnd_->next_ != nullptr) {
-    fieldsEnd_ = fieldsEnd_->next_;
+  while (fieldsEnd_ != nullptr && fieldsEnd_->pNext() != nullptr) {
+    fieldsEnd_ = fieldsEnd_->pNext();
   }
   return fields_;
 }
@@ -436,172 +513,19 @@ void NQOMLSyntaxObject::destroyContents() {
   dropDefaultsIndex();
   while (objects_ != nullptr) {
     NQOMLSyntaxObjectList* const cell = objects_;
-    NQOMLSyntaxObject* const child = cell->object_;
+    NQOMLSyntaxObject* const child = cell->pObject();
     if (child != nullptr && child->objects_ != nullptr) {
-      objectsEnd_->next_ = child->objects_;
+      objectsEnd_->link_.pNext(child->objects_);
       objectsEnd_ = child->objectsEnd_;
       child->objects_ = nullptr;
       child->objectsEnd_ = nullptr;
     }
-    objects_ = cell->next_;
-    cell->next_ = nullptr;
+    objects_ = cell->pNext();
+    cell->link_.pNext(nullptr);
     NQOMLSyntaxObjectList::destroyOne(cell);
   }
   objectsEnd_ = nullptr;
   NQOMLSyntaxFieldList::destroyChain(fields_);
   fields_ = nullptr;
   fieldsEnd_ = nullptr;
-}
-
-// The lists
-
-NQOMLSyntaxObjectList::~NQOMLSyntaxObjectList() {
-  destroyChain(next_);
-  if (object_ == nullptr) return;
-  if (object_->arena_ != nullptr) {
-    object_->destroyContents();
-  } else {
-    delete object_;
-  }
-}
-
-void NQOMLSyntaxObjectList::destroyChain(NQOMLSyntaxObjectList* first) {
-  while (first != nullptr) {
-    NQOMLSyntaxObjectList* const cell = first;
-    first = cell->next_;
-    cell->next_ = nullptr;
-    destroyOne(cell);
-  }
-}
-
-// A cell that lies in an arena, as part of its object, is only emptied.
-void NQOMLSyntaxObjectList::destroyOne(NQOMLSyntaxObjectList* cell) {
-  NQOMLSyntaxObject* const object = cell->object_;
-  if (object != nullptr && object->arena_ != nullptr &&
-      cell == SyntaxArena::cellOf(object)) {
-    object->destroyContents();
-  } else {
-    delete cell;
-  }
-}
-
-NQOMLSyntaxFieldList::~NQOMLSyntaxFieldList() {
-  destroyChain(next_);
-  if (field_ != nullptr && field_->storage_ == NQOMLSyntaxField::kHeap) delete field_;
-}
-
-void NQOMLSyntaxFieldList::destroyChain(NQOMLSyntaxFieldList* first) {
-  while (first != nullptr) {
-    NQOMLSyntaxFieldList* const cell = first;
-    first = cell->next_;
-    cell->next_ = nullptr;
-    destroyOne(cell);
-  }
-}
-
-void NQOMLSyntaxFieldList::destroyOne(NQOMLSyntaxFieldList* cell) {
-  NQOMLSyntaxField* const field = cell->field_;
-  if (field != nullptr && field->storage_ == NQOMLSyntaxField::kArena &&
-      cell == SyntaxArena::cellOf(field)) {
-    return;
-  }
-  delete cell;
-}
-
-NQOMLSyntaxDefaultList::~NQOMLSyntaxDefaultList() {
-  destroyChain(next_);
-}
-
-void NQOMLSyntaxDefaultList::append(NQOMLSyntaxDefaultList* chain) {
-  NQOMLSyntaxDefaultList* last = this;
-  while (last != chain && last->next_ != nullptr) last = last->next_;
-  if (last != chain) last->next_ = chain;
-}
-
-void NQOMLSyntaxDefaultList::destroyChain(NQOMLSyntaxDefaultList* first) {
-  while (first != nullptr) {
-    NQOMLSyntaxDefaultList* const node = first;
-    first = node->next_;
-    node->next_ = nullptr;
-    if (!node->inArena_) delete node;
-  }
-}
-
-// The iterators
-
-NQ_COPY_PROTOCOL_IMPL(NQOMLSyntaxObjectIter)
-NQ_COPY_ALIKE_IMPL(NQOMLSyntaxObjectIter, NQObject)
-
-NQ_COPY_PROTOCOL_IMPL(NQOMLSyntaxFieldIter)
-NQ_COPY_ALIKE_IMPL(NQOMLSyntaxFieldIter, NQObject)
-
-void NQOMLSyntaxFieldIter::copyFields(const NQOMLSyntaxFieldIter& source) {
-  cell_ = source.cell_;
-  defaults_ = source.defaults_;
-  ownFields_ = source.ownFields_;
-  defObjType_ = source.defObjType_;
-  section_ = source.section_;
-  if (section_ != nullptr) {
-    view_.emplace(*pWrittenField(), *section_, source.view_->pDefField());
-  }
-}
-
-void NQOMLSyntaxFieldIter::init() {
-  cell_ = nullptr;
-  defaults_ = nullptr;
-  ownFields_ = nullptr;
-  defObjType_ = nullptr;
-  section_ = nullptr;
-}
-
-void NQOMLSyntaxFieldIter::init(const NQOMLSyntaxObject* object) {
-  init();
-  if (object == nullptr) return;
-  defaults_ = object->pDefaultList();
-  ownFields_ = object->pFieldList();
-  defObjType_ = object->pDefObjType();
-  settle();
-}
-
-// Goes on from the current cell, which may be null, to one that has something to
-// yield, or to the end.
-void NQOMLSyntaxFieldIter::settle() {
-  for (;; cell_ = cell_->pNext()) {
-    while (cell_ == nullptr) {
-      if (!enterNextList()) return;
-    }
-    const NQOMLSyntaxField* const field = cell_->pField();
-    if (field == nullptr) continue;
-    if (field->unchecked_ || field->defField_ != nullptr) return;
-    if (settleIn(nqdetail::firstMatch(defObjType_, field->sectionPath_))) return;
-  }
-}
-
-bool NQOMLSyntaxFieldIter::enterNextList() {
-  if (defaults_ != nullptr) {
-    cell_ = defaults_->pFieldList();
-    defaults_ = defaults_->pNext();
-    return true;
-  }
-  cell_ = ownFields_;
-  ownFields_ = nullptr;
-  return cell_ != nullptr;
-}
-
-bool NQOMLSyntaxFieldIter::settleInNextSection() {
-  return settleIn(nqdetail::nextMatch(section_, pWrittenField()->sectionPath_));
-}
-
-// Settles in the first section from the given match on that defines the field.
-bool NQOMLSyntaxFieldIter::settleIn(NQOMLDefSection* section) {
-  const NQOMLSyntaxField& field = *pWrittenField();
-  for (; section != nullptr; section = nqdetail::nextMatch(section, field.sectionPath_)) {
-    NQOMLDefField* const definition = section->pField(field.nameIndex_);
-    if (definition == nullptr) continue;
-    section_ = section;
-    view_.emplace(field, *section, definition);
-    return true;
-  }
-  section_ = nullptr;
-  return false;
 }
