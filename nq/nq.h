@@ -24,6 +24,8 @@
 #include "nq/core/string_pool.h"
 #include "nq/core/text.h"
 #include "nq/core/unique_id.h"
+#include "nq/core/value.h"
+#include "nq/core/value_format.h"
 #include "nq/file/file.h"
 #include "nq/file/file_codes.h"
 #include "nq/file/system_calls.h"

@@ -20,7 +20,7 @@ NQBinHeapCell::NQBinHeapCell(const NQBinHeapCell& source)
 
 // copyObject() looks out for the object itself.
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
-const NQBinHeapCell& NQBinHeapCell::operator=(const NQBinHeapCell& source) {
+NQBinHeapCell& NQBinHeapCell::operator=(const NQBinHeapCell& source) {
   copyObject(&source);
   return *this;
 }

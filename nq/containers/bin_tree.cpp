@@ -14,7 +14,7 @@ NQBinTreeCell::NQBinTreeCell(const NQBinTreeCell& source)
 
 // copyObject() looks out for the object itself.
 // NOLINTNEXTLINE(bugprone-unhandled-self-assignment)
-const NQBinTreeCell& NQBinTreeCell::operator=(const NQBinTreeCell& source) {
+NQBinTreeCell& NQBinTreeCell::operator=(const NQBinTreeCell& source) {
   copyObject(&source);
   return *this;
 }

@@ -141,7 +141,7 @@ class NQCopyAccess {
  public:                                                \
   X(const X& source, NQDeepFlagEnum flag);              \
   X(const X& source);                                   \
-  const X& operator=(const X& source);                  \
+  X& operator=(const X& source);                        \
   void copyObject(const NQObject* source) override;     \
   void copyAttributes(const NQObject* source) override; \
   X* cloneObject() const;                               \
@@ -170,7 +170,7 @@ class NQCopyAccess {
     NQCopyAccess::construct<X>(*this, source, flag); \
   }                                                  \
   X::X(const X& source) : X(source, NQ_DEEP_COPY) {} \
-  const X& X::operator=(const X& source) {           \
+  X& X::operator=(const X& source) {                 \
     NQCopyAccess::copyObject<X>(*this, &source);     \
     return *this;                                    \
   }
@@ -242,7 +242,7 @@ class NQCopyAccess {
     NQCopyAccess::deep<X>(*this, source);                   \
   }                                                         \
   inline X::X(const X& source) : X(source, NQ_DEEP_COPY) {} \
-  inline const X& X::operator=(const X& source) {           \
+  inline X& X::operator=(const X& source) {                 \
     NQCopyAccess::deep<X>(*this, source);                   \
     return *this;                                           \
   }

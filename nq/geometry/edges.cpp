@@ -369,3 +369,7 @@ NQSize NQEdges::offset(const NQPerMil& perMil, const NQSize& sign) const {
   return {static_cast<nqLong>(perMil.x() * halfOn(sign.width(), width()) / 1000),
           static_cast<nqLong>(perMil.y() * halfOn(sign.height(), height()) / 1000)};
 }
+
+std::string NQEdges::asText() const {
+  return NQTuple(left, bottom).asText() + "-" + NQTuple(right, top).asText();
+}

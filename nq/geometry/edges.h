@@ -16,6 +16,7 @@
 #define NQ_GEOMETRY_EDGES_H
 
 #include <algorithm>
+#include <limits>
 
 #include "nq/geometry/directions.h"
 #include "nq/geometry/permil.h"
@@ -31,6 +32,13 @@ struct NQ_EXPORT NQ_VIEWED_AS_RECORD NQEdges {
   // The box with any two opposite corners.
   static NQEdges ofCorners(nqLong x1, nqLong y1, nqLong x2, nqLong y2) {
     return {std::min(x1, x2), std::max(y1, y2), std::max(x1, x2), std::min(y1, y2)};
+  }
+
+  // The box of no points: every other one is within the bounds of both.
+  static constexpr NQEdges nothing() {
+    constexpr nqLong kMin = std::numeric_limits<nqLong>::min();
+    constexpr nqLong kMax = std::numeric_limits<nqLong>::max();
+    return {kMax, kMin, kMin, kMax};
   }
 
   nqLong width() const { return nqDifference(right, left); }
@@ -82,10 +90,16 @@ struct NQ_EXPORT NQ_VIEWED_AS_RECORD NQEdges {
             std::min(bottom, o.bottom)};
   }
 
+  // Whether they are all 0 or in bad order.
+  int isEmpty() const { return isZero() || left > right || bottom > top; }
+
   friend bool operator==(const NQEdges& a, const NQEdges& b) {
     return a.left == b.left && a.top == b.top && a.right == b.right &&
            a.bottom == b.bottom;
   }
+
+  std::size_t hashValue() const { return nqHashOf(left, top, right, bottom); }
+  std::string asText() const;  // "(-20, -20)-(20, 20)", bottom left and top right
 
   // Clipping and overlap tests, as rect_operations.h tells.
   int intersectsLine(nqLong& x1, nqLong& y1, nqLong& x2, nqLong& y2) const;

@@ -22,6 +22,8 @@ class NQ_EXPORT NQPerMil : public NQObject {
   friend bool operator==(const NQPerMil& a, const NQPerMil& b) {
     return a.x_ == b.x_ && a.y_ == b.y_;
   }
+  std::size_t hashValue() const { return nqHashOf(x_, y_); }
+  std::string asText() const;  // "(500, -1000)/1000"
 
   short x(short value) { return x_ = value; }
   short y(short value) { return y_ = value; }

@@ -12,6 +12,8 @@
 #ifndef NQ_GEOMETRY_POINT_H
 #define NQ_GEOMETRY_POINT_H
 
+#include <compare>
+
 #include "nq/containers/numbers.h"  // greatestCommonDivisor()
 #include "nq/geometry/directions.h"
 #include "nq/geometry/size.h"
@@ -40,6 +42,11 @@ class NQ_EXPORT NQ_VIEWED_AS_RECORD NQPoint : public NQTuple {
     const double dx = nqDifference(x2, x1);
     const double dy = nqDifference(y2, y1);
     return dx * dx + dy * dy;
+  }
+
+  // By x, then by y, as NQPointSListSort sorts.
+  friend std::strong_ordering operator<=>(const NQPoint& a, const NQPoint& b) {
+    return a.x() != b.x() ? a.x() <=> b.x() : a.y() <=> b.y();
   }
 
   // The axis direction in which `to` lies; NQDirNone when the points are equal
@@ -115,5 +122,9 @@ class NQ_EXPORT NQ_VIEWED_AS_RECORD NQPoint : public NQTuple {
 };
 
 NQ_COPY_VALUE_INLINE(NQPoint)
+
+inline NQDTuple::operator NQPoint() const {
+  return {nqRound(x_), nqRound(y_)};
+}
 
 #endif  // NQ_GEOMETRY_POINT_H

@@ -28,7 +28,7 @@ NQPointDList::NQPointDList(const NQPointSList& source) {
   copyAllCells(&source);
 }
 
-const NQPointDList& NQPointDList::operator=(const NQPointSList& source) {
+NQPointDList& NQPointDList::operator=(const NQPointSList& source) {
   copyAllCells(&source);
   return *this;
 }
@@ -37,7 +37,7 @@ NQPointSList::NQPointSList(const NQPointDList& source) {
   copyAllCells(&source);
 }
 
-const NQPointSList& NQPointSList::operator=(const NQPointDList& source) {
+NQPointSList& NQPointSList::operator=(const NQPointDList& source) {
   copyAllCells(&source);
   return *this;
 }

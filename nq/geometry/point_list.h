@@ -68,7 +68,7 @@ class NQ_EXPORT NQPointDList : public NQPointList<NQPointDList, NQDList, NQPoint
   NQPointDList();
   NQPointDList(const NQPointSList& source);  // NOLINT: the same list
   ~NQPointDList() override;
-  const NQPointDList& operator=(const NQPointSList& source);
+  NQPointDList& operator=(const NQPointSList& source);
 };
 
 class NQ_EXPORT NQPointSList : public NQPointList<NQPointSList, NQSList, NQPointDList> {
@@ -78,7 +78,7 @@ class NQ_EXPORT NQPointSList : public NQPointList<NQPointSList, NQSList, NQPoint
   NQPointSList();
   NQPointSList(const NQPointDList& source);  // NOLINT: the same list
   ~NQPointSList() override;
-  const NQPointSList& operator=(const NQPointDList& source);
+  NQPointSList& operator=(const NQPointDList& source);
 };
 
 class NQ_EXPORT NQPointDListIter : public NQTypedListIter<NQPointDList, NQDListIter> {

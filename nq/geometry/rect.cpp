@@ -32,7 +32,7 @@ NQRect::NQRect(const NQInternalRect& source) {
   *this = source;
 }
 
-const NQRect& NQRect::operator=(const NQInternalRect& source) {
+NQRect& NQRect::operator=(const NQInternalRect& source) {
   const NQEdges e = source.edges();
   setCorners(e.left, e.bottom, e.right, e.top);
   return *this;

@@ -3,14 +3,18 @@
 // x grows to the right and y upward, so top is the larger y. All four edges
 // belong to the rectangle: its width is right - left, without a + 1. Corners
 // are put in order as they come in, and negative extents are ignored; only the
-// constructors from sizes, given a negative one, leave edges in bad order.
+// constructors from sizes, given a negative one, and nothing() leave edges in bad
+// order.
 //
 // The centre is rounded down. An extent is placed about its centre with an odd
 // unit on the right and top.
 //
 // The rectangle whose edges are all 0 is the zero rectangle: the result of
 // intersecting disjoint rectangles, and the empty operand of union. Any other
-// rectangle without area is an ordinary one.
+// rectangle without area is an ordinary one. Bounds are gathered from nothing():
+//
+//   NQRect bounds = NQRect::nothing();
+//   for (const NQPoint& point : points) bounds.updateBounds(&point);
 //
 // Questions, clipping, routing and most changes: see rect_operations.h.
 
@@ -36,7 +40,16 @@ class NQ_EXPORT NQ_VIEWED_AS_RECORD NQRect : public NQObject,
       : NQRect(center, size.width(), size.height()) {}
   NQRect(const tagRECT* record);         // NOLINT: null is the zero rectangle
   NQRect(const NQInternalRect& source);  // NOLINT: the same box
-  const NQRect& operator=(const NQInternalRect& source);
+  NQRect& operator=(const NQInternalRect& source);
+
+  // The rectangle of no points, to begin with where bounds are gathered:
+  // updateBounds() and |= make it what they are given first. It has no extent and no
+  // place: what width() and its like answer means nothing.
+  static NQRect nothing() {
+    NQRect rect;
+    rect.edges_ = NQEdges::nothing();
+    return rect;
+  }
 
   nqLong left() const { return edges_.left; }
   nqLong top() const { return edges_.top; }

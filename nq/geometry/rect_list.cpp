@@ -28,7 +28,7 @@ NQRectDList::NQRectDList(const NQRectSList& source) {
   copyAllCells(&source);
 }
 
-const NQRectDList& NQRectDList::operator=(const NQRectSList& source) {
+NQRectDList& NQRectDList::operator=(const NQRectSList& source) {
   copyAllCells(&source);
   return *this;
 }
@@ -37,7 +37,7 @@ NQRectSList::NQRectSList(const NQRectDList& source) {
   copyAllCells(&source);
 }
 
-const NQRectSList& NQRectSList::operator=(const NQRectDList& source) {
+NQRectSList& NQRectSList::operator=(const NQRectDList& source) {
   copyAllCells(&source);
   return *this;
 }

@@ -65,7 +65,7 @@ class NQ_EXPORT NQRectDList : public NQRectList<NQRectDList, NQDList, NQRectSLis
   NQRectDList();
   NQRectDList(const NQRectSList& source);  // NOLINT: the same list
   ~NQRectDList() override;
-  const NQRectDList& operator=(const NQRectSList& source);
+  NQRectDList& operator=(const NQRectSList& source);
 };
 
 class NQ_EXPORT NQRectSList : public NQRectList<NQRectSList, NQSList, NQRectDList> {
@@ -75,7 +75,7 @@ class NQ_EXPORT NQRectSList : public NQRectList<NQRectSList, NQSList, NQRectDLis
   NQRectSList();
   NQRectSList(const NQRectDList& source);  // NOLINT: the same list
   ~NQRectSList() override;
-  const NQRectSList& operator=(const NQRectDList& source);
+  NQRectSList& operator=(const NQRectDList& source);
 };
 
 class NQ_EXPORT NQRectDListIter : public NQTypedListIter<NQRectDList, NQDListIter> {

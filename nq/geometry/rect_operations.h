@@ -41,6 +41,11 @@ class NQRectOperations {
   nqLong sideCoordinate(NQSideEnum side) const { return edges().sideCoordinate(side); }
   // Whether all four edges are 0.
   int isZero() const { return edges().isZero(); }
+  // Whether it is the zero rectangle, NQRect::nothing(), or made with a negative extent.
+  int isEmpty() const { return edges().isEmpty(); }
+
+  std::size_t hashValue() const { return edges().hashValue(); }
+  std::string asText() const { return edges().asText(); }
 
   // Points and ranges.
   int within(const NQPoint& p) const { return edges().within(p.x(), p.y()); }
@@ -259,9 +264,10 @@ class NQRectOperations {
     assign(edges().intersection(o.edges()));
     return self();
   }
-  // Grows to hold the argument too; null changes nothing.
+  // Grows to hold the argument too; null and NQRect::nothing() change nothing.
   void updateBounds(const Rect* o) {
-    if (o != nullptr) assign(edges().bounds(o->edges()));
+    if (o == nullptr || o->edges() == NQEdges::nothing()) return;
+    assign(edges().bounds(o->edges()));
   }
   void updateBounds(const NQPoint* p) {
     if (p != nullptr) assign(edges().bounds({p->x(), p->y(), p->x(), p->y()}));

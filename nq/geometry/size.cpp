@@ -11,3 +11,7 @@ NQSize::NQSize(tagSIZE record) : NQTuple(record.cx, record.cy) {}
 nqLong NQSize::sizeOf() const {
   return static_cast<nqLong>(sizeof(NQSize));
 }
+
+std::string NQSize::asText() const {
+  return std::to_string(width()) + " x " + std::to_string(height());
+}

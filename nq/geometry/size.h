@@ -25,6 +25,7 @@ class NQ_EXPORT NQ_VIEWED_AS_RECORD NQSize : public NQTuple {
   nqLong area() const { return product(); }
   nqLong diagonal() const { return norm(); }
   nqLong magnitude() const { return norm(); }
+  std::string asText() const;  // "30 x 40"
 
   nqLong width(nqLong value) { return x(value); }
   nqLong height(nqLong value) { return y(value); }
@@ -40,5 +41,9 @@ class NQ_EXPORT NQ_VIEWED_AS_RECORD NQSize : public NQTuple {
 };
 
 NQ_COPY_VALUE_INLINE(NQSize)
+
+inline NQDTuple::operator NQSize() const {
+  return {nqRound(x_), nqRound(y_)};
+}
 
 #endif  // NQ_GEOMETRY_SIZE_H

@@ -35,3 +35,7 @@ nqLong NQSpacing::calculateOuterSize(const NQSpacing& a, const NQSpacing& b,
   while (left(size) < wanted) ++size;
   return answer(size);
 }
+
+std::string NQSpacing::asText() const {
+  return std::to_string(fixed_) + " + " + std::to_string(proportional_) + "/1000";
+}

@@ -8,6 +8,7 @@
 
 #include <concepts>
 
+#include "nq/core/value.h"
 #include "nq/geometry/rounding.h"
 #include "nq/platform/export.h"
 
@@ -27,6 +28,10 @@ class NQ_EXPORT NQSpacing {
   nqLong combined(Integer size) const {  // of its low 32 bits
     return combined(static_cast<int>(size));
   }
+
+  friend bool operator==(const NQSpacing&, const NQSpacing&) = default;
+  std::size_t hashValue() const { return nqHashOf(fixed_, proportional_); }
+  std::string asText() const;  // "5 + 100/1000"
 
   nqLong fixed(nqLong value) { return fixed_ = value; }
   short proportional(short value) { return proportional_ = value; }

@@ -84,3 +84,12 @@ void NQTransform::Axis::normalize() {
     targetExtent = 1;
   }
 }
+
+std::string NQTransform::asText() const {
+  return "x: " + x_.asText() + ", y: " + y_.asText();
+}
+
+std::string NQTransform::Axis::asText() const {
+  return nqTextOf(sourceOrigin) + " + " + nqTextOf(sourceExtent) + " to " +
+         nqTextOf(targetOrigin) + " + " + nqTextOf(targetExtent);
+}

@@ -82,6 +82,14 @@ class NQ_EXPORT NQTransform : public NQObject {
   void transformRect(const NQRect& from, NQRect& to) const;
   void inverseTransformRect(const NQRect& from, NQRect& to) const;
 
+  friend bool operator==(const NQTransform& a, const NQTransform& b) {
+    return a.x_ == b.x_ && a.y_ == b.y_;
+  }
+  std::size_t hashValue() const { return nqHashOf(x_.hashValue(), y_.hashValue()); }
+  // "x: 0 + 1 to 5 + 2, y: 0 + 1 to 200 + -1": of each axis origin and extent of the
+  // source and of the target.
+  std::string asText() const;
+
   // Whether on each axis one of the two extents is exactly 1.
   int hasNormalizedExt() const;
 
@@ -110,6 +118,12 @@ class NQ_EXPORT NQTransform : public NQObject {
       return (v - targetOrigin) * sourceExtent / targetExtent + sourceOrigin;
     }
     void normalize();
+
+    bool operator==(const Axis&) const = default;
+    std::size_t hashValue() const {
+      return nqHashOf(sourceOrigin, targetOrigin, sourceExtent, targetExtent);
+    }
+    std::string asText() const;
   };
 
   void copyFields(const NQTransform& source) {

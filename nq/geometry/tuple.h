@@ -15,10 +15,13 @@
 #include <concepts>
 
 #include "nq/core/copy_protocol.h"
+#include "nq/core/value.h"
 #include "nq/geometry/rounding.h"
 #include "nq/platform/records.h"
 
 class NQDTuple;
+class NQPoint;
+class NQSize;
 
 class NQ_EXPORT NQ_VIEWED_AS_RECORD NQTuple : public NQObject {
   NQ_COPY_VALUE(NQTuple, NQObject)
@@ -26,8 +29,8 @@ class NQ_EXPORT NQ_VIEWED_AS_RECORD NQTuple : public NQObject {
  public:
   NQTuple() = default;
   NQTuple(nqLong x, nqLong y) : x_(x), y_(y) {}
-  NQTuple(const NQDTuple& source);                   // NOLINT: rounds
-  const NQTuple& operator=(const NQDTuple& source);  // rounds
+  NQTuple(const NQDTuple& source);             // NOLINT: rounds
+  NQTuple& operator=(const NQDTuple& source);  // rounds
 
   nqLong x() const { return x_; }
   nqLong y() const { return y_; }
@@ -48,6 +51,8 @@ class NQ_EXPORT NQ_VIEWED_AS_RECORD NQTuple : public NQObject {
   friend bool operator==(const NQTuple& a, const NQTuple& b) {
     return a.x_ == b.x_ && a.y_ == b.y_;
   }
+  std::size_t hashValue() const { return nqHashOf(x_, y_); }
+  std::string asText() const;  // "(3, -4)"
 
   nqLong x(nqLong value) { return x_ = value; }
   nqLong y(nqLong value) { return y_ = value; }
@@ -101,7 +106,7 @@ class NQ_EXPORT NQDTuple : public NQObject {
   NQDTuple() = default;
   NQDTuple(double x, double y) : x_(x), y_(y) {}
   NQDTuple(const NQTuple& source) : x_(source.x()), y_(source.y()) {}  // NOLINT: exact
-  const NQDTuple& operator=(const NQTuple& source) {
+  NQDTuple& operator=(const NQTuple& source) {
     set(source.x(), source.y());
     return *this;
   }
@@ -117,9 +122,15 @@ class NQ_EXPORT NQDTuple : public NQObject {
   double product() const { return x_ * y_; }
   int isZero() const { return x_ == 0.0 && y_ == 0.0; }
 
+  // Rounded.
+  explicit operator NQPoint() const;
+  explicit operator NQSize() const;
+
   friend bool operator==(const NQDTuple& a, const NQDTuple& b) {
     return a.x_ == b.x_ && a.y_ == b.y_;
   }
+  std::size_t hashValue() const { return nqHashOf(x_, y_); }
+  std::string asText() const;  // "(1.5, -4)"
 
   double x(double value) { return x_ = value; }
   double y(double value) { return y_ = value; }
@@ -156,7 +167,7 @@ NQ_COPY_VALUE_INLINE(NQDTuple)
 inline NQTuple::NQTuple(const NQDTuple& source)
     : x_(nqRound(source.x())), y_(nqRound(source.y())) {}
 
-inline const NQTuple& NQTuple::operator=(const NQDTuple& source) {
+inline NQTuple& NQTuple::operator=(const NQDTuple& source) {
   set(nqRound(source.x()), nqRound(source.y()));
   return *this;
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cstddef>
+#include <cstdint>
 #include <iterator>
 #include <limits>
 #include <string_view>
@@ -116,6 +117,20 @@ int NQColor::setStringFromRGB(char* out) const {
   return 0;
 }
 
+std::string NQColor::hexText() const {
+  std::string text = "#";
+  const auto add = [&text](int byte) {
+    constexpr const char* kDigits = "0123456789abcdef";
+    text += kDigits[byte / 16];
+    text += kDigits[byte % 16];
+  };
+  add(red_);
+  add(green_);
+  add(blue_);
+  if (transparent() != 0) add(0);
+  return text;
+}
+
 double NQColor::red(double fraction) {
   setByte(red_, byteOf(fraction));
   return red();
@@ -182,5 +197,24 @@ int NQColor::setRGBFromString(const char* text) {
     rest.remove_prefix(end);
   }
   rgb(numbers[0], numbers[1], numbers[2]);
+  return 1;
+}
+
+int NQColor::setFromHexText(const char* text) {
+  if (text == nullptr || *text != '#') return 0;
+  const std::string_view digits(text + 1);
+  std::uint32_t value = 0;
+  const auto [end, error] =
+      std::from_chars(digits.data(), digits.data() + digits.size(), value, 16);
+  const bool hasAlpha = digits.size() == 8;
+  if (error != std::errc() || end != digits.data() + digits.size() ||
+      (!hasAlpha && digits.size() != 6)) {
+    return 0;
+  }
+  const std::uint32_t channels = hasAlpha ? value >> 8 : value;
+  ired(static_cast<int>(channels >> 16));
+  igreen(static_cast<int>(channels >> 8));
+  iblue(static_cast<int>(channels));
+  transparent(hasAlpha && (value & 0xff) < 0x80);
   return 1;
 }

@@ -13,6 +13,7 @@
 #define NQ_RESOURCES_COLOR_H
 
 #include "nq/core/copy_protocol.h"
+#include "nq/core/value.h"
 
 // The palette. Light colours have their full channels at 1 and the others at 0.7 to
 // 0.9, medium ones mix 0.8 and 0.1, dark ones are half as bright.
@@ -85,6 +86,16 @@ class NQ_EXPORT NQColor : public NQObject {
                : 0;
   }
 
+  // compare(): needsSaving() is not looked at.
+  friend bool operator==(const NQColor& a, const NQColor& b) {
+    return a.compare(&b) != 0;
+  }
+  std::size_t hashValue() const { return nqHashOf(red_, green_, blue_, transparent()); }
+  std::string asText() const { return hexText(); }
+
+  // "#ff8000", and "#ff800000" when the colour is transparent.
+  std::string hexText() const;
+
   // Writes the channels to `out`, which has room for 16 characters, as three
   // fractions of two digits: "1.00 0.50 0.00". Each is the smallest that reads back
   // as the byte or, where no such fraction gives it, as one above it. Always
@@ -120,6 +131,10 @@ class NQ_EXPORT NQColor : public NQObject {
   // the third word, is passed over, and a word that begins with no number is 0. 0,
   // and no change, when there are fewer words or `text` is null; else 1.
   int setRGBFromString(const char* text);
+  // Sets the colour from "#rrggbb", which is opaque, or "#rrggbbaa", which is
+  // transparent where aa is below 80; digits in either case. 0, and no change, for any
+  // other text and null; else 1.
+  int setFromHexText(const char* text);
 
  private:
   static constexpr unsigned char kNeedsSaving = 1;

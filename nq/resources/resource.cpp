@@ -72,7 +72,7 @@ NQResource::NQResource(const NQResource& source, NQDeepFlagEnum)
 
 NQResource::NQResource(const NQResource& source) : NQResource(source.pResourceDB_) {}
 
-const NQResource& NQResource::operator=(const NQResource& source) {
+NQResource& NQResource::operator=(const NQResource& source) {
   NQCopyAccess::copyObject(*this, &source);
   return *this;
 }

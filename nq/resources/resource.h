@@ -49,7 +49,7 @@ class NQ_EXPORT NQResource : public NQObject {
   explicit NQResource(NQResourceDB* database = nullptr) : pResourceDB_(database) {}
   NQResource(const NQResource& source, NQDeepFlagEnum flag);
   NQResource(const NQResource& source);
-  const NQResource& operator=(const NQResource& source);
+  NQResource& operator=(const NQResource& source);
   ~NQResource() override;
 
   void copyObject(const NQObject* source) override;

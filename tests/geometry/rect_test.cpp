@@ -495,6 +495,30 @@ TEST(NQRect, KeepsWhatIsItsOwn) {
       [](const NQRect& a, const NQRect& b) { return a == b; });
 }
 
+TEST(NQRect, GathersBoundsFromNothing) {
+  NQRect bounds = NQRect::nothing();
+  const NQRect nothing = bounds, far(7, -9, 7, -9);
+  EXPECT_EQ(bounds.within(NQPoint(0, 0)) + bounds.intersectsRect(NQRect()), 0);
+  bounds |= nothing;
+  bounds.updateBounds(&nothing);
+  EXPECT_EQ(bounds, nothing);
+  const NQPoint p(5, -3);
+  bounds.updateBounds(&p);
+  EXPECT_EQ(bounds, NQRect(p, p));
+  bounds.updateBounds(&nothing);
+  bounds |= nothing;
+  bounds.updateBounds(&far);
+  EXPECT_EQ(bounds, NQRect(5, -9, 7, -3));
+  bounds = nothing;
+  bounds |= far;
+  EXPECT_EQ(bounds, far);
+  for (const NQRect& empty : {nothing, NQRect(0, 0, 0, 0), NQRect(-1, 5),
+                              far.calculateIntersection(NQRect(8, 8, 9, 9))}) {
+    EXPECT_EQ(empty.isEmpty(), 1) << empty;
+  }
+  EXPECT_EQ(far.isEmpty() + NQRect().isEmpty() + NQInternalRect().isEmpty(), 0);
+}
+
 TEST(NQInternalRect, KeepsWhatIsItsOwn) {
   const NQInternalRect r(NQRect(0, 0, 5, 5));
   EXPECT_EQ(r.center(), NQPoint(2, 2));

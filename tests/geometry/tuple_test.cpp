@@ -2,11 +2,20 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <concepts>
+#include <cstring>
+#include <iomanip>
 #include <limits>
 #include <memory>
+#include <sstream>
+#include <string>
 #include <type_traits>
 #include <typeinfo>
+#include <unordered_set>
+#include <vector>
 
+#include "nq/core/value_format.h"
 #include "nq/geometry/internal_rect.h"
 #include "nq/geometry/permil.h"
 #include "nq/geometry/spacing.h"
@@ -185,6 +194,46 @@ TEST(Values, FollowTheCopyProtocol) {
   check(NQSize(1, 2), NQSize(3, 4));
   check(NQDTuple(1.5, 2.5), NQDTuple(3.5, 4.5));
   check(NQPerMil(1, 2), NQPerMil(3, 4));
+}
+
+// What ordinary code asks of a value. Two of one kind, and the text of the first.
+template <class Value>
+void checkOrdinary(const Value& one, const Value& other, const char* text) {
+  static_assert(std::copyable<Value> && std::equality_comparable<Value>);
+  std::vector<Value> values = {other, one};
+  std::iter_swap(values.begin(), values.begin() + 1);
+  EXPECT_TRUE(values[0] == one && values[1] == other && one != other) << text;
+  EXPECT_EQ(std::unordered_set<Value>({one, other, one}).size(), 2U) << text;
+  std::ostringstream out;
+  out << std::setw(60) << std::setfill('.') << one;
+  EXPECT_EQ(out.str(), std::string(60 - std::strlen(text), '.') + text);
+#if defined(__cpp_lib_format)
+  EXPECT_EQ(std::format("{:.>60}", one), out.str());
+#endif
+}
+
+TEST(Values, CopySwapHashAndPrint) {
+  checkOrdinary(NQTuple(1, -2), NQTuple(-2, 1), "(1, -2)");
+  checkOrdinary(NQPoint(kMin, kMax), NQPoint(), "(-2147483648, 2147483647)");
+  checkOrdinary(NQSize(30, 40), NQSize(40, 30), "30 x 40");
+  checkOrdinary(NQDTuple(0.1, -4), NQDTuple(1e300, 2), "(0.1, -4)");
+  checkOrdinary(NQPerMil(500, -1000), NQPerMil(), "(500, -1000)/1000");
+  checkOrdinary(NQSpacing(5, 100), NQSpacing(100, 5), "5 + 100/1000");
+  checkOrdinary(NQRect(1, -2, 3, 4), NQRect(), "(1, -2)-(3, 4)");
+  checkOrdinary(NQInternalRect(1, -2, 3, 4), NQInternalRect(), "(1, -2)-(3, 4)");
+  NQTransform screen;
+  screen.targetOriginY(200);
+  screen.targetExtentY(-0.5);
+  checkOrdinary(screen, NQTransform(), "x: 0 + 1 to 0 + 1, y: 0 + 1 to 200 + -0.5");
+  EXPECT_EQ(std::hash<NQDTuple>()({0.0, 1}), std::hash<NQDTuple>()({-0.0, 1}));
+
+  EXPECT_EQ(static_cast<NQPoint>(NQDTuple(2.5, -2.5)), NQPoint(3, -2));
+  EXPECT_EQ(static_cast<NQSize>(NQDTuple(2.5, -2.5)), NQSize(3, -2));
+  static_assert(!std::convertible_to<NQDTuple, NQPoint>);
+  static_assert(!std::constructible_from<NQPoint, NQSize>);
+  std::vector<NQPoint> points = {{kMax, 0}, {1, 5}, {1, -5}, {kMin, 9}};
+  std::sort(points.begin(), points.end());
+  EXPECT_EQ(points, (std::vector<NQPoint>{{kMin, 9}, {1, -5}, {1, 5}, {kMax, 0}}));
 }
 
 // copyObject() leaves the copying to copyAttributes(), which a class derived without

@@ -3,9 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <clocale>
+#include <concepts>
 #include <limits>
 #include <memory>
 #include <string>
+#include <unordered_set>
 
 #include "tests/support/copy_protocol_check.h"
 
@@ -202,6 +204,46 @@ TEST(NQColor, ReadsThreeFractions) {
   }
   NQColor color;
   EXPECT_EQ(color.setRGBFromString(nullptr), 0);
+}
+
+TEST(NQColor, ReadsAndWritesHexadecimalDigits) {
+  const struct {
+    const char* text;
+    const char* written;  // null: refused
+  } kRows[] = {
+      {"#ff8000", "#ff8000"},
+      {"#Ff80aAff", "#ff80aa"},
+      {"#01020300", "#01020300"},
+      {"#0102037F", "#01020300"},
+      {"#01020380", "#010203"},
+      {"#00000000", "#00000000"},
+      {"ff8000", nullptr},
+      {"#ff800", nullptr},
+      {"#ff80000", nullptr},
+      {"#ff8000ff0", nullptr},
+      {"#-f8000", nullptr},
+      {"#0xff00", nullptr},
+      {"#ff 000", nullptr},
+      {"#ff800g", nullptr},
+      {"#", nullptr},
+      {"", nullptr},
+      {nullptr, nullptr},
+  };
+  std::unordered_set<NQColor> all;
+  for (const auto& row : kRows) {
+    for (const int before : {0, 1}) {
+      NQColor color = colorOf(9, 8, 7);
+      color.transparent(before);
+      const NQColor old = color;
+      const bool good = row.written != nullptr;
+      EXPECT_EQ(color.setFromHexText(row.text), good ? 1 : 0) << row.text;
+      EXPECT_EQ(color.hexText(), good ? row.written : old.hexText());
+      EXPECT_EQ(color == old, !good) << row.text << " gives " << color;
+      if (good) all.insert(color);
+    }
+  }
+  EXPECT_EQ(all.size(), 5U);
+  static_assert(std::copyable<NQColor>);
 }
 
 std::string text(const NQColor& color) {
