@@ -22,11 +22,56 @@
 
 namespace nqdetail {
 
-// Also connects the rooms with the virtual operations of the file.
-struct FileState final : MessageSink, SourceOwner, ReadHooks, OutputSink {
+struct FileState;
+
+// What a write needs: of writeOMLFile(), or of an application that has opened the file
+// for itself. Sends the output through the virtual operations of the file.
+struct WriteState final : OutputSink {
+  explicit WriteState(FileState& owner) : state(owner) {}
+
+  bool send(const char* data, std::size_t count) override;
+  // Has the file written in an encoding from here on.
+  void start(bool inBinary, const NQObject* top);
+  // The writer; null also while its output goes to the file.
+  Writer* openWriter() const {
+    return writer != nullptr && !writer->output().sending() ? writer.get() : nullptr;
+  }
+  // The same for a writing operation, which may be the first one since an application
+  // opened the file for itself. Null, with error() set, when there is nothing to write
+  // to: output is lost then, which spoils a write under way.
+  Writer* writerForOperation();
+  // Lets an operation use that writer. Lack of memory spoils the write.
+  template <class Operation>
+  void with(const Operation& operation) {
+    Writer* open = openWriter();
+    if (open == nullptr) open = writerForOperation();
+    if (open == nullptr) return;
+    try {
+      operation(*open);
+    } catch (const std::bad_alloc&) {
+      fail();
+    }
+  }
+  // Sets error(), and spoils the write if there is one.
+  void fail();
+  // The result of a close, which also tells whether an application's own write went
+  // well, and ends it.
+  NQFileCodeEnum endOwnWrite(NQFileCodeEnum closed);
+
+  FileState& state;
+  bool lossless = false;           // as writes are to be
+  bool binary = false;             // as the writer writes
+  bool inHook = false;             // writeOMLFile() will look at the writer itself
+  bool refused = false;            // an operation for the open file
+  std::unique_ptr<Writer> writer;  // during a write
+};
+
+// What both share, and what a read needs. Also connects the rooms with the virtual
+// operations of the file.
+struct FileState final : MessageSink, SourceOwner, ReadHooks {
   explicit FileState(NQOMLFile& owner) : file(owner) {}
 
-  // Frees all that belongs to one read or write but the tree.
+  // Frees all that belongs to one read or write but the tree and the writer.
   void release();
 
   const char* sourceName(nqLong fileIndex) override;
@@ -48,35 +93,6 @@ struct FileState final : MessageSink, SourceOwner, ReadHooks, OutputSink {
                  NQObject* object) override;
   void preReadFields(NQOMLSyntaxObject* syntax, NQObject* object) override;
   void postReadFields(NQOMLSyntaxObject* syntax, NQObject* object) override;
-
-  bool send(const char* data, std::size_t count) override;
-  // Has the file written in an encoding from here on.
-  void startWriter(bool binary, const NQObject* topObject);
-  // The writer; null also while its output goes to the file.
-  Writer* openWriter() const {
-    return writer != nullptr && !writer->output().sending() ? writer.get() : nullptr;
-  }
-  // The same for a writing operation, which may be the first one since an application
-  // opened the file for itself. Null, with error() set, when there is nothing to write
-  // to: output is lost then, which spoils a write under way.
-  Writer* writerForOperation();
-  // Lets an operation use that writer. Lack of memory spoils the write.
-  template <class Operation>
-  void write(const Operation& operation) {
-    Writer* open = openWriter();
-    if (open == nullptr) open = writerForOperation();
-    if (open == nullptr) return;
-    try {
-      operation(*open);
-    } catch (const std::bad_alloc&) {
-      failWrite();
-    }
-  }
-  // Sets error(), and spoils the write if there is one.
-  void failWrite();
-  // The result of a close, which also tells whether an application's own write went
-  // well, and ends it.
-  NQFileCodeEnum endOwnWrite(NQFileCodeEnum closed);
 
   NQOMLFile& file;
   Diagnostics diagnostics{*this};
@@ -101,13 +117,26 @@ struct FileState final : MessageSink, SourceOwner, ReadHooks, OutputSink {
 
   std::optional<NameTables> names;
   std::optional<Sources> sources;
-  ReadTables tables;  // the same tables, as the nodes see them
+  ReadTables tables;  // the same tables, as the nodes see them; in a write its grammar
 
-  bool lossless = false;           // as writes are to be
-  bool binaryOutput = false;       // of the writer
-  bool inWriteHook = false;        // writeOMLFile() will look at the writer itself
-  bool refusedOutput = false;      // of a writing operation for the open file
-  std::unique_ptr<Writer> writer;  // during a write
+  WriteState write{*this};
+};
+
+// Marks a read or write for the time of a call, which a hook may leave by an
+// exception.
+class BusyMark {
+ public:
+  explicit BusyMark(FileState& state) : state_(state) { state_.busy = true; }
+  BusyMark(const BusyMark&) = delete;
+  BusyMark& operator=(const BusyMark&) = delete;
+  ~BusyMark() {
+    state_.busy = false;
+    state_.running = false;
+    state_.release();
+  }
+
+ private:
+  FileState& state_;
 };
 
 }  // namespace nqdetail

@@ -13,27 +13,6 @@
 
 namespace nqdetail {
 
-namespace {
-
-// Marks a read or write for the time of a call, which a hook may leave by an
-// exception.
-class BusyMark {
- public:
-  explicit BusyMark(FileState& state) : state_(state) { state_.busy = true; }
-  BusyMark(const BusyMark&) = delete;
-  BusyMark& operator=(const BusyMark&) = delete;
-  ~BusyMark() {
-    state_.busy = false;
-    state_.running = false;
-    state_.release();
-  }
-
- private:
-  FileState& state_;
-};
-
-}  // namespace
-
 void FileState::release() {
   mayExecute = false;
   tables = ReadTables();
@@ -100,50 +79,6 @@ void FileState::postReadFields(NQOMLSyntaxObject* syntax, NQObject* object) {
   file.vPostReadFields(syntax, object);
 }
 
-bool FileState::send(const char* data, std::size_t count) {
-  return (binaryOutput ? file.writeBinary(data, static_cast<int>(count))
-                       : file.writeString(data)) == NQ_FILE_OK;
-}
-
-void FileState::startWriter(bool binary, const NQObject* topObject) {
-  binaryOutput = binary;
-  writer = Writer::make(binary, {*this, tables.pGrammar, topObject, numbers, lossless});
-}
-
-Writer* FileState::writerForOperation() {
-  const bool mayStart =
-      writer == nullptr && !busy && (file.isOpen() || file.isAttached());
-  const bool binary = file.mode() == NQ_WRITE_BINARY;
-  const bool text = file.mode() == NQ_WRITE || file.mode() == NQ_WRITE_ASCII ||
-                    file.mode() == NQ_APPEND;
-  if (mayStart && (text || (binary && tables.pGrammar != nullptr))) {
-    try {
-      startWriter(binary, top.given);
-    } catch (const std::bad_alloc&) {
-    }
-  }
-  Writer* const open = openWriter();
-  if (open == nullptr) {
-    failWrite();
-    refusedOutput = file.isOpen() || file.isAttached();
-  }
-  return open;
-}
-
-void FileState::failWrite() {
-  if (writer != nullptr) writer->spoil();
-  file.error(1);
-}
-
-NQFileCodeEnum FileState::endOwnWrite(NQFileCodeEnum closed) {
-  if (inWriteHook) return closed;
-  const bool failed = writer != nullptr && writer->failed();
-  writer.reset();
-  if (!std::exchange(refusedOutput, false) && !failed) return closed;
-  file.error(1);
-  return NQ_FILE_CLOSE_ERROR;
-}
-
 const ReadTables* readTables(const NQOMLFile* file) {
   return file == nullptr ? nullptr : &file->state_->tables;
 }
@@ -195,50 +130,6 @@ nqLong NQOMLFile::sizeOf() const {
          static_cast<nqLong>(errorStringBufferSize() + warningStringBufferSize());
 }
 
-NQFileCodeEnum NQOMLFile::writeString(const char* text) {
-  nqdetail::Writer* const writer = state_->openWriter();
-  if (writer == nullptr || state_->binaryOutput) {
-    const NQFileCodeEnum result = NQTextFile::writeString(text);
-    if (result != NQ_FILE_OK) state_->failWrite();
-    return result;
-  }
-  return append(text != nullptr, text == nullptr ? "" : text);
-}
-
-NQFileCodeEnum NQOMLFile::writeBinary(const char* data, int count) {
-  nqdetail::Writer* const writer = state_->openWriter();
-  if (writer == nullptr || !state_->binaryOutput) {
-    const NQFileCodeEnum result = NQTextFile::writeBinary(data, count);
-    if (result != NQ_FILE_OK) state_->failWrite();
-    return result;
-  }
-  const bool allowed = data != nullptr && count >= 0;
-  return append(allowed, {data, allowed ? static_cast<std::size_t>(count) : 0});
-}
-
-NQFileCodeEnum NQOMLFile::append(bool allowed, std::string_view bytes) {
-  nqdetail::Writer& writer = *state_->writer;
-  writer.output().append(bytes);
-  error(0);
-  if (!allowed || writer.output().failed()) state_->failWrite();
-  return error() ? NQ_FILE_WRITE_ERROR : NQ_FILE_OK;
-}
-
-NQFileCodeEnum NQOMLFile::flush() {
-  auto* const writer = state_->openWriter();
-  if (writer != nullptr) writer->output().flush();
-  const NQFileCodeEnum result = NQTextFile::flush();
-  return writer != nullptr && writer->output().failed() ? NQ_FILE_WRITE_ERROR : result;
-}
-
-NQFileCodeEnum NQOMLFile::close() {
-  return state_->endOwnWrite(NQTextFile::close());
-}
-
-NQFileCodeEnum NQOMLFile::detach(int mark) {
-  return state_->endOwnWrite(NQTextFile::detach(mark));
-}
-
 NQFileCodeEnum NQOMLFile::readOMLFile(const char* fileName, NQOMLStatic* grammar,
                                       NQObject* top, nqLong topTypeIndex, int binary,
                                       int useIndexHashTable, int) {
@@ -257,66 +148,6 @@ NQFileCodeEnum NQOMLFile::readOMLFile(const char* fileName, NQOMLStatic* grammar
   if (!diagnostics.failed() && !diagnostics.ended() && error() == 0) return NQ_FILE_OK;
   error(1);
   return diagnostics.errorCode == NQ_FILE_OK ? NQ_FILE_READ_ERROR : diagnostics.errorCode;
-}
-
-NQFileCodeEnum NQOMLFile::writeOMLFile(const char* fileName, NQOMLStatic* grammar,
-                                       NQObject* top, int binary, int useIndexHashTable,
-                                       int) {
-  if (grammar == nullptr || fileName == nullptr) return NQ_FILE_WRITE_ARGUMENT_ERROR;
-  nqdetail::FileState& state = *state_;
-  if (state.busy) return NQ_FILE_WRITE_ERROR;
-  // The application may throw in its hook, and in overrides of what is called here.
-  const auto attempt = [](const auto& step) {
-    try {
-      return step();
-    } catch (...) {
-      return NQ_FILE_WRITE_ERROR;
-    }
-  };
-  state.release();
-  NQFileCodeEnum result = attempt([&] {
-    initParser(grammar, top, state.top.givenType, useIndexHashTable);
-    return NQ_FILE_OK;
-  });
-  // An override may have left the tables as they were.
-  if (state.tables.pGrammar == nullptr) state.tables.pGrammar = state.grammar = grammar;
-  const nqdetail::BusyMark mark(state);
-  state.running = true;
-  bool opened = false;
-  if (result == NQ_FILE_OK) {
-    result = attempt([&] {
-      opened = open(fileName, binary != 0 ? NQ_WRITE_BINARY : NQ_WRITE) == NQ_FILE_OK;
-      return opened ? NQ_FILE_OK : NQ_FILE_OPEN_ERROR;
-    });
-  }
-  if (opened) {
-    state.inWriteHook = true;
-    result = attempt([&] { return writeTop(top, binary != 0); });
-    state.inWriteHook = false;
-    state.writer.reset();
-  }
-  if (opened || isOpen()) {
-    if (result != NQ_FILE_OK) abandon();
-    const NQFileCodeEnum closed = attempt([this] { return close(); });
-    if (result == NQ_FILE_OK) result = closed;
-  }
-  state.top = {};
-  storedOnDisk(result == NQ_FILE_OK);
-  error(result != NQ_FILE_OK);
-  return result;
-}
-
-NQFileCodeEnum NQOMLFile::writeTop(NQObject* top, bool binary) {
-  nqdetail::FileState& state = *state_;
-  state.top = {top, state.top.givenType, top, state.top.givenType};
-  state.startWriter(binary, top);
-  vWriteObject(top);
-  const bool failedInHook = error() != 0;
-  state.writer->output().flush();  // also where an override of flush() does not
-  const bool flushed = flush() == NQ_FILE_OK;
-  const bool whole =
-      !failedInHook && flushed && !state.writer->failed() && !state.diagnostics.ended();
-  return whole ? NQ_FILE_OK : NQ_FILE_WRITE_ERROR;
 }
 
 void NQOMLFile::initParser(NQOMLStatic* grammar, NQObject* top, nqLong topTypeIndex,
@@ -341,14 +172,7 @@ void NQOMLFile::initParser(NQOMLStatic* grammar, NQObject* top, nqLong topTypeIn
     state.numbers = std::make_unique<NQIndexHashTable>(grammar->objectIDHashSize(),
                                                        kObjectSpacing, 0);
   }
-  if (grammar == nullptr) return;
-  state.names.emplace(*grammar);
-  state.tables = {grammar,
-                  &state.names->strings,
-                  &state.names->declaredSections,
-                  &state.names->declaredFields,
-                  &state.names->ignoredFields,
-                  &state.names->ids};
+  state.tables.pGrammar = grammar;
 }
 
 void NQOMLFile::cleanup() {
@@ -363,10 +187,17 @@ void NQOMLFile::parse(const char* fileName, bool binary) {
   nqdetail::FileState& state = *state_;
   state.root = nullptr;
   state.tree.clear();
-  if (!state.names) {
+  if (state.tables.pGrammar == nullptr) {  // an override of initParser() has made nothing
     state.diagnostics.end();
     return;
   }
+  state.names.emplace(*state.grammar);
+  state.tables = {state.grammar,
+                  &state.names->strings,
+                  &state.names->declaredSections,
+                  &state.names->declaredFields,
+                  &state.names->ignoredFields,
+                  &state.names->ids};
   state.sources.emplace(
       state, !binary, state.sourceLimits,
       sharedReading() != 0 ? nqdetail::Access::kSharedRead : nqdetail::Access::kRead);
@@ -483,135 +314,6 @@ int NQOMLFile::strictReading() const {
 int NQOMLFile::strictReading(int strict) {
   state_->strict = strict != 0;
   return strict;
-}
-
-int NQOMLFile::losslessWriting() const {
-  return state_->lossless ? 1 : 0;
-}
-
-int NQOMLFile::losslessWriting(int lossless) {
-  state_->lossless = lossless != 0;
-  return lossless;
-}
-
-void NQOMLFile::writeObjectStart(const char* type, const NQOMLObject* object,
-                                 int singleLine, int withID) {
-  state_->write([&](nqdetail::Writer& writer) {
-    writer.object(type, object, singleLine != 0, withID != 0);
-  });
-}
-
-void NQOMLFile::writeObjectStart(const char* type, const NQObject* object,
-                                 int singleLine) {
-  state_->write([&](nqdetail::Writer& writer) {
-    writer.object(type, object, singleLine != 0, false);
-  });
-}
-
-void NQOMLFile::writeNamedObjectStart(const char* type, const char* id, int singleLine) {
-  state_->write([&](nqdetail::Writer& writer) {
-    writer.objectStart(type, id == nullptr ? "" : id, singleLine != 0);
-  });
-}
-
-void NQOMLFile::writeObjectDefaultStart(const char* type) {
-  state_->write([&](nqdetail::Writer& writer) { writer.defaultsStart(type); });
-}
-
-void NQOMLFile::writeSectionStart(const char* section, int singleLine) {
-  state_->write(
-      [&](nqdetail::Writer& writer) { writer.sectionStart(section, singleLine != 0); });
-}
-
-void NQOMLFile::writeOpeningBracket() {
-  state_->write([](nqdetail::Writer& writer) { writer.openingBracket(); });
-}
-
-void NQOMLFile::writeClosingBracket() {
-  state_->write([](nqdetail::Writer& writer) { writer.closingBracket(); });
-}
-
-void NQOMLFile::writeBlancLine() {
-  state_->write([](nqdetail::Writer& writer) { writer.blankLine(); });
-}
-
-void NQOMLFile::writeAttribute(const char* name, const char* word) {
-  state_->write([&](nqdetail::Writer& writer) { writer.word(name, word); });
-}
-
-void NQOMLFile::writeAttribute(const char* name, int value) {
-  state_->write([&](nqdetail::Writer& writer) { writer.integer(name, value); });
-}
-
-void NQOMLFile::writeAttribute(const char* name, unsigned int value) {
-  state_->write([&](nqdetail::Writer& writer) { writer.anyInteger(name, value); });
-}
-
-void NQOMLFile::writeAttribute(const char* name, long value) {
-  state_->write([&](nqdetail::Writer& writer) { writer.anyInteger(name, value); });
-}
-
-void NQOMLFile::writeAttribute(const char* name, unsigned long value) {
-  state_->write([&](nqdetail::Writer& writer) { writer.anyInteger(name, value); });
-}
-
-void NQOMLFile::writeAttribute(const char* name, long long value) {
-  state_->write([&](nqdetail::Writer& writer) { writer.anyInteger(name, value); });
-}
-
-void NQOMLFile::writeAttribute(const char* name, unsigned long long value) {
-  state_->write([&](nqdetail::Writer& writer) { writer.anyInteger(name, value); });
-}
-
-void NQOMLFile::writeAttribute(const char* name, float value) {
-  writeAttribute(name, static_cast<double>(value));
-}
-
-void NQOMLFile::writeAttribute(const char* name, double value) {
-  state_->write([&](nqdetail::Writer& writer) { writer.real(name, value); });
-}
-
-void NQOMLFile::writeAttribute(const char* name, const NQOMLObject* object,
-                               const NQOMLObject* context, int withName) {
-  state_->write([&](nqdetail::Writer& writer) {
-    writer.reference(name, object, context, withName != 0);
-  });
-}
-
-void NQOMLFile::writeAttribute(const char* name, const NQOMLBinValue* value) {
-  state_->write([&](nqdetail::Writer& writer) {
-    if (value != nullptr) writer.binaryValue(name, *value);
-  });
-}
-
-void NQOMLFile::writeStringAttribute(const char* name, const char* text) {
-  state_->write([&](nqdetail::Writer& writer) {
-    if (text != nullptr) writer.string(name, text);
-  });
-}
-
-void NQOMLFile::writeAddressAttribute(const char* name, const char* address) {
-  state_->write([&](nqdetail::Writer& writer) {
-    if (name != nullptr && address != nullptr) writer.address(name, address);
-  });
-}
-
-void NQOMLFile::writeBoolAttribute(const char* name, int value) {
-  writeAttribute(name, value != 0 ? "true" : "false");
-}
-
-void NQOMLFile::writeIPBytesAttribute(const char* name, nqULong address) {
-  state_->write([&](nqdetail::Writer& writer) { writer.ipAddress(name, address); });
-}
-
-int NQOMLFile::writeHook(const char* type, const NQObject* object) {
-  if (state_->writerForOperation() == nullptr) return 0;
-  const NQOMLStatic* const grammar = state_->tables.pGrammar;
-  if (grammar == nullptr) return 0;
-  const NQOMLDefObjType* const definition =
-      grammar->pObjTypeDefinition(grammar->pObjTypePool()->lookup(type));
-  if (definition == nullptr || definition->writeFunction() == nullptr) return 0;
-  return definition->writeFunction()(this, object);
 }
 
 char* NQOMLFile::pErrorStringBuffer() const {

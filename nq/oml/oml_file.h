@@ -51,6 +51,7 @@ class NQOMLObject;
 
 namespace nqdetail {
 struct FileState;
+struct WriteState;
 struct ReadTables;
 const ReadTables* readTables(const NQOMLFile* file);
 void announceSyntaxObject(NQOMLFile* file, NQOMLSyntaxObject* node, nqLong line,
@@ -349,6 +350,7 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
  private:
   friend class ::NQTestPeer;
   friend struct nqdetail::FileState;
+  friend struct nqdetail::WriteState;
   friend const nqdetail::ReadTables* nqdetail::readTables(const NQOMLFile* file);
   friend void nqdetail::announceSyntaxObject(NQOMLFile* file, NQOMLSyntaxObject* node,
                                              nqLong line, int position);
