@@ -38,14 +38,24 @@ const char* const kDefinitions[] = {
     nullptr};
 // clang-format on
 
-struct Node : NQObject {
+class Node : public NQObject {
+  NQ_COPY_MEMBERWISE(Node)
+
+ public:
+  Node() = default;
+
   NQText name;
   double x = 0;
   double y = 0;
   int shape = 0;
 };
 
-struct Edge : NQObject {
+class Edge : public NQObject {
+  NQ_COPY_MEMBERWISE(Edge)
+
+ public:
+  Edge() = default;
+
   const Node* from = nullptr;
   const Node* to = nullptr;
 };

@@ -14,7 +14,11 @@
 #include "graph.h"
 
 class Vertex : public NQObject {
+  NQ_COPY_MEMBERWISE(Vertex)
+
  public:
+  Vertex() = default;
+
   Node* node = nullptr;  // null in a bend
   nqLong number = 0;     // of the vertex among all
   nqLong layer = 0;

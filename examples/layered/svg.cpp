@@ -51,10 +51,12 @@ bool isDark(const NQColor& color) {
 
 // A name for nodes that get the same colour.
 class Group : public NQObject {
+  NQ_COPY_MEMBERWISE(Group)
+
  public:
   Group(nqLong itsCode, const char* itsName) : code(itsCode), name(itsName) {}
-  const nqLong code;
-  const std::string_view name;
+  nqLong code;
+  std::string_view name;
 };
 
 // What nodes are in: a nested graph, or the folder that their titles tell, or else just

@@ -22,6 +22,16 @@
 //   }
 //   void NQInt::NQIntattributeCopy(const NQInt& source) { ... }
 //
+// A class whose members all copy themselves, in the same way for both kinds of copy,
+// needs one line, NQ_COPY_MEMBERWISE, and nothing else.
+//
+// Forgetting the line is not noticed: nothing in C++ tells the library that a class
+// is not the base that it is copied as. Its clones are then objects of the nearest
+// base that has the line, often a plain NQObject. The symptom is an object from a
+// copied list, or from cloneObject(), whose own fields are unset or lie beyond its
+// end: values change by themselves, and a sanitizer reports a heap overflow. Give the
+// line to every class whose objects may be in a container.
+//
 // How it works
 //   X(source, flag) runs the base's default constructor and X::init(), then
 //   the routine that the flag names. Each routine begins with its base's
@@ -87,12 +97,16 @@ class NQCopyAccess {
   }
   template <class X>
   static NQObject* newCopy(const X& source, NQDeepFlagEnum flag) {
-    // Where a class's own operator new answers null, the plain form also gives
-    // the memory back when the constructor fails.
-    if constexpr (requires { requires noexcept(X::operator new(sizeof(X))); }) {
-      return new X(source, flag);
-    } else {
-      return new (std::nothrow) X(source, flag);
+    try {
+      // Where a class's own operator new answers null, the plain form also gives
+      // the memory back when the constructor fails.
+      if constexpr (requires { requires noexcept(X::operator new(sizeof(X))); }) {
+        return new X(source, flag);
+      } else {
+        return new (std::nothrow) X(source, flag);
+      }
+    } catch (const std::bad_alloc&) {
+      return nullptr;  // there was no memory for what it owns
     }
   }
   template <class X>
@@ -205,6 +219,47 @@ class NQCopyAccess {
   }                                                            \
   NQObject* X::vCloneAttributes() const {                      \
     return NQCopyAccess::newCopy<X>(*this, NQ_ATTRIBUTE_COPY); \
+  }
+
+// The whole protocol, in X's body alone, for a class that both kinds of copy copy
+// member by member; its bases must not copy differently either. As with any class that
+// declares constructors, one without arguments needs `X() = default;` to stay.
+#define NQ_COPY_MEMBERWISE(X)                                  \
+ public:                                                       \
+  X(const X& source) = default;                                \
+  X(const X& source, NQDeepFlagEnum) : X(source) {}            \
+  X& operator=(const X& source) = default;                     \
+  void copyObject(const NQObject* source) override {           \
+    NQCopyAccess::copyObject<X>(*this, source);                \
+  }                                                            \
+  void copyAttributes(const NQObject* source) override {       \
+    NQCopyAccess::copyAttributes<X>(*this, source);            \
+  }                                                            \
+  X* cloneObject() const {                                     \
+    return NQCopyAccess::cloneObject<X>(this);                 \
+  }                                                            \
+  X* cloneAttributes() const {                                 \
+    return NQCopyAccess::cloneAttributes<X>(this);             \
+  }                                                            \
+  static X* castDown(const NQObject* object) {                 \
+    return NQCopyAccess::castDown<X>(object);                  \
+  }                                                            \
+                                                               \
+ protected:                                                    \
+  NQObject* vCloneObject() const override {                    \
+    return NQCopyAccess::newCopy<X>(*this, NQ_DEEP_COPY);      \
+  }                                                            \
+  NQObject* vCloneAttributes() const override {                \
+    return NQCopyAccess::newCopy<X>(*this, NQ_ATTRIBUTE_COPY); \
+  }                                                            \
+                                                               \
+ private:                                                      \
+  friend class ::NQCopyAccess;                                 \
+  static void nqDeepRoutine(X& target, const X& source) {      \
+    target = source;                                           \
+  }                                                            \
+  static void nqAttributeRoutine(X& target, const X& source) { \
+    target = source;                                           \
   }
 
 // Both routines of a class whose two kinds of copy are the same: the base's

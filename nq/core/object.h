@@ -1,8 +1,12 @@
 // object.h -- the root of every class that can be stored, cloned or written.
 //
 // NQObject has no data: it is a polymorphic identity. What a container does with
-// its elements, it does through the virtual operations declared here. How derived classes
-// take part in copying is told in copy_protocol.h.
+// its elements, it does through the virtual operations declared here.
+//
+// A derived class states how it is copied: with one line where its members copy
+// themselves, NQ_COPY_MEMBERWISE, else with NQ_COPY_PROTOCOL (copy_protocol.h). One that
+// does not is cloned as its base, which compiles and runs, and gives an object without
+// the fields of the class.
 
 #ifndef NQ_CORE_OBJECT_H
 #define NQ_CORE_OBJECT_H

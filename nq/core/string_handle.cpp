@@ -43,8 +43,8 @@ NQObject* NQStringHandle::vCloneObject() const {
 }
 
 NQObject* NQStringHandle::vCloneAttributes() const {
-  auto* const clone = new (std::nothrow) NQStringHandle(*this, NQ_ATTRIBUTE_COPY);
-  if (clone == nullptr || clone->capacity_ == capacity_) return clone;
+  NQObject* const clone = NQCopyAccess::newCopy<NQStringHandle>(*this, NQ_ATTRIBUTE_COPY);
+  if (clone == nullptr || castDown(clone)->capacity_ == capacity_) return clone;
   delete clone;  // there was no memory for the text
   return nullptr;
 }

@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <concepts>
 #include <memory>
+#include <new>
+#include <string>
 
 #include "tests/support/copy_protocol_check.h"
 #include "tests/support/counted.h"
@@ -53,6 +56,58 @@ TEST(CopyProtocol, HoldsForAnApplicationsClassWithOwnedParts) {
         });
   }
   EXPECT_EQ(NQCounted::live(), before);
+}
+
+// The shortest a class can be, and one derived from it.
+class Place : public NQObject {
+  NQ_COPY_MEMBERWISE(Place)
+
+ public:
+  explicit Place(const char* itsName = "") : name(itsName) {}
+  std::string name;
+};
+class Square : public Place {
+  NQ_COPY_MEMBERWISE(Square)
+
+ public:
+  explicit Square(const char* itsName = "", int itsTrees = 0)
+      : Place(itsName), trees(itsTrees) {}
+  int trees;
+};
+
+TEST(CopyProtocol, HoldsForClassesThatCopyTheirMembers) {
+  Place place("here");
+  checkCopyProtocol(
+      place, [] { return std::make_unique<Place>("there"); },
+      [](const Place& a, const Place& b) { return a.name == b.name; });
+  Square square("market", 3);
+  checkCopyProtocol(
+      square, [] { return std::make_unique<Square>("old", 4); },
+      [](const Square& a, const Square& b) {
+        return a.name == b.name && a.trees == b.trees;
+      });
+  static_assert(std::copyable<Square>);
+}
+
+// A class whose copies need memory that there may not be.
+class Hungry : public NQObject {
+  NQ_COPY_MEMBERWISE(Hungry)
+
+ public:
+  Hungry() = default;
+
+ private:
+  struct Food {
+    Food() = default;
+    Food(const Food&) { throw std::bad_alloc(); }
+    Food& operator=(const Food&) = default;
+  } food_;
+};
+
+TEST(CopyProtocol, ClonesWithoutMemoryAreNull) {
+  const Hungry hungry;
+  EXPECT_EQ(hungry.cloneObject(), nullptr);
+  EXPECT_EQ(hungry.cloneAttributes(), nullptr);
 }
 
 TEST(CopyProtocol, ClonesThroughABaseHaveTheDynamicType) {
