@@ -5,6 +5,7 @@
 
 #include "nq/containers/bin_heap.h"
 #include "nq/containers/bin_tree.h"
+#include "nq/containers/cell_memory.h"
 #include "nq/containers/dlist.h"
 #include "nq/containers/index_hash_table.h"
 #include "nq/containers/linked_list.h"

@@ -1,10 +1,12 @@
 #include "nq/containers/bin_heap.h"
 
+#include <memory>
 #include <type_traits>
 #include <typeinfo>
 #include <utility>
 
 #include "nq/containers/cell_pool_internal.h"
+#include "nq/containers/linked_list_internal.h"
 #include "nq/containers/list_sort_internal.h"
 #include "nq/platform/prefetch.h"
 
@@ -103,11 +105,20 @@ struct NQBinHeap::ByHook {
   NQBinHeap* heap;
 };
 
-// Nothing can have been overridden in an NQBinHeap itself.
-template <class Operation>
-auto NQBinHeap::ordered(Operation operation) {
-  return typeid(*this) == typeid(NQBinHeap) ? operation(ByValue{})
-                                            : operation(ByHook{this});
+// Nothing can have been overridden in an NQBinHeap itself. Operations move cells only
+// when all is compared, so that `undo` finds what they found when a hook throws.
+template <class Operation, class Undo>
+void NQBinHeap::ordered(Operation operation, Undo undo) {
+  if (typeid(*this) == typeid(NQBinHeap)) {
+    operation(ByValue{});
+    return;
+  }
+  try {
+    operation(ByHook{this});
+  } catch (...) {
+    undo();
+    throw;
+  }
 }
 
 // ---- Places
@@ -120,6 +131,16 @@ NQBinHeapCell* NQBinHeap::pInsertionParent() const {
   return parent->pRight_ == last ? parent->pNextCell() : parent;
 }
 
+void NQBinHeap::appendBinHeapCell(NQBinHeapCell* cell) {
+  NQBinHeapCell* const parent = pInsertionParent();
+  linkIn(pLastCell(), cell);
+  cell->pLeft_ = cell->pRight_ = nullptr;
+  cell->pParent_ = parent;
+  if (parent != nullptr) {
+    (parent->pLeft_ == nullptr ? parent->pLeft_ : parent->pRight_) = cell;
+  }
+}
+
 NQBinHeapCell* NQBinHeap::removeLastBinHeapCell() {
   NQBinHeapCell* const last = pLastCell();
   if (NQBinHeapCell* const parent = last->pParent_) {
@@ -128,7 +149,7 @@ NQBinHeapCell* NQBinHeap::removeLastBinHeapCell() {
     // It will be the last but one.
     nqdetail::prefetch(last->pPreviousCell()->pPreviousCell());
   }
-  NQDList::removeCell(last);
+  removeAfter(last->pPreviousCell(), last);
   return last;
 }
 
@@ -151,7 +172,16 @@ inline void NQBinHeap::put(NQBinHeapCell* cell, NQBinHeapCell* parent,
 template <class Order>
 bool NQBinHeap::bubbleUp(Order order, NQBinHeapCell* old, NQBinHeapCell* cell) {
   NQBinHeapCell* parent = old->pParent_;
-  if (parent == nullptr || !order.greater(parent, cell)) return false;
+  while (parent != nullptr && order.greater(parent, cell)) parent = parent->pParent_;
+  if (parent == old->pParent_) return false;
+  moveUp(old, parent, cell);
+  return true;
+}
+
+// Moves each cell above the place of `old` down by one place, as far as `end`, null
+// beyond the root, and `cell` to the place that gets free below `end`.
+void NQBinHeap::moveUp(NQBinHeapCell* old, NQBinHeapCell* end, NQBinHeapCell* cell) {
+  NQBinHeapCell* parent = old->pParent_;
   Place free(old);
   do {
     NQBinHeapCell* const sinker = parent;
@@ -167,10 +197,9 @@ bool NQBinHeap::bubbleUp(Order order, NQBinHeapCell* old, NQBinHeapCell* cell) {
     put(sinker, cell, free);
     free = vacated;
     old = sinker;
-  } while (parent != nullptr && order.greater(parent, cell));
-  if (parent != nullptr) replaceChild(parent->pLeft_, parent->pRight_, old, cell);
-  put(cell, parent, free);
-  return true;
+  } while (parent != end);
+  if (end != nullptr) replaceChild(end->pLeft_, end->pRight_, old, cell);
+  put(cell, end, free);
 }
 
 // Moves `cell` from the place of `old`, which may be itself, down to where no child
@@ -236,19 +265,16 @@ NQObject* NQBinHeap::pMinObject() const {
 
 NQBinHeapCell* NQBinHeap::insertCell(NQBinHeapCell* cell) {
   if (cell == nullptr) return nullptr;
-  NQBinHeapCell* const parent = pInsertionParent();
-  NQDList::appendCell(cell);
-  cell->pLeft_ = cell->pRight_ = nullptr;
-  cell->pParent_ = parent;
-  if (parent != nullptr) {
-    (parent->pLeft_ == nullptr ? parent->pLeft_ : parent->pRight_) = cell;
-    ordered([&](auto order) { return bubbleUp(order, cell, cell); });
-  }
+  appendBinHeapCell(cell);
+  ordered([&](auto order) { bubbleUp(order, cell, cell); },
+          [&] { removeLastBinHeapCell(); });
   return cell;
 }
 
 NQBinHeapCell* NQBinHeap::addObject(NQObject* object, nqLong value) {
-  return insertCell(new NQBinHeapCell(object, value));
+  std::unique_ptr<NQBinHeapCell> cell(new NQBinHeapCell(object, value));
+  insertCell(cell.get());
+  return cell.release();
 }
 
 NQBinHeapCell* NQBinHeap::pExtractMinCell() {
@@ -256,12 +282,16 @@ NQBinHeapCell* NQBinHeap::pExtractMinCell() {
 }
 
 NQBinHeapCell* NQBinHeap::removeCell(NQBinHeapCell* cell) {
-  if (cell == nullptr) return nullptr;
+  if (cell == nullptr || (cell->pParent_ == nullptr && cell != pFirstCell())) {
+    return nullptr;
+  }
   NQBinHeapCell* const last = removeLastBinHeapCell();
   if (cell != last) {
-    ordered([&](auto order) {
-      if (!bubbleUp(order, cell, last)) heapify(order, cell, last);
-    });
+    ordered(
+        [&](auto order) {
+          if (!bubbleUp(order, cell, last)) heapify(order, cell, last);
+        },
+        [&] { appendBinHeapCell(last); });
     cell->pLeft_ = cell->pRight_ = cell->pParent_ = nullptr;
   }
   return cell;
@@ -282,12 +312,14 @@ void NQBinHeap::discardCell(NQBinHeapCell* cell) {
 void NQBinHeap::changeValue(NQBinHeapCell* cell, nqLong value) {
   if (cell == nullptr) return;
   const nqLong before = std::exchange(cell->value_, value);
-  ordered([&](auto order) {
-    constexpr bool byValue = std::is_same_v<decltype(order), ByValue>;
-    const bool knownSmaller = byValue && value < before;
-    const bool risen = bubbleUp(order, cell, cell);
-    if (!knownSmaller && !risen) heapify(order, cell, cell);
-  });
+  ordered(
+      [&](auto order) {
+        constexpr bool byValue = std::is_same_v<decltype(order), ByValue>;
+        const bool knownSmaller = byValue && value < before;
+        const bool risen = bubbleUp(order, cell, cell);
+        if (!knownSmaller && !risen) heapify(order, cell, cell);
+      },
+      [&] { cell->value_ = before; });
 }
 
 int NQBinHeap::copyAllCells(const NQBinHeap* source) {
@@ -301,15 +333,19 @@ int NQBinHeap::copyAllCells(const NQBinHeap* source) {
 
 int NQBinHeap::copyAllCellsAndObjects(const NQBinHeap* source) {
   const bool refused = source == nullptr || source == this;
-  NQDList clones;
+  nqdetail::Clones<NQDList> clones;
   if (!refused) {
     for (auto* each = source->pFirstCell(); each != nullptr; each = each->pNextCell()) {
-      clones.appendCell(new NQBinHeapCell(*each, NQ_DEEP_COPY));
+      clones.list.appendCell(new NQBinHeapCell(*each, NQ_DEEP_COPY));
     }
   }
   deleteAllCellsAndObjects();
-  while (clones.pFirstCell() != nullptr) {
-    insertCell(cell(clones.removeCell(clones.pFirstCell())));
+  while (NQDListCell* const first = clones.list.removeCell(clones.list.pFirstCell())) {
+    std::unique_ptr<NQBinHeapCell> next(cell(first));
+    std::unique_ptr<NQObject> clone(next->pObject());
+    insertCell(next.get());
+    (void)next.release();
+    (void)clone.release();
   }
   return refused ? 0 : 1;
 }

@@ -12,11 +12,11 @@
 //
 // A heap is a list in level order: the root, then each level from left to right.
 // It can be walked and searched as any NQDList; the operations of the list that
-// would change that order are not offered. Called for a heap through a reference
-// or pointer to NQDList, those that empty it (deleting its cells, or moving all of
-// them to another list) are safe, and those that move single cells are not.
+// would change that order are not offered. See linked_list.h for what they do when
+// they are called for a heap all the same.
 //
-// A derived class may order the cells otherwise, by overriding virtualCompare().
+// A derived class may order the cells otherwise, by overriding virtualCompare(). What
+// that throws passes through, and the operation has changed nothing.
 //
 // How it works
 //   The cells form a complete binary tree by pointers, in which no cell is smaller
@@ -27,9 +27,6 @@
 
 #ifndef NQ_CONTAINERS_BIN_HEAP_H
 #define NQ_CONTAINERS_BIN_HEAP_H
-
-#include <cstddef>
-#include <new>
 
 #include "nq/containers/dlist.h"
 
@@ -56,10 +53,7 @@ class NQ_EXPORT NQBinHeapCell : public NQDListCell {
   NQBinHeapCell* pParent() const { return pParent_; }
   NQBinHeapCell* pParent(NQBinHeapCell* cell) { return pParent_ = cell; }
 
-  using NQDListCell::operator new;
-  static void* operator new(std::size_t size) noexcept;
-  static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
-  static void operator delete(void* place, std::size_t size) noexcept;
+  NQ_CELL_MEMORY
 
  private:
   friend class NQBinHeap;
@@ -75,7 +69,7 @@ class NQ_EXPORT NQBinHeap : public NQDList {
   NQ_COPY_PROTOCOL(NQBinHeap)
 
  public:
-  NQBinHeap() = default;
+  NQBinHeap() { fixPlaces(); }
 
   // The cell of the smallest value is the first one.
   NQBinHeapCell* pFirstCell() const { return cell(NQDList::pFirstCell()); }
@@ -88,8 +82,8 @@ class NQ_EXPORT NQBinHeap : public NQDList {
   // In a new cell; null when memory is exhausted.
   NQBinHeapCell* addObject(NQObject* object, nqLong value);
 
-  // Hand the cell over; null when there is none. The cell of a removal must be in
-  // this heap. The searches walk, O(n).
+  // Hand the cell over; null when there is none, or it is free already. The cell of a
+  // removal must not be in another heap. The searches walk, O(n).
   NQBinHeapCell* pExtractMinCell();
   NQBinHeapCell* removeCell(NQBinHeapCell* cell);
   NQBinHeapCell* searchAndRemoveCell(const NQBinHeapCell* cell);
@@ -108,7 +102,7 @@ class NQ_EXPORT NQBinHeap : public NQDList {
   int copyAllCellsAndObjects(const NQBinHeap* source);
 
  protected:
-  void init() {}
+  void init() { fixPlaces(); }
 
   // Negative when `a` is smaller, 0 when they are equal, positive when `b` is:
   // here, their values are compared. Contradictions disturb the order, nothing else.
@@ -156,13 +150,15 @@ class NQ_EXPORT NQBinHeap : public NQDList {
   struct ByHook;
 
   NQBinHeapCell* pInsertionParent() const;
+  void appendBinHeapCell(NQBinHeapCell* cell);
   NQBinHeapCell* removeLastBinHeapCell();
-  template <class Operation>
-  auto ordered(Operation operation);
+  template <class Operation, class Undo>
+  void ordered(Operation operation, Undo undo);
   template <class Order>
   bool bubbleUp(Order order, NQBinHeapCell* old, NQBinHeapCell* cell);
   template <class Order>
   void heapify(Order order, NQBinHeapCell* old, NQBinHeapCell* cell);
+  void moveUp(NQBinHeapCell* old, NQBinHeapCell* end, NQBinHeapCell* cell);
   void moveDown(NQBinHeapCell* const* way, int count, NQBinHeapCell* cell);
   void put(NQBinHeapCell* cell, NQBinHeapCell* parent, const Place& place);
 };

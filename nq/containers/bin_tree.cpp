@@ -3,6 +3,8 @@
 #include <utility>
 
 #include "nq/containers/cell_pool_internal.h"
+#include "nq/containers/linked_list_internal.h"
+#include "nq/containers/slist.h"
 
 // ---- NQBinTreeCell
 
@@ -56,6 +58,7 @@ void NQBinTree::NQBinTreeattributeCopy(const NQBinTree& source) {
 }
 
 void NQBinTree::init() {
+  fixPlaces();
   type_ = 1;
   keptFlags_ = kAllFlags;
 }
@@ -126,10 +129,10 @@ void NQBinTree::attach(NQBinTreeCell* parent, int side, NQBinTreeCell* cell) {
   if (parent == nullptr) {
     pRoot_ = cell;
     makeBlack(cell);
-    NQDList::insertCell(nullptr, cell);
+    linkIn(nullptr, cell);
   } else {
     parent->pChildren_[side] = cell;
-    NQDList::insertCell(side == kRight ? parent : parent->pPreviousCell(), cell);
+    linkIn(side == kRight ? parent : parent->pPreviousCell(), cell);
   }
   if (type_ == 1) insertRedBlackFixup(cell);
 }
@@ -169,7 +172,7 @@ NQBinTreeCell* NQBinTree::addObjectIfNotInList(NQBinTreeCell* after, NQObject* o
 // ---- Removal
 
 NQBinTreeCell* NQBinTree::removeCell(NQBinTreeCell* cell) {
-  if (cell == nullptr) return nullptr;
+  if (cell == nullptr || cell->pLeft() == nullptr) return nullptr;
   NQBinTreeCell* child;
   if (isReal(cell->pLeft()) && isReal(cell->pRight())) {
     // The cell changes places with its successor, which has no left child, and
@@ -194,7 +197,7 @@ NQBinTreeCell* NQBinTree::removeCell(NQBinTreeCell* cell) {
     child->pParent_ = cell->pParent_;
     replaceChild(cell->pParent_, cell, child);
   }
-  NQDList::removeCell(cell);
+  removeAfter(cell->pPreviousCell(), cell);
   cell->pChildren_[kLeft] = cell->pChildren_[kRight] = cell->pParent_ = nullptr;
   if (type_ == 1 && cell->isBlack()) removeRedBlackFixup(child);
   return cell;
@@ -316,18 +319,39 @@ int NQBinTree::copyTransferListIfNotInList(NQBinTreeCell* after, const NQDList* 
   return copyRun(after, source, source->pFirstCell(), source->pLastCell(), true);
 }
 
-int NQBinTree::copyAllCells(const NQDList* source) {
+template <class List>
+int NQBinTree::fillFrom(const List* source) {
   deleteAllCells();
-  return copyAppendList(source);
+  if (refuses(source)) return 0;
+  for (NQObject* const object : *source) appendObject(object);
+  return 1;
+}
+
+template <class List>
+int NQBinTree::cloneFrom(const List* source) {
+  nqdetail::Clones<NQDList> clones;
+  if (!refuses(source)) {
+    for (const NQObject* const object : *source) clones.add<NQBinTreeCell>(object);
+  }
+  deleteAllCells();
+  insertAll(nullptr, clones.list);
+  return refuses(source) ? 0 : 1;
+}
+
+int NQBinTree::copyAllCells(const NQDList* source) {
+  return fillFrom(source);
+}
+
+int NQBinTree::copyAllCells(const NQSList* source) {
+  return fillFrom(source);
 }
 
 int NQBinTree::copyAllCellsAndObjects(const NQDList* source) {
-  deleteAllCells();
-  if (refuses(source)) return 0;
-  for (NQObject* const object : *source) {
-    appendObject(object == nullptr ? nullptr : object->cloneObject());
-  }
-  return 1;
+  return cloneFrom(source);
+}
+
+int NQBinTree::copyAllCellsAndObjects(const NQSList* source) {
+  return cloneFrom(source);
 }
 
 // ---- Reordering
@@ -343,7 +367,7 @@ int NQBinTree::reverse() {
 
 void NQBinTree::swapPosition(NQBinTreeCell* a, NQBinTreeCell* b) {
   if (a == b || a == nullptr || b == nullptr) return;
-  NQDList::swapPosition(a, b);
+  exchange(a, b);
   const auto sideBelow = [](const NQBinTreeCell* parent, const NQBinTreeCell* cell) {
     return parent == nullptr ? kLeft : parent->sideOf(cell);
   };

@@ -9,11 +9,9 @@
 // that cell is deleted, and neighbours and iteration are those of the list.
 // Cells come from slabs of their own, as list cells do.
 //
-// Every operation here keeps list and tree in step. The operations of NQDList
-// with these names are hidden. Called for a tree through a reference or pointer
-// to NQDList, those that only read and those that empty the list (deleting its
-// cells, or moving all of them to another list) are safe; those that move single
-// cells or change their order are not.
+// Every operation here keeps list and tree in step, and hides that of NQDList with
+// its name; see linked_list.h for what the latter do when they are called for a tree
+// all the same.
 //
 // Type 1, the default, keeps the tree balanced by colours; of any other type it
 // only attaches cells by their position, so that appending makes a chain.
@@ -52,9 +50,6 @@
 #ifndef NQ_CONTAINERS_BIN_TREE_H
 #define NQ_CONTAINERS_BIN_TREE_H
 
-#include <cstddef>
-#include <new>
-
 #include "nq/containers/dlist.h"
 #include "nq/platform/prefetch.h"
 
@@ -82,10 +77,7 @@ class NQ_EXPORT NQBinTreeCell : public NQDListCell {
   // neighbours in the list may lie anywhere in memory. The tree's iterators do it.
   [[gnu::always_inline]] void fetchAhead(bool forward) const;
 
-  using NQDListCell::operator new;
-  static void* operator new(std::size_t size) noexcept;
-  static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
-  static void operator delete(void* place, std::size_t size) noexcept;
+  NQ_CELL_MEMORY
 
  protected:
   // A mark for walks, which NQBinTree::compare() sets and clears.
@@ -146,7 +138,7 @@ class NQ_EXPORT NQBinTree : public NQDList {
 
  public:
   NQBinTree() : NQBinTree(1) {}
-  explicit NQBinTree(int type) : type_(type) {}
+  explicit NQBinTree(int type) : type_(type) { fixPlaces(); }
 
   int binTreeType() const { return type_; }
   // Whether each colour clears the other: 0 at first. Can be set in an empty tree
@@ -227,8 +219,8 @@ class NQ_EXPORT NQBinTree : public NQDList {
 
   // ---- Removal
 
-  // Hands the cell over; null when there is none. It keeps its neighbours in the
-  // list, so that a walk can go on from it. The searches walk, O(n).
+  // Hands the cell over; null when there is none, or it is free already. It keeps its
+  // neighbours in the list, so that a walk can go on from it. The searches walk, O(n).
   NQBinTreeCell* removeCell(NQBinTreeCell* cell);
   NQBinTreeCell* searchAndRemoveCell(const NQBinTreeCell* cell);
   NQBinTreeCell* searchAndRemoveObject(const NQObject* object);
@@ -281,12 +273,15 @@ class NQ_EXPORT NQBinTree : public NQDList {
   }
 
   // Empty this tree, whatever the source; its objects are left alone by both. The
-  // second form fills it with clones (null for null). 0 for a null source and for
-  // the tree itself, which is empty then. A deep copy of a tree is made by the
-  // second form. Type and exclusiveColors() go with it, and with an attribute copy,
-  // which is empty otherwise (and which leaves a tree that has cells as it is).
+  // second form fills it with clones (null for null), which are made before, so that
+  // nothing has changed when cloning throws. 0 for a null source and for the tree
+  // itself, which is empty then. A deep copy of a tree is made by the second form. Type
+  // and exclusiveColors() go with it, and with an attribute copy, which is empty
+  // otherwise (and which leaves a tree that has cells as it is).
   int copyAllCells(const NQDList* source);
+  int copyAllCells(const NQSList* source);
   int copyAllCellsAndObjects(const NQDList* source);
+  int copyAllCellsAndObjects(const NQSList* source);
 
   // ---- Reordering
 
@@ -313,7 +308,7 @@ class NQ_EXPORT NQBinTree : public NQDList {
   static constexpr int kRight = NQBinTreeCell::kRight;
 
   bool isReal(const NQBinTreeCell* child) const { return child != &sentinel_; }
-  bool refuses(const NQDList* source) const {
+  bool refuses(const NQObject* source) const {
     return source == nullptr || source == this;
   }
 
@@ -338,6 +333,10 @@ class NQ_EXPORT NQBinTree : public NQDList {
   static bool reaches(const NQDListCell* from, const NQDListCell* to);
   bool takeOut(NQBinTreeCell* from, NQBinTreeCell* to, NQDList& cells);
   void insertAll(NQBinTreeCell* after, NQDList& cells);
+  template <class List>
+  int fillFrom(const List* source);
+  template <class List>
+  int cloneFrom(const List* source);
   int copyRun(NQBinTreeCell* after, const NQDList* source, const NQDListCell* from,
               const NQDListCell* to, bool onlyNewObjects);
 

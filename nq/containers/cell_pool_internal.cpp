@@ -245,8 +245,16 @@ void* allocateUnpooled(std::size_t size) noexcept {
   return ::operator new(size, std::nothrow);
 }
 
+void* allocateUnpooled(std::size_t size, std::align_val_t alignment) noexcept {
+  return ::operator new(size, alignment, std::nothrow);
+}
+
 void releaseUnpooled(void* memory) noexcept {
   ::operator delete(memory);
+}
+
+void releaseUnpooled(void* memory, std::align_val_t alignment) noexcept {
+  ::operator delete(memory, alignment);
 }
 
 }  // namespace nqdetail

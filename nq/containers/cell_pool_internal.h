@@ -230,7 +230,9 @@ inline constexpr bool kPoolCells = true;
 #endif
 
 void* allocateUnpooled(std::size_t size) noexcept;
+void* allocateUnpooled(std::size_t size, std::align_val_t alignment) noexcept;
 void releaseUnpooled(void* memory) noexcept;
+void releaseUnpooled(void* memory, std::align_val_t alignment) noexcept;
 
 template <class Cell>
 void* allocateCell(std::size_t size) noexcept {
@@ -246,17 +248,27 @@ void releaseCell(void* place, std::size_t size) noexcept {
 
 }  // namespace nqdetail
 
-// The memory of a class whose instances come from slabs of their own: defines the
-// operators that it declares.
-#define NQ_CELL_MEMORY_IMPL(Class)                                              \
-  void* Class::operator new(std::size_t size) noexcept {                        \
-    return nqdetail::allocateCell<Class>(size);                                 \
-  }                                                                             \
-  void* Class::operator new(std::size_t size, const std::nothrow_t&) noexcept { \
-    return nqdetail::allocateCell<Class>(size);                                 \
-  }                                                                             \
-  void Class::operator delete(void* place, std::size_t size) noexcept {         \
-    nqdetail::releaseCell<Class>(place, size);                                  \
+// Defines the operators that NQ_CELL_MEMORY declares.
+#define NQ_CELL_MEMORY_IMPL(Class)                                                   \
+  void* Class::operator new(std::size_t size) noexcept {                             \
+    return nqdetail::allocateCell<Class>(size);                                      \
+  }                                                                                  \
+  void* Class::operator new(std::size_t size, const std::nothrow_t&) noexcept {      \
+    return nqdetail::allocateCell<Class>(size);                                      \
+  }                                                                                  \
+  void* Class::operator new(std::size_t size, std::align_val_t alignment) noexcept { \
+    return nqdetail::allocateUnpooled(size, alignment);                              \
+  }                                                                                  \
+  void* Class::operator new(std::size_t size, std::align_val_t alignment,            \
+                            const std::nothrow_t&) noexcept {                        \
+    return nqdetail::allocateUnpooled(size, alignment);                              \
+  }                                                                                  \
+  void Class::operator delete(void* place, std::size_t size) noexcept {              \
+    nqdetail::releaseCell<Class>(place, size);                                       \
+  }                                                                                  \
+  void Class::operator delete(void* place, std::size_t,                              \
+                              std::align_val_t alignment) noexcept {                 \
+    nqdetail::releaseUnpooled(place, alignment);                                     \
   }
 
 #endif  // NQ_CONTAINERS_CELL_POOL_INTERNAL_H

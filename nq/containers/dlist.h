@@ -17,9 +17,7 @@
 #ifndef NQ_CONTAINERS_DLIST_H
 #define NQ_CONTAINERS_DLIST_H
 
-#include <cstddef>
-#include <new>
-
+#include "nq/containers/cell_memory.h"
 #include "nq/containers/linked_list.h"
 #include "nq/core/copy_protocol.h"
 
@@ -40,12 +38,7 @@ class NQ_EXPORT NQDListCell : public NQObject {
 
   NQObject* pObject(NQObject* object) { return pObject_ = object; }
 
-  // Null when memory is exhausted, so that `new NQDListCell(object)` is null
-  // then too.
-  static void* operator new(std::size_t size) noexcept;
-  static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
-  static void* operator new(std::size_t, void* place) noexcept { return place; }
-  static void operator delete(void* place, std::size_t size) noexcept;
+  NQ_CELL_MEMORY
 
  protected:
   void init();
@@ -87,10 +80,13 @@ class NQ_EXPORT NQDList : public NQObject,
   // 32 for each cell, with 32 bits.
   virtual nqLong sizeOf() const;
 
-  // Hands the cell over; null for null. O(1). The cell keeps its own links, so
-  // that a walk can go on from it.
+  // Hands the cell over; null for null and for a cell whose neighbour shows that it
+  // is not in the list. O(1). The cell keeps its own links, so that a walk can go on
+  // from it.
   NQDListCell* removeCell(NQDListCell* cell) {
-    return cell == nullptr ? nullptr : removeAfter(cell->pPrevious_, cell);
+    NQDListCell* previous;
+    if (!findPrevious(cell, &previous) || fixedPlaces_) return nullptr;
+    return removeAfter(previous, cell);
   }
 
  protected:
@@ -106,10 +102,12 @@ class NQ_EXPORT NQDList : public NQObject,
   NQDListCell* pLastDListCell(NQDListCell* cell) { return pLast_ = cell; }
   nqLong length(nqLong count) { return length_ = count; }
 
+  // False when the cell is null or its neighbour does not know it: it is not in the
+  // list.
   bool findPrevious(const NQDListCell* cell, NQDListCell** previous) const {
     if (cell == nullptr) return false;
     *previous = cell->pPrevious_;
-    return true;
+    return (*previous == nullptr ? pFirst_ : (*previous)->pNext_) == cell;
   }
 };
 

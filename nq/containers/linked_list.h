@@ -14,6 +14,11 @@
 // source, with 0 and change nothing; they answer 1 when they succeed, also when
 // there was nothing to do.
 //
+// Trees and heaps are lists whose cells have more links than these. Called for one
+// of them through a reference or pointer to the list, operations that read, that
+// delete all cells or that move all of them to a list do what they do elsewhere;
+// whatever else would put in, take out or move cells is refused with null or 0.
+//
 // Insertion and moving a whole list are O(1) given the cells (NQSList finds the
 // predecessor of a cell by walking); moving a part counts it; searches,
 // positions, copies and emptying walk, O(n); the "IfNotInList" operations search
@@ -161,20 +166,17 @@ class NQ_EXPORT NQLinkedList {
   nqLong positionOfCell(const Cell* cell) const;
   nqLong positionOfObject(const NQObject* object) const;  // -1 for null
 
-  // Whether both lists hold the same objects, in the same order or in any.
+  // Whether both lists hold the same objects, in the same order or in any. The
+  // second allocates two pointers for each cell, O(n log n), and answers 0 when
+  // there is no memory for them.
   int compare(const List* other) const;
-  int compareUnordered(const List* other) const;  // O(n log n)
+  int compareUnordered(const List* other) const;
 
   // ---- Insertion. The answer is the cell that is now in the list.
 
   // The list keeps the cell. A null cell is refused with null.
   Cell* insertCell(Cell* after, Cell* cell) {
-    if (cell == nullptr) return nullptr;
-    Cell* const next = after == nullptr ? pFirst_ : after->pNext_;
-    connect(after, cell);
-    connect(cell, next);
-    ++length_;
-    return cell;
+    return cell == nullptr || fixedPlaces_ ? nullptr : linkIn(after, cell);
   }
   Cell* appendCell(Cell* cell) { return insertCell(pLast_, cell); }
   Cell* prependCell(Cell* cell) { return insertCell(nullptr, cell); }
@@ -213,8 +215,9 @@ class NQ_EXPORT NQLinkedList {
 
   // ---- Moving cells from another list, in order and without allocation.
 
-  // The cells `from` to `to`, inclusive. Refused, with 0, when `to` is not
-  // reached from `from`. O(length of the run); O(1) for a whole list.
+  // The cells `from` to `to`, inclusive. Refused, with 0, when `from` is not in
+  // `source` (NQDList asks only its neighbour) or `to` is not reached from it. O(length
+  // of the run); O(1) for a whole list.
   int transferListPart(Cell* after, List* source, Cell* from, Cell* to);
   int transferList(Cell* after, List* source);
   int appendList(List* source) { return transferList(pLast_, source); }
@@ -252,8 +255,8 @@ class NQ_EXPORT NQLinkedList {
 
   // Empties this list, whatever the source: the second form deletes its objects
   // and fills it with clones (null for null), which are made before, so that the
-  // lists may share objects. 0 for a null source and for the list itself, which
-  // is empty then.
+  // lists may share objects, and so that nothing has changed when cloning throws. 0
+  // for a null source and for the list itself, which is empty then.
   int copyAllCells(const List* source);
   int copyAllCells(const Other* source);
   int copyAllCellsAndObjects(const List* source);
@@ -273,6 +276,24 @@ class NQ_EXPORT NQLinkedList {
   NQLinkedList() = default;
   ~NQLinkedList() = default;
 
+  // For derived containers whose cells have more links: from now on the operations
+  // above refuse to change the places of cells, and the container uses those below.
+  void fixPlaces() { fixedPlaces_ = true; }
+  // Put a cell in, take one out of its place behind `previous`, exchange two.
+  Cell* linkIn(Cell* after, Cell* cell) {
+    Cell* const next = after == nullptr ? pFirst_ : after->pNext_;
+    connect(after, cell);
+    connect(cell, next);
+    ++length_;
+    return cell;
+  }
+  Cell* removeAfter(Cell* previous, Cell* cell) {
+    connect(previous, cell->pNext_);
+    --length_;
+    return cell;
+  }
+  void exchange(Cell* a, Cell* b);
+
  private:
   friend List;
   template <class, class>
@@ -291,11 +312,6 @@ class NQ_EXPORT NQLinkedList {
       pLast_ = left;
     }
   }
-  Cell* removeAfter(Cell* previous, Cell* cell) {
-    connect(previous, cell->pNext_);
-    --length_;
-    return cell;
-  }
 
   bool refuses(const List* source) const;
   nqLong runLength(const Cell* from, const Cell* to) const;
@@ -313,6 +329,7 @@ class NQ_EXPORT NQLinkedList {
   Cell* pFirst_ = nullptr;  // null exactly when length_ is 0
   Cell* pLast_ = nullptr;   // the cell whose next is null
   nqLong length_ = 0;       // counted on every change, never by walking
+  bool fixedPlaces_ = false;
 };
 
 #endif  // NQ_CONTAINERS_LINKED_LIST_H

@@ -7,9 +7,30 @@
 
 #include <algorithm>
 #include <functional>
-#include <vector>
+#include <memory>
 
 #include "nq/containers/linked_list.h"
+#include "nq/core/memory_internal.h"
+
+namespace nqdetail {
+
+// What a copy is made of until it is whole: whoever throws before that leaves
+// nothing behind.
+template <class List>
+struct Clones {
+  ~Clones() { list.deleteAllCellsAndObjects(); }
+
+  // Adds a clone of the object in a new `Cell`.
+  template <class Cell>
+  void add(const NQObject* object) {
+    std::unique_ptr<NQObject> clone(object == nullptr ? nullptr : object->cloneObject());
+    if (list.appendCell(new Cell(clone.get())) != nullptr) (void)clone.release();
+  }
+
+  List list;
+};
+
+}  // namespace nqdetail
 
 // ---- Search and position
 
@@ -66,19 +87,21 @@ int NQLinkedList<List, Cell, Other>::compare(const List* other) const {
 template <class List, class Cell, class Other>
 int NQLinkedList<List, Cell, Other>::compareUnordered(const List* other) const {
   if (other == nullptr || other->length_ != length_) return 0;
-  const auto sortedObjects = [](const NQLinkedList& list) {
-    std::vector<const NQObject*> objects(list.begin(), list.end());
-    std::sort(objects.begin(), objects.end(), std::less<>());
-    return objects;
-  };
-  return sortedObjects(*this) == sortedObjects(*other) ? 1 : 0;
+  const auto count = static_cast<std::size_t>(length_);
+  nqdetail::HeapArray<const NQObject*> objects;
+  if (!nqdetail::resize(objects, 2 * count)) return 0;
+  const NQObject** const half = std::copy(begin(), end(), objects.get());
+  const NQObject** const all = std::copy(other->begin(), other->end(), half);
+  std::sort(objects.get(), half, std::less<>());
+  std::sort(half, all, std::less<>());
+  return std::equal(half, all, objects.get()) ? 1 : 0;
 }
 
 // ---- Insertion
 
 template <class List, class Cell, class Other>
 Cell* NQLinkedList<List, Cell, Other>::addObject(Cell* after, NQObject* object) {
-  return insertCell(after, new Cell(object));
+  return fixedPlaces_ ? nullptr : insertCell(after, new Cell(object));
 }
 
 template <class List, class Cell, class Other>
@@ -153,8 +176,8 @@ bool NQLinkedList<List, Cell, Other>::refuses(const List* source) const {
 }
 
 // The number of cells of this list from `from` to `to`; 0 when either is null
-// or `to` is not reached. Walked from both ends where that is possible, since
-// the two walks do not wait for each other's loads.
+// or `to` is not reached. Walked forward only: where the links of a cell lead that is
+// not met so, nobody knows.
 template <class List, class Cell, class Other>
 nqLong NQLinkedList<List, Cell, Other>::runLength(const Cell* from,
                                                   const Cell* to) const {
@@ -162,15 +185,9 @@ nqLong NQLinkedList<List, Cell, Other>::runLength(const Cell* from,
   if (from == pFirst_ && to == pLast_) return length_;
   nqLong count = 1;
   while (from != to) {
-    from = from->pNext_;
+    from = from->pNextCell();
     if (from == nullptr) return 0;
     ++count;
-    if constexpr (nqdetail::kHasPrevious<Cell>) {
-      if (from == to) return count;
-      to = to->pPrevious_;
-      if (to == nullptr) return 0;
-      ++count;
-    }
   }
   return count;
 }
@@ -180,7 +197,9 @@ int NQLinkedList<List, Cell, Other>::moveRun(Cell* after, List* source, Cell* pr
                                              Cell* to) {
   Cell* const from = previous == nullptr ? source->pFirst_ : previous->pNext_;
   const nqLong count = source->runLength(from, to);
-  if (count == 0) return 0;
+  if (count == 0 || fixedPlaces_) return 0;
+  // All cells may leave a tree or heap, as it is empty then.
+  if (source->fixedPlaces_ && count != source->length_) return 0;
   source->connect(previous, to->pNext_);
   source->length_ -= count;
   Cell* const next = after == nullptr ? pFirst_ : after->pNext_;
@@ -203,15 +222,15 @@ int NQLinkedList<List, Cell, Other>::transferListPartIfNotInList(Cell* after,
                                                                  List* source, Cell* from,
                                                                  Cell* to) {
   Cell* previous = nullptr;
-  if (refuses(source) || !source->findPrevious(from, &previous) ||
-      source->runLength(from, to) == 0) {
+  if (refuses(source) || source->fixedPlaces_ || fixedPlaces_ ||
+      !source->findPrevious(from, &previous) || source->runLength(from, to) == 0) {
     return 0;
   }
   Cell* cell = from;
   while (cell != nullptr && cell != to->pNext_) {
     Cell* const next = cell->pNextCell();
     if (searchObject(cell->pObject_) == nullptr) {
-      after = insertCell(after, source->removeAfter(previous, cell));
+      after = linkIn(after, source->removeAfter(previous, cell));
     } else {
       previous = cell;
     }
@@ -224,7 +243,11 @@ template <class List, class Cell, class Other>
 int NQLinkedList<List, Cell, Other>::copyRun(Cell* after, const List* source,
                                              const Cell* from, const Cell* to,
                                              bool onlyNewObjects) {
-  if (refuses(source) || source->runLength(from, to) == 0) return 0;
+  Cell* previous = nullptr;
+  if (refuses(source) || fixedPlaces_ || !source->findPrevious(from, &previous) ||
+      source->runLength(from, to) == 0) {
+    return 0;
+  }
   for (const Cell* cell = from;; cell = cell->pNextCell()) {
     if (!onlyNewObjects || searchObject(cell->pObject_) == nullptr) {
       Cell* const copy = addObject(after, cell->pObject_);
@@ -287,6 +310,7 @@ template <class List, class Cell, class Other>
 template <class Source>
 int NQLinkedList<List, Cell, Other>::fillFrom(const Source* source) {
   if (source == nullptr || static_cast<const NQObject*>(source) == self()) return 0;
+  if (fixedPlaces_) return 0;
   for (NQObject* const object : *source) appendObject(object);
   return 1;
 }
@@ -295,16 +319,14 @@ int NQLinkedList<List, Cell, Other>::fillFrom(const Source* source) {
 template <class List, class Cell, class Other>
 template <class Source>
 int NQLinkedList<List, Cell, Other>::cloneFrom(const Source* source) {
-  List clones;
+  nqdetail::Clones<List> clones;
   const bool refused =
-      source == nullptr || static_cast<const NQObject*>(source) == self();
+      source == nullptr || fixedPlaces_ || static_cast<const NQObject*>(source) == self();
   if (!refused) {
-    for (NQObject* const object : *source) {
-      clones.appendObject(object == nullptr ? nullptr : object->cloneObject());
-    }
+    for (const NQObject* const object : *source) clones.template add<Cell>(object);
   }
   deleteAllCellsAndObjects();
-  transferList(nullptr, &clones);
+  transferList(nullptr, &clones.list);
   return refused ? 0 : 1;
 }
 
@@ -334,6 +356,7 @@ int NQLinkedList<List, Cell, Other>::copyAllCellsAndObjects(const Other* source)
 
 template <class List, class Cell, class Other>
 int NQLinkedList<List, Cell, Other>::reverse() {
+  if (fixedPlaces_) return 0;
   List reversed;
   while (pFirst_ != nullptr) reversed.prependCell(removeAfter(nullptr, pFirst_));
   return transferList(nullptr, &reversed);
@@ -341,6 +364,11 @@ int NQLinkedList<List, Cell, Other>::reverse() {
 
 template <class List, class Cell, class Other>
 void NQLinkedList<List, Cell, Other>::swapPosition(Cell* a, Cell* b) {
+  if (!fixedPlaces_) exchange(a, b);
+}
+
+template <class List, class Cell, class Other>
+void NQLinkedList<List, Cell, Other>::exchange(Cell* a, Cell* b) {
   Cell* beforeA = nullptr;
   Cell* beforeB = nullptr;
   if (a == b || !self()->findPrevious(a, &beforeA) ||
@@ -348,19 +376,19 @@ void NQLinkedList<List, Cell, Other>::swapPosition(Cell* a, Cell* b) {
     return;
   }
   if (beforeA == b) {
-    insertCell(a, removeAfter(beforeB, b));
+    linkIn(a, removeAfter(beforeB, b));
   } else if (beforeB == a) {
-    insertCell(b, removeAfter(beforeA, a));
+    linkIn(b, removeAfter(beforeA, a));
   } else {
-    insertCell(beforeB, removeAfter(beforeA, a));
-    // `a` stands before `b` now.
-    insertCell(beforeA, removeAfter(a, b));
+    linkIn(beforeB, removeAfter(beforeA, a));
+    // `a` is before `b` now.
+    linkIn(beforeA, removeAfter(a, b));
   }
 }
 
 template <class List, class Cell, class Other>
 int NQLinkedList<List, Cell, Other>::merge(List* a, List* b) {
-  if (refuses(a) || refuses(b)) return 0;
+  if (refuses(a) || refuses(b) || fixedPlaces_) return 0;
   while (a->pFirst_ != nullptr || b->pFirst_ != nullptr) {
     for (List* const source : {a, b}) {
       if (source->pFirst_ != nullptr)

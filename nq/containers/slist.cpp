@@ -80,14 +80,15 @@ NQSListCell* NQSList::searchPreviousObject(const NQObject* object) const {
 }
 
 NQSListCell* NQSList::removeNextCell(NQSListCell* previous) {
-  if (previous == noCell()) return nullptr;
+  if (previous == noCell() || fixedPlaces_) return nullptr;
   NQSListCell* const cell = previous == nullptr ? pFirst_ : previous->pNext_;
   return cell == nullptr ? nullptr : removeAfter(previous, cell);
 }
 
 NQSListCell* NQSList::removeCell(NQSListCell* cell) {
   NQSListCell* previous = nullptr;
-  return findPrevious(cell, &previous) ? removeAfter(previous, cell) : nullptr;
+  if (!findPrevious(cell, &previous) || fixedPlaces_) return nullptr;
+  return removeAfter(previous, cell);
 }
 
 int NQSList::transferNextListPart(NQSListCell* after, NQSList* source,

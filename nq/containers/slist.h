@@ -12,9 +12,7 @@
 #ifndef NQ_CONTAINERS_SLIST_H
 #define NQ_CONTAINERS_SLIST_H
 
-#include <cstddef>
-#include <new>
-
+#include "nq/containers/cell_memory.h"
 #include "nq/containers/linked_list.h"
 #include "nq/core/copy_protocol.h"
 
@@ -39,11 +37,7 @@ class NQ_EXPORT NQSListCell : public NQObject {
 
   void debugOutput(int level) override;
 
-  // As those of NQDListCell.
-  static void* operator new(std::size_t size) noexcept;
-  static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
-  static void* operator new(std::size_t, void* place) noexcept { return place; }
-  static void operator delete(void* place, std::size_t size) noexcept;
+  NQ_CELL_MEMORY
 
  private:
   template <class, class, class>

@@ -1,6 +1,10 @@
 #include "nq/containers/sorted_bin_tree.h"
 
+#include <memory>
 #include <type_traits>
+
+#include "nq/containers/linked_list_internal.h"
+#include "nq/containers/slist.h"
 
 // ---- Copy protocol; by hand, since there is nothing to make a clone of
 
@@ -26,14 +30,6 @@ void NQSortedBinTree::copyAttributes(const NQObject* source) {
 
 NQSortedBinTree* NQSortedBinTree::castDown(const NQObject* object) {
   return NQCopyAccess::castDown<NQSortedBinTree>(object);
-}
-
-NQObject* NQSortedBinTree::vCloneObject() const {
-  return nullptr;
-}
-
-NQObject* NQSortedBinTree::vCloneAttributes() const {
-  return nullptr;
 }
 
 void NQSortedBinTree::NQSortedBinTreedeepCopy(const NQSortedBinTree& source) {
@@ -94,8 +90,8 @@ NQBinTreeCell* NQSortedBinTree::searchObject(const NQObject* object) const {
 
 // ---- Insertion
 
-NQBinTreeCell* NQSortedBinTree::insertCell(NQBinTreeCell* cell) {
-  if (cell == nullptr || length() == 0) return NQBinTree::insertCell(nullptr, cell);
+inline auto NQSortedBinTree::placeFor(const NQBinTreeCell* cell) const -> Place {
+  if (length() == 0) return {nullptr, kLeft};
   const auto sideBelow = [&](const NQBinTreeCell* other) {
     return virtualCellCompare(other, cell) < 0 ? kRight : kLeft;
   };
@@ -136,12 +132,20 @@ NQBinTreeCell* NQSortedBinTree::insertCell(NQBinTreeCell* cell) {
     side = sideBelow(last);
     next = last->pChildren_[side];
   }
-  attach(last, side, cell);
+  return {last, side};
+}
+
+NQBinTreeCell* NQSortedBinTree::insertCell(NQBinTreeCell* cell) {
+  if (cell == nullptr) return nullptr;
+  const Place place = placeFor(cell);
+  attach(place.parent, place.side, cell);
   return cell;
 }
 
 NQBinTreeCell* NQSortedBinTree::addObject(NQObject* object) {
-  return insertCell(new NQBinTreeCell(object));
+  std::unique_ptr<NQBinTreeCell> cell(new NQBinTreeCell(object));
+  insertCell(cell.get());
+  return cell.release();
 }
 
 // ---- Removal
@@ -156,25 +160,70 @@ NQBinTreeCell* NQSortedBinTree::searchAndRemoveObject(const NQObject* object) {
 
 // ---- Moving and copying cells
 
+struct NQSortedBinTree::Transfer {
+  ~Transfer() { source->NQBinTree::insertAll(after, cells); }
+
+  NQBinTree* source;
+  NQBinTreeCell* after;
+  NQDList cells;
+};
+
 void NQSortedBinTree::insertAll(NQDList& cells) {
   while (NQDListCell* const first = cells.pFirstCell()) {
-    insertCell(cell(cells.removeCell(first)));
+    const Place place = placeFor(cell(first));
+    attach(place.parent, place.side, cell(cells.removeCell(first)));
   }
+}
+
+template <class List>
+int NQSortedBinTree::fillFrom(const List* source) {
+  deleteAllCells();
+  if (refuses(source)) return 0;
+  for (NQObject* const object : *source) addObject(object);
+  return 1;
+}
+
+template <class List>
+int NQSortedBinTree::cloneFrom(const List* source) {
+  nqdetail::Clones<NQDList> clones;
+  if (!refuses(source)) {
+    for (const NQObject* const object : *source) clones.add<NQBinTreeCell>(object);
+  }
+  deleteAllCells();
+  insertAll(clones.list);
+  return refuses(source) ? 0 : 1;
+}
+
+int NQSortedBinTree::copyAllCells(const NQDList* source) {
+  return fillFrom(source);
+}
+
+int NQSortedBinTree::copyAllCells(const NQSList* source) {
+  return fillFrom(source);
+}
+
+int NQSortedBinTree::copyAllCellsAndObjects(const NQDList* source) {
+  return cloneFrom(source);
+}
+
+int NQSortedBinTree::copyAllCellsAndObjects(const NQSList* source) {
+  return cloneFrom(source);
 }
 
 int NQSortedBinTree::transferListPart(NQBinTree* source, NQBinTreeCell* from,
                                       NQBinTreeCell* to) {
-  NQDList cells;
-  if (refuses(source) || !source->takeOut(from, to, cells)) return 0;
-  insertAll(cells);
+  if (refuses(source) || from == nullptr) return 0;
+  Transfer transfer{source, from->pPreviousCell(), {}};
+  if (!source->takeOut(from, to, transfer.cells)) return 0;
+  insertAll(transfer.cells);
   return 1;
 }
 
 int NQSortedBinTree::transferList(NQBinTree* source) {
-  NQDList cells;
   if (refuses(source)) return 0;
-  cells.appendList(source);
-  insertAll(cells);
+  Transfer transfer{source, nullptr, {}};
+  transfer.cells.appendList(source);
+  insertAll(transfer.cells);
   return 1;
 }
 

@@ -11,9 +11,14 @@
 // exclusiveColors(1) does to it. A comparison that contradicts itself makes searches
 // miss and orders wrong, nothing worse.
 //
+// What a comparison throws passes through. A cell that was being inserted is then the
+// caller's, and one made for it is gone; cells of another tree that have no place yet
+// are back in that tree, in their old order.
+//
 // What would give cells a position of the caller's choice is not offered here.
-// The class is abstract; clones and copies work where the derived class states
-// the copy protocol, and compare nothing, as the copies keep the order.
+// The class is abstract; the clone of a derived class that does not state the copy
+// protocol is an NQBinTree. Copies of a sorted tree compare nothing, as they keep its
+// order.
 
 #ifndef NQ_CONTAINERS_SORTED_BIN_TREE_H
 #define NQ_CONTAINERS_SORTED_BIN_TREE_H
@@ -44,6 +49,19 @@ class NQ_EXPORT NQSortedBinTree : public NQBinTree {
   // In a new cell; null when memory is exhausted.
   NQBinTreeCell* addObject(NQObject* object);
 
+  // As those of NQBinTree. Another sorted tree must be ordered by the same comparison,
+  // and its order is taken over; objects of any other list are put in their places.
+  int copyAllCells(const NQSortedBinTree* source) {
+    return NQBinTree::copyAllCells(source);
+  }
+  int copyAllCells(const NQDList* source);
+  int copyAllCells(const NQSList* source);
+  int copyAllCellsAndObjects(const NQSortedBinTree* source) {
+    return NQBinTree::copyAllCellsAndObjects(source);
+  }
+  int copyAllCellsAndObjects(const NQDList* source);
+  int copyAllCellsAndObjects(const NQSList* source);
+
   // The cell is handed over; null when there is none.
   NQBinTreeCell* searchAndRemoveCell(const NQBinTreeCell* cell);
   NQBinTreeCell* searchAndRemoveObject(const NQObject* object);
@@ -63,10 +81,6 @@ class NQ_EXPORT NQSortedBinTree : public NQBinTree {
   virtual int virtualCellCompare(const NQDListCell* a, const NQDListCell* b) const;
   // Negative when `a` sorts before `b`, 0 when they are equal, positive when after.
   virtual int virtualObjectCompare(const NQObject* a, const NQObject* b) const = 0;
-
-  // Null: a derived class says how it is cloned.
-  NQObject* vCloneObject() const override;
-  NQObject* vCloneAttributes() const override;
 
  private:
   using NQBinTree::addAfter;
@@ -99,9 +113,23 @@ class NQ_EXPORT NQSortedBinTree : public NQBinTree {
   using NQBinTree::transferListIfNotInList;
   using NQBinTree::transferListPartIfNotInList;
 
+  // A child that the parent, null for the root, has not yet.
+  struct Place {
+    NQBinTreeCell* parent;
+    int side;
+  };
+  // Cells on their way here, which go back behind `after` in `source` unless all
+  // arrive.
+  struct Transfer;
+
   template <class Compare, class Matches>
   NQBinTreeCell* find(Compare compare, Matches matches) const;
+  Place placeFor(const NQBinTreeCell* cell) const;
   void insertAll(NQDList& cells);
+  template <class List>
+  int fillFrom(const List* source);
+  template <class List>
+  int cloneFrom(const List* source);
 };
 
 #endif  // NQ_CONTAINERS_SORTED_BIN_TREE_H

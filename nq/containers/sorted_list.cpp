@@ -1,5 +1,7 @@
 #include "nq/containers/sorted_list.h"
 
+#include <memory>
+
 // ---- Places
 
 // To the first cell for which `stops` holds.
@@ -31,6 +33,14 @@ auto NQSortedList<List, Cell>::placeOfObject(const NQObject* object) const -> Pl
   });
 }
 
+// The cell behind which a new one belongs; null for the front.
+template <class List, class Cell>
+Cell* NQSortedList<List, Cell>::placeBehindEquals(const Cell* cell) const {
+  const Place place = walkUntil(
+      [this, cell](const Cell* other) { return virtualCellCompare(other, cell) > 0; });
+  return place.previous;
+}
+
 // ---- Search
 
 template <class List, class Cell>
@@ -53,14 +63,14 @@ Cell* NQSortedList<List, Cell>::searchObject(const NQObject* object) const {
 template <class List, class Cell>
 Cell* NQSortedList<List, Cell>::insertCell(Cell* cell) {
   if (cell == nullptr) return nullptr;
-  const Place place = walkUntil(
-      [this, cell](const Cell* other) { return virtualCellCompare(other, cell) > 0; });
-  return List::insertCell(place.previous, cell);
+  return List::insertCell(placeBehindEquals(cell), cell);
 }
 
 template <class List, class Cell>
 Cell* NQSortedList<List, Cell>::addObject(NQObject* object) {
-  return insertCell(new Cell(object));
+  std::unique_ptr<Cell> cell(new Cell(object));
+  insertCell(cell.get());
+  return cell.release();
 }
 
 template <class List, class Cell>
@@ -98,15 +108,16 @@ template <class List, class Cell>
 int NQSortedList<List, Cell>::moveRun(List* source, Cell* from, Cell* to,
                                       bool onlyNewObjects) {
   Cell* previous = nullptr;
-  if (this->refuses(source) || !source->findPrevious(from, &previous) ||
-      source->runLength(from, to) == 0) {
+  if (this->refuses(source) || source->fixedPlaces_ ||
+      !source->findPrevious(from, &previous) || source->runLength(from, to) == 0) {
     return 0;
   }
   Cell* const end = to->pNextCell();
   for (Cell* cell = from; cell != end;) {
     Cell* const next = cell->pNextCell();
     if (!onlyNewObjects || searchObject(cell->pObject()) == nullptr) {
-      insertCell(source->removeAfter(previous, cell));
+      Cell* const after = placeBehindEquals(cell);
+      this->linkIn(after, source->removeAfter(previous, cell));
     } else {
       previous = cell;
     }
@@ -118,7 +129,11 @@ int NQSortedList<List, Cell>::moveRun(List* source, Cell* from, Cell* to,
 template <class List, class Cell>
 int NQSortedList<List, Cell>::copyRun(const List* source, const Cell* from,
                                       const Cell* to, bool onlyNewObjects) {
-  if (this->refuses(source) || source->runLength(from, to) == 0) return 0;
+  Cell* previous = nullptr;
+  if (this->refuses(source) || !source->findPrevious(from, &previous) ||
+      source->runLength(from, to) == 0) {
+    return 0;
+  }
   for (const Cell* cell = from;; cell = cell->pNextCell()) {
     if (!onlyNewObjects || searchObject(cell->pObject()) == nullptr) {
       addObject(cell->pObject());

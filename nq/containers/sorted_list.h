@@ -14,7 +14,9 @@
 // Insertion walks from the front, O(n); searches do so as far as the place where
 // the object would stand. Moving or copying m cells in costs O(m * n). That
 // suits short lists; the sorted tree is for long ones. A comparison that
-// contradicts itself gives some order, and searches may miss what is there.
+// contradicts itself gives some order, and searches may miss what is there. What a
+// comparison throws passes through: cells that were to be taken in and have no place
+// yet are where they were, and one made for an object is gone.
 
 #ifndef NQ_CONTAINERS_SORTED_LIST_H
 #define NQ_CONTAINERS_SORTED_LIST_H
@@ -83,6 +85,7 @@ class NQ_EXPORT NQSortedList : public List {
   };
   Place placeOfCell(const Cell* cell) const;
   Place placeOfObject(const NQObject* object) const;
+  Cell* placeBehindEquals(const Cell* cell) const;
 
  private:
   // These would break the order.
@@ -118,8 +121,8 @@ extern template class NQSortedList<NQDList, NQDListCell>;
 extern template class NQSortedList<NQSList, NQSListCell>;
 
 // Neither kind can be copy-constructed by itself. Assignment and copyObject() are
-// those of the plain list; a clone, unless the derived class makes its own, is a
-// plain list.
+// those of the plain list; the clone of a derived class that does not state the copy
+// protocol is a plain list.
 
 class NQ_EXPORT NQSortedDList : public NQSortedList<NQDList, NQDListCell> {
   NQ_COPY_ROUTINES(NQSortedDList)

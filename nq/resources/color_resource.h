@@ -3,9 +3,7 @@
 #ifndef NQ_RESOURCES_COLOR_RESOURCE_H
 #define NQ_RESOURCES_COLOR_RESOURCE_H
 
-#include <cstddef>
-#include <new>
-
+#include "nq/containers/cell_memory.h"
 #include "nq/resources/color.h"
 #include "nq/resources/resource.h"
 
@@ -27,12 +25,8 @@ class NQ_EXPORT NQColorResource : public NQResource {
   nqLong sortKey() const override;
   int isEqual(const NQResource* other) const override;
 
-  // Memory is pooled, as that of list cells is: a resource comes with each insertion,
-  // and mostly goes with it. Null when it is exhausted.
-  static void* operator new(std::size_t size) noexcept;
-  static void* operator new(std::size_t size, const std::nothrow_t&) noexcept;
-  static void* operator new(std::size_t, void* place) noexcept { return place; }
-  static void operator delete(void* place, std::size_t size) noexcept;
+  // A resource comes with each insertion, and mostly goes with it.
+  NQ_CELL_MEMORY
 
  protected:
   void init();

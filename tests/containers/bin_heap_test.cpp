@@ -6,6 +6,7 @@
 #include <limits>
 #include <memory>
 #include <random>
+#include <stdexcept>
 #include <utility>
 #include <vector>
 
@@ -172,6 +173,7 @@ TEST(NQBinHeap, RefusesWhatIsNotThere) {
   EXPECT_EQ(heap.sizeOf(), 96);
   NQBinHeapCell foreign(object('a'), 0);
   EXPECT_EQ(heap.searchAndRemoveCell(&foreign), nullptr);
+  EXPECT_EQ(heap.removeCell(&foreign), nullptr);
   delete heap.searchAndRemoveCell(b);
   delete heap.searchAndRemoveObject(object('a'));
   EXPECT_EQ(heap.length(), 0);
@@ -247,6 +249,38 @@ TEST(NQBinHeap, SurvivesComparisonsThatContradictThemselves) {
       }
     }
     ASSERT_EQ(findHeapFault(heap, [](auto*, auto*) { return false; }), "");
+  }
+}
+
+TEST(NQBinHeap, ChangesNothingWhenAComparisonThrows) {
+  class Failing : public NQBinHeap {
+   public:
+    int answers = 1 << 30;
+
+   private:
+    int virtualCompare(NQBinHeapCell* a, NQBinHeapCell* b) override {
+      if (--answers < 0) throw std::runtime_error("no answer");
+      return NQBinHeap::virtualCompare(a, b);
+    }
+  } heap;
+  for (const nqLong value : {1, 4, 9, 8, 5, 12, 11, 16, 9, 6}) {
+    heap.addObject(nullptr, value);
+  }
+  const Cells cells = cellsOf(heap);
+  NQBinHeapCell least(nullptr, 0);
+  for (int answers = 0; answers < 2; ++answers) {
+    const auto fails = [&](auto operation) {
+      heap.answers = answers;
+      EXPECT_THROW(operation(), std::runtime_error);
+      EXPECT_EQ(findHeapFault(heap, valueGreater), "");
+      EXPECT_EQ(cellsOf(heap), cells);
+    };
+    fails([&] { heap.insertCell(&least); });
+    fails([&] { heap.addObject(nullptr, 0); });
+    fails([&] { heap.pExtractMinCell(); });
+    fails([&] { heap.discardCell(cells[1]); });
+    fails([&] { heap.changeValue(cells[9], 0); });
+    fails([&] { heap.changeValue(cells[0], 99); });
   }
 }
 

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "nq/containers/bin_heap.h"
+#include "nq/containers/list_sort.h"
+
 #include <algorithm>
 #include <memory>
 #include <random>
@@ -243,6 +246,8 @@ TEST_P(BinTree, RefusesWhatListsRefuse) {
   EXPECT_EQ(tree->insertCellIfNotInList(first, nullptr), nullptr);
   EXPECT_EQ(tree->removeCell(nullptr), nullptr);
   EXPECT_EQ(tree->searchAndRemoveCell(x), nullptr);
+  const NQBinTreeCell free(object('a'));
+  EXPECT_EQ(tree->removeCell(const_cast<NQBinTreeCell*>(&free)), nullptr);
   tree->swapPosition(first, nullptr);
   tree->discardCell(nullptr);
   for (NQBinTree* const source : {static_cast<NQBinTree*>(nullptr), tree.get()}) {
@@ -303,8 +308,62 @@ TEST_P(BinTree, CopiesTypeAndColoursWithTheObjects) {
   const auto target = treeOf("xy");
   EXPECT_EQ(target->copyAllCells(sample.get()), 1);
   EXPECT_EQ(target->compare(sample.get()), 1);
-  EXPECT_EQ(target->copyAllCellsAndObjects(nullptr), 0);
+  EXPECT_EQ(target->copyAllCellsAndObjects(static_cast<NQDList*>(nullptr)), 0);
   EXPECT_EQ(checkedText(*target), "");
+  EXPECT_EQ(target->copyAllCells(listOf<NQSList>("a-b").get()), 1);
+  EXPECT_EQ(checkedText(*target), "a-b");
+  NQSList shared;
+  shared.copyAllCells(sample.get());
+  EXPECT_EQ(target->copyAllCellsAndObjects(&shared), 1);
+  EXPECT_EQ(values(*target), values(*sample));
+}
+
+// What the list's operations do to a tree, or a heap, that they take for a list.
+template <class Tree, class Fault>
+void checkListOperationsKeepPlaces(Tree& tree, Fault fault) {
+  const std::string before = text(tree);
+  NQDList& list = tree;
+  NQDListCell* const first = list.pFirstCell();
+  NQDListCell* const second = first->pNextCell();
+  NQDList other;
+  fill(other, "xy");
+  NQSList single;
+  single.appendObject(object('x'));
+  NQDListCell cell(object('x'));
+  NQMemAddressDListSort sorter;
+  EXPECT_EQ(list.insertCell(first, &cell), nullptr);
+  EXPECT_EQ(list.addObject(first, object('x')), nullptr);
+  EXPECT_EQ(list.appendObjectIfNotInList(object('x')), nullptr);
+  EXPECT_EQ(list.removeCell(second), nullptr);
+  EXPECT_EQ(list.searchAndRemoveObject(first->pObject()), nullptr);
+  EXPECT_EQ(list.reverse(), 0);
+  EXPECT_EQ(list.appendList(&other), 0);
+  EXPECT_EQ(list.appendListIfNotInList(&other), 0);
+  EXPECT_EQ(list.copyAppendList(&other), 0);
+  EXPECT_EQ(list.merge(&other, &other), 0);
+  EXPECT_EQ(other.transferListPart(nullptr, &list, second, second), 0);
+  EXPECT_EQ(other.transferListIfNotInList(nullptr, &list), 0);
+  list.discardCell(second);
+  list.swapPosition(first, second);
+  sorter.mergeSort(&list);
+  sorter.bubbleSort(&list);
+  sorter.quickSort(&list, 0);
+  EXPECT_EQ(text(other), "xy");
+  EXPECT_EQ(text(tree), before);
+  EXPECT_EQ(fault(), "");
+  EXPECT_EQ(list.copyAllCells(&single), 0) << "which empties it all the same";
+  EXPECT_EQ(text(tree), "");
+  EXPECT_EQ(fault(), "");
+}
+
+TEST_P(BinTree, IsNotReorderedAsAList) {
+  const auto tree = treeOf("dacb");
+  checkListOperationsKeepPlaces(*tree, [&] { return checkBinTree(*tree).fault; });
+  NQBinHeap heap;
+  for (const char name : {'d', 'a', 'c', 'b'}) heap.addObject(object(name), name);
+  checkListOperationsKeepPlaces(heap, [&] {
+    return findHeapFault(heap, [](auto* a, auto* b) { return a->value() > b->value(); });
+  });
 }
 
 TEST(NQBinTree, LeavesObjectsAloneWhereListsWouldDeleteThem) {

@@ -6,7 +6,9 @@
 #include <deque>
 #include <memory>
 #include <random>
+#include <stdexcept>
 #include <type_traits>
+#include <typeinfo>
 #include <vector>
 
 #include "tests/containers/list_text.h"
@@ -182,6 +184,85 @@ TEST(NQSortedBinTree, SortsWhatItTakesIn) {
   EXPECT_EQ(valuesOf(tree), (Values{1, 1, 1, 1, 1, 1, 3, 3, 3, 4, 4, 4, 5, 5}));
   EXPECT_EQ(source.length(), 0);
   EXPECT_EQ(checkBinTree(tree).fault, "");
+
+  // Copies are sorted too, unless the source is already.
+  NQBinTree unsorted;
+  unsorted.copyAllCells(&list);
+  const NQSList single(list);
+  const auto copied = [&](int result) {
+    EXPECT_EQ(result, 1);
+    const Values values = valuesOf(tree);
+    for (NQObject* const each : tree) EXPECT_NE(tree.searchObject(each), nullptr);
+    return values;
+  };
+  const Values sorted{1, 1, 3, 4, 5};
+  EXPECT_EQ(copied(tree.copyAllCells(&list)), sorted);
+  EXPECT_EQ(copied(tree.copyAllCells(&single)), sorted);
+  EXPECT_EQ(copied(tree.copyAllCells(&unsorted)), sorted);
+  ByValue same;
+  EXPECT_EQ(same.copyAllCells(&tree), 1);
+  EXPECT_EQ(same.compare(&tree), 1);
+  const int before = NQCounted::live();
+  for (int form = 0; form < 4; ++form) {
+    EXPECT_EQ(copied(form == 0   ? tree.copyAllCellsAndObjects(&list)
+                     : form == 1 ? tree.copyAllCellsAndObjects(&single)
+                     : form == 2 ? tree.copyAllCellsAndObjects(&unsorted)
+                                 : tree.copyAllCellsAndObjects(&same)),
+              sorted);
+    EXPECT_EQ(NQCounted::live(), before + 5);
+    tree.deleteAllCellsAndObjects();
+  }
+}
+
+// Throws when its answers are used up.
+class Failing : public NQSortedBinTree {
+ public:
+  mutable int answers = 1 << 30;
+
+ protected:
+  int virtualObjectCompare(const NQObject* a, const NQObject* b) const override {
+    if (--answers < 0) throw std::runtime_error("no answer");
+    return valueOf(a) - valueOf(b);
+  }
+};
+
+TEST(NQSortedBinTree, KeepsEveryCellWhenAComparisonThrows) {
+  std::deque<NQCounted> objects;
+  for (int i = 0; i < 12; ++i) objects.emplace_back(i * 5 % 12);
+  for (int answers = 0; answers < 15; ++answers) {
+    for (const bool whole : {true, false}) {
+      Failing tree;
+      NQBinTree source;
+      for (std::size_t i = 0; i < 4; ++i) tree.addObject(&objects[i]);
+      for (std::size_t i = 4; i < 12; ++i) source.appendObject(&objects[i]);
+      tree.answers = answers;
+      EXPECT_THROW(whole ? tree.transferList(&source)
+                         : tree.transferListPart(&source, source.pCellInPosition(2),
+                                                 source.pCellInPosition(7)),
+                   std::runtime_error);
+      EXPECT_EQ(checkBinTree(tree).fault, "");
+      EXPECT_EQ(checkBinTree(source).fault, "");
+      EXPECT_EQ(tree.length() + source.length(), 12);
+      // What stayed has its old order.
+      nqLong last = -1;
+      for (const NQObject* const each : source) {
+        const auto place = static_cast<const NQCounted*>(each) - &objects[0];
+        EXPECT_GT(place, last);
+        last = static_cast<nqLong>(place);
+      }
+      const nqLong before = tree.length();
+      tree.answers = 0;
+      NQBinTreeCell cell(&objects[0]);
+      EXPECT_THROW(tree.addObject(&objects[0]), std::runtime_error);
+      EXPECT_THROW(tree.insertCell(&cell), std::runtime_error);
+      EXPECT_EQ(tree.length(), before);
+    }
+  }
+  // It does not state the copy protocol.
+  const Failing unstated;
+  const std::unique_ptr<NQBinTree> clone(unstated.cloneObject());
+  const NQObject& plain = *clone;
+  EXPECT_EQ(typeid(plain), typeid(NQBinTree));
 }
 
 TEST(NQSortedBinTree, KeepsItsOrderInCopies) {

@@ -8,7 +8,9 @@
 #include <map>
 #include <memory>
 #include <random>
+#include <stdexcept>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 #include "tests/containers/list_text.h"
@@ -268,6 +270,19 @@ TYPED_TEST(SortedList, RefusesNullAndItselfAsSource) {
   }
 }
 
+// Throws at its n-th question.
+template <class Kind>
+class Failing : public Kind::Base {
+ public:
+  mutable int answers = 1 << 30;
+
+ protected:
+  int virtualObjectCompare(const NQObject* a, const NQObject* b) const override {
+    if (--answers < 0) throw std::runtime_error("no answer");
+    return keyOf(a) - keyOf(b);
+  }
+};
+
 TYPED_TEST(SortedList, FollowsTheCopyProtocol) {
   using Sorted = typename TypeParam::Sorted;
   NQKept::Keeper keeper;
@@ -293,6 +308,12 @@ TYPED_TEST(SortedList, FollowsTheCopyProtocol) {
   Sorted third;
   EXPECT_EQ(third.copyAllCellsAndObjects(&sample), 1);
   EXPECT_EQ(values(third), values(sample));
+
+  // Whoever does not state the protocol is cloned as the plain list.
+  const Failing<TypeParam> unstated;
+  const std::unique_ptr<typename TypeParam::Plain> clone(unstated.cloneObject());
+  const NQObject& plain = *clone;
+  EXPECT_EQ(typeid(plain), typeid(typename TypeParam::Plain));
 }
 
 template <class List, class Cell>
@@ -386,6 +407,34 @@ class Moody : public Kind::Base {
   int mode_;
   mutable std::mt19937 random_{5};
 };
+
+TYPED_TEST(SortedList, KeepsEveryCellWhenAComparisonThrows) {
+  for (int answers = 0; answers < 12; ++answers) {
+    for (const bool fresh : {false, true}) {
+      Failing<TypeParam> list;
+      add(list, {10, 20, 30});
+      typename TypeParam::Plain source;
+      append(source, {31, 20, 40, 50});
+      list.answers = answers;
+      EXPECT_THROW(
+          fresh ? list.transferListIfNotInList(&source) : list.transferList(&source),
+          std::runtime_error);
+      std::vector<int> all = values(list);
+      for (const int value : values(source)) all.push_back(value);
+      EXPECT_TRUE(
+          std::ranges::is_permutation(all, std::vector<int>{10, 20, 30, 31, 20, 40, 50}));
+      EXPECT_EQ(fault(list), "");
+      checkLinks(source);
+
+      const nqLong before = list.length();
+      list.answers = 0;
+      typename TypeParam::Cell cell(number(60));
+      EXPECT_THROW(list.addObject(number(60)), std::runtime_error);
+      EXPECT_THROW(list.insertCell(&cell), std::runtime_error);
+      EXPECT_EQ(list.length(), before);
+    }
+  }
+}
 
 TYPED_TEST(SortedList, InconsistentComparisonsKeepEveryCell) {
   for (int mode = 0; mode <= 3; ++mode) {
