@@ -13,7 +13,9 @@
 //   bubbleSort    O(n * n), stable; for lists that are short or nearly sorted
 //
 // The sorts allocate nothing. A comparison that contradicts itself gives some
-// order of the same cells. A null list is left alone.
+// order of the same cells; so does one that throws, which is then not asked again:
+// the exception comes out when every cell is back in the list. A null list is left
+// alone, and so is a tree or heap, which a sort must not reorder.
 //
 // Sources: C. A. R. Hoare, "Quicksort"; R. C. Singleton, "An efficient algorithm
 // for sorting with minimal storage" (the median of three); D. E. Knuth, "The Art
@@ -23,7 +25,7 @@
 #ifndef NQ_CONTAINERS_LIST_SORT_H
 #define NQ_CONTAINERS_LIST_SORT_H
 
-#include "nq/core/object.h"
+#include "nq/core/copy_protocol.h"
 
 class NQDList;
 class NQDListCell;
@@ -71,7 +73,10 @@ class NQ_EXPORT NQListSort : public NQObject {
   int recursionDepth(int depth) { return recursionDepth_ = depth; }
   int changed() const { return changed_; }
   int changed(int changed) { return changed_ = changed; }
-  auto algorithms();
+
+  struct Comparison;
+  template <class Operation>
+  auto run(Operation operation);
 
   int recursionDepth_ = 0;  // how deep quickSort is nested
   int changed_ = 0;
@@ -84,19 +89,32 @@ class NQ_EXPORT NQDListSort : public NQListSort<NQDList, NQDListCell> {
  public:
   // A cell that would stand at position i (from 1) if the list, which stays as
   // it is, were sorted; null when there is no such position. O(n) on average;
-  // allocates a pointer for each cell.
+  // allocates two pointers for each cell, and answers null when it cannot.
   NQDListCell* findIthElement(NQDList* list, nqLong i);
+
+  static NQDListSort* castDown(const NQObject* object) {
+    return NQCopyAccess::castDown<NQDListSort>(object);
+  }
 
   void debugOutput(int level) override;
 };
 
 class NQ_EXPORT NQSListSort : public NQListSort<NQSList, NQSListCell> {
  public:
+  static NQSListSort* castDown(const NQObject* object) {
+    return NQCopyAccess::castDown<NQSListSort>(object);
+  }
+
   void debugOutput(int level) override;
 };
 
 // Sorts by the addresses of the objects, taken as signed numbers.
 class NQ_EXPORT NQMemAddressDListSort : public NQDListSort {
+ public:
+  static NQMemAddressDListSort* castDown(const NQObject* object) {
+    return NQCopyAccess::castDown<NQMemAddressDListSort>(object);
+  }
+
  protected:
   int virtualCompare(NQDListCell* a, NQDListCell* b) override;
   void virtualDebugOutputElement(NQDListCell* cell) override;

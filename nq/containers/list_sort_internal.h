@@ -25,7 +25,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <vector>
 
 #include "nq/containers/linked_list.h"
 #include "nq/core/memory_internal.h"
@@ -57,6 +56,9 @@ Cell* choose(std::size_t second, Cell* a, Cell* b) {
 // The links of a list's cells.
 template <class List, class Cell>
 struct ListLinks {
+  static bool mayReorder(const List* list) {
+    return list != nullptr && !list->fixedPlaces_;
+  }
   static Cell* next(const Cell* cell) { return cell->pNext_; }
   static void setNext(Cell* cell, Cell* next) { cell->pNext_ = next; }
   // Makes two cells neighbours; null stands for either end of the list.
@@ -169,34 +171,33 @@ class ListSort {
     return best;
   }
 
-  // The cell that would stand at `position` (from 1, within the list) if the
-  // list were sorted; the list stays as it is.
+  // The cell that would be at `position` (from 1, within the list) if the list were
+  // sorted, or null when memory is exhausted; the list stays as it is.
   Cell* ithWrapper(const List& list, nqLong position) {
-    std::vector<Cell*> cells;
-    cells.reserve(static_cast<std::size_t>(list.length()));
-    for (Cell* cell = list.pFirstCell(); cell != nullptr; cell = Links::next(cell)) {
-      cells.push_back(cell);
-    }
-    std::vector<Cell*> greater;
+    auto count = static_cast<std::size_t>(list.length());
+    HeapArray<Cell*> memory;
+    if (!resize(memory, 2 * count)) return nullptr;
+    Cell** cells = memory.get();
+    Cell** greater = cells + count;
+    Cell* next = list.pFirstCell();
+    for (std::size_t i = 0; i < count; ++i, next = Links::next(next)) cells[i] = next;
     for (;;) {
-      const std::size_t pivotAt = (cells.size() + 1) / 2 - 1;
-      Cell* const pivot = cells[pivotAt];
-      greater.clear();
+      Cell* const pivot = cells[(count + 1) / 2 - 1];
       std::size_t kept = 0;
-      for (Cell* const cell : cells) {
-        if (cell != pivot && compare_(cell, pivot) > 0) {
-          greater.push_back(cell);
-        } else {
-          cells[kept++] = cell;
-        }
+      std::size_t moved = 0;
+      for (std::size_t i = 0; i < count; ++i) {
+        Cell* const cell = cells[i];
+        const bool moves = cell != pivot && compare_(cell, pivot) > 0;
+        (moves ? greater[moved++] : cells[kept++]) = cell;
       }
-      cells.resize(kept);
-      const nqLong notGreater = static_cast<nqLong>(kept);
+      const auto notGreater = static_cast<nqLong>(kept);
       if (position == notGreater) return pivot;
       if (position < notGreater) {
-        cells.erase(std::find(cells.begin(), cells.end(), pivot));
+        (void)std::remove(cells, cells + kept, pivot);
+        count = kept - 1;
       } else {
-        cells.swap(greater);
+        std::swap(cells, greater);
+        count = moved;
         position -= notGreater;
       }
     }
@@ -431,9 +432,11 @@ class ListSort {
 
   void qsortWrapper(const Cells& cells) {
     if (cells.length < 2) return;
-    // Three cells or more leave at least one on either side of their pivot: two
-    // cells take one level.
-    const int levels = static_cast<int>(std::min(cells.length, kSmall) / 2);
+    // A level takes the pivot out and leaves a cell on either side of it. Only when
+    // the pivot is the middle cell, the first one its equal and none behind it as
+    // large does one side get all, which happens twice in a row at most: four cells
+    // take three levels.
+    const int levels = static_cast<int>(std::min(cells.length, kSmall) * 3 / 4);
     if (cells.length <= kSmall && recursionDepth_ + levels < kDepthLimit) {
       if (!isSorted(cells)) msortWrapper(cells);
       return;

@@ -5,12 +5,14 @@
 #include <algorithm>
 #include <cstdlib>
 #include <random>
+#include <stdexcept>
 #include <vector>
 
 #include "nq/containers/dlist.h"
 #include "nq/containers/slist.h"
 #include "nq/core/boxed_values.h"
 #include "tests/containers/test_peer.h"
+#include "tests/support/little_memory.h"
 
 namespace {
 
@@ -204,6 +206,23 @@ TYPED_TEST(ListSort, ChangedFlagIsOnlyWhatTheSortsLeaveInIt) {
   EXPECT_EQ(sorter.bubbleSort(nullptr), 0);
   EXPECT_EQ(sorter.isSorted(nullptr), 1);
 
+  // A part of three that takes two levels, the second of them the last: 61 cells, of
+  // which each level takes the first and the middle one away.
+  std::vector<int> nested = {990, 990, 980};
+  for (int level = 0; level < 29; ++level) {
+    const auto middle = static_cast<std::ptrdiff_t>((nested.size() - 1) / 2);
+    const int below = 970 - 20 * level;
+    nested.insert(nested.begin() + middle, below);
+    nested.insert(nested.begin(), below - 10);
+  }
+  int bubbled = 1;
+  const std::vector<int> bubbledLast = quicklySorted(nested, &bubbled);
+  Numbers<TypeParam> deep(nested);
+  NQTestPeer::setChanged(sorter, 1);
+  EXPECT_EQ(sorter.quickSort(&deep.list, 0), bubbled);
+  EXPECT_EQ(bubbled, 0);
+  EXPECT_EQ(deep.values(), bubbledLast);
+
   // About the lengths of which the depth limit leaves a few cells.
   for (int pairs = 60; pairs < 72; ++pairs) {
     for (const int largest : {640, 660, 680, 740, 1200, 1300, 1440}) {
@@ -275,6 +294,65 @@ TYPED_TEST(ListSort, InconsistentComparisonsKeepEveryCell) {
       }
     }
   }
+}
+
+// Throws instead of its n-th answer.
+template <class Kind>
+class FailingSorter : public KeySorter<Kind> {
+ public:
+  explicit FailingSorter(long answers) : answers_(answers) {}
+
+ protected:
+  int virtualCompare(typename Kind::Cell* a, typename Kind::Cell* b) override {
+    if (--answers_ == 0) throw std::runtime_error("no answer");
+    EXPECT_GT(answers_, 0) << "asked again";
+    return KeySorter<Kind>::virtualCompare(a, b);
+  }
+
+ private:
+  long answers_;
+};
+
+TYPED_TEST(ListSort, KeepsEveryCellWhenAComparisonThrows) {
+  for (const std::size_t size : {3, 40, 6000}) {
+    const std::vector<int> values = randomValues(size, 1000, 5);
+    std::vector<int> sorted = values;
+    std::sort(sorted.begin(), sorted.end());
+    for (const int sort : {0, 1, 2, 3}) {
+      for (long answers = 1; answers < 200000; answers += answers / 3 + 1) {
+        Numbers<TypeParam> numbers(values);
+        FailingSorter<TypeParam> sorter(answers);
+        const auto run = [&] {
+          if (sort == 0) sorter.quickSort(&numbers.list, 0);
+          if (sort == 1) sorter.quickSort(&numbers.list, 1);
+          if (sort == 2) sorter.mergeSort(&numbers.list);
+          if (sort == 3) sorter.bubbleSort(&numbers.list);
+        };
+        try {
+          run();
+          break;  // it has more answers than are asked
+        } catch (const std::runtime_error&) {
+        }
+        std::vector<int> left = numbers.values();
+        std::sort(left.begin(), left.end());
+        ASSERT_EQ(left, sorted) << "sort " << sort << ", " << answers << " answers";
+        if (sort == 3 && size > 1000 && answers > 10000) break;
+      }
+    }
+  }
+}
+
+TEST(NQDListSort, FindsNoIthElementWithoutMemory) {
+  if (!LittleMemory::kWorks) GTEST_SKIP();
+  Numbers<Doubly> numbers(std::vector<int>(1 << 20));
+  KeySorter<Doubly> sorter;
+  const NQDListCell* found = numbers.list.pFirstCell();
+  {
+    LittleMemory little;
+    found = sorter.findIthElement(&numbers.list, 7);
+  }
+  EXPECT_EQ(found, nullptr);
+  EXPECT_EQ(sorter.comparisons, 0);
 }
 
 TEST(NQDListSort, FindsTheIthElementAndLeavesTheList) {
