@@ -85,6 +85,9 @@ class NQ_EXPORT NQPointDListIter : public NQTypedListIter<NQPointDList, NQDListI
  public:
   using NQTypedListIter::NQTypedListIter;
   NQPoint* pPoint() const { return static_cast<NQPoint*>(pObject()); }
+  static NQPointDListIter* castDown(const NQObject* object) {
+    return NQCopyAccess::castDown<NQPointDListIter>(object);
+  }
   void debugOutput(int level) override;
 };
 
@@ -92,12 +95,20 @@ class NQ_EXPORT NQPointSListIter : public NQTypedListIter<NQPointSList, NQSListI
  public:
   using NQTypedListIter::NQTypedListIter;
   NQPoint* pPoint() const { return static_cast<NQPoint*>(pObject()); }
+  static NQPointSListIter* castDown(const NQObject* object) {
+    return NQCopyAccess::castDown<NQPointSListIter>(object);
+  }
   void debugOutput(int level) override;
 };
 
 // Sorts by x, then by y. Differences wrap around at 32 bits: coordinates farther
 // apart than that come in some order. Null pointers come first.
 class NQ_EXPORT NQPointSListSort : public NQSListSort {
+ public:
+  static NQPointSListSort* castDown(const NQObject* object) {
+    return NQCopyAccess::castDown<NQPointSListSort>(object);
+  }
+
  protected:
   int virtualCompare(NQSListCell* a, NQSListCell* b) override;
   void virtualDebugOutputElement(NQSListCell* cell) override;

@@ -82,6 +82,9 @@ class NQ_EXPORT NQRectDListIter : public NQTypedListIter<NQRectDList, NQDListIte
  public:
   using NQTypedListIter::NQTypedListIter;
   NQRect* pRect() const { return static_cast<NQRect*>(pObject()); }
+  static NQRectDListIter* castDown(const NQObject* object) {
+    return NQCopyAccess::castDown<NQRectDListIter>(object);
+  }
   void debugOutput(int level) override;
 };
 
@@ -89,6 +92,9 @@ class NQ_EXPORT NQRectSListIter : public NQTypedListIter<NQRectSList, NQSListIte
  public:
   using NQTypedListIter::NQTypedListIter;
   NQRect* pRect() const { return static_cast<NQRect*>(pObject()); }
+  static NQRectSListIter* castDown(const NQObject* object) {
+    return NQCopyAccess::castDown<NQRectSListIter>(object);
+  }
   void debugOutput(int level) override;
 };
 

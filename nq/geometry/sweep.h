@@ -77,6 +77,10 @@ class NQ_EXPORT NQSweepSegmentSort : public NQDListSort {
   // The sweep is borrowed.
   NQSweepSegmentSort(NQSweep* sweep, int mode) : pSweep_(sweep), mode_(mode) {}
 
+  static NQSweepSegmentSort* castDown(const NQObject* object) {
+    return NQCopyAccess::castDown<NQSweepSegmentSort>(object);
+  }
+
  protected:
   int virtualCompare(NQDListCell* a, NQDListCell* b) override;
   void virtualDebugOutputElement(NQDListCell* cell) override;

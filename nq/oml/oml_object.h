@@ -87,6 +87,11 @@ class NQ_EXPORT NQOMLObject : public NQObjectWithID {
 
 // Sorts lists of NQOMLObject by their numbers; null objects come first.
 class NQ_EXPORT NQIUserFieldDListSort : public NQDListSort {
+ public:
+  static NQIUserFieldDListSort* castDown(const NQObject* object) {
+    return NQCopyAccess::castDown<NQIUserFieldDListSort>(object);
+  }
+
  protected:
   int virtualCompare(NQDListCell* a, NQDListCell* b) override;
   void virtualDebugOutputElement(NQDListCell* cell) override;
