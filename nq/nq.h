@@ -55,6 +55,7 @@
 #include "nq/oml/diagnostic.h"
 #include "nq/oml/factory.h"
 #include "nq/oml/grammar.h"
+#include "nq/oml/grammar_file.h"
 #include "nq/oml/oml_extension.h"
 #include "nq/oml/oml_file.h"
 #include "nq/oml/oml_object.h"

@@ -24,8 +24,9 @@ FLOORS = {
 # The floors inside nq/oml, from below: folders, and the files beside them, each with
 # its source. A file includes from its own wing and from the floors below.
 OML_FLOORS = [
-    {"encoding", "diagnostics", "diagnostic", "token", "bin_value"},
-    {"grammar", "definitions"},
+    {"encoding", "diagnostics", "diagnostic", "token", "bin_value",
+     "built_in_names"},
+    {"grammar", "definitions", "grammar_file"},
     {"tree", "syntax_tree", "syntax_node", "syntax_list",
      "syntax_iter", "oml_object.h"},
     {"reading", "writing"},

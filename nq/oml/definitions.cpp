@@ -1,5 +1,7 @@
 #include "nq/oml/definitions.h"
 
+#include <new>
+
 #include "nq/oml/grammar/section_path.h"
 
 namespace nqdetail {
@@ -30,12 +32,17 @@ IndexList::~IndexList() {
   }
 }
 
-void IndexList::add(nqLong index) {
-  if (contains(index)) return;
-  if (index >= 0) table_.insert(index, 0);
-  auto* const node = new NQOMLDefIndexNode{index, nullptr};
-  (pLast_ == nullptr ? pFirst_ : pLast_->next) = node;
-  pLast_ = node;
+bool IndexList::add(nqLong index) {
+  if (contains(index)) return true;
+  try {
+    auto node = std::make_unique<NQOMLDefIndexNode>(NQOMLDefIndexNode{index, nullptr});
+    if (index >= 0) table_.insert(index, 0);
+    (pLast_ == nullptr ? pFirst_ : pLast_->next) = node.get();
+    pLast_ = node.release();
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+  return true;
 }
 
 bool IndexList::operator==(const IndexList& other) const {
@@ -92,17 +99,28 @@ NQOMLDefField* NQOMLDefObjType::addField(NQOMLDefScope& scope, nqLong nameIndex,
         known->fieldType_ == fieldType && known->required_ == (required != 0);
     return same ? known : nullptr;
   }
-  std::unique_ptr<NQOMLDefField> field(new NQOMLDefField(nameIndex, fieldType, required));
-  field->pNext_ = scope.pFieldList();
-  field->number_ = static_cast<std::uint16_t>(scope.fields_.size() + 1);
-  if (field->required_) {
-    field->requiredNumber_ = numberOfRequiredFields() + 1;
-    field->requiringType_ = this;
-    field->pNextRequired_ = pRequiredList_;
-    pRequiredList_ = field.get();
+  try {
+    std::unique_ptr<NQOMLDefField> field(
+        new NQOMLDefField(nameIndex, fieldType, required));
+    field->pNext_ = scope.pFieldList();
+    field->number_ = static_cast<std::uint16_t>(scope.fields_.size() + 1);
+    NQOMLDefField* const made = scope.fields_.emplace_back(std::move(field)).get();
+    try {
+      scope.fieldTable_.insert(nameIndex, scope.numberOfFields() - 1);
+    } catch (const std::bad_alloc&) {
+      scope.fields_.pop_back();
+      return nullptr;
+    }
+    if (made->required_) {
+      made->requiredNumber_ = numberOfRequiredFields() + 1;
+      made->requiringType_ = this;
+      made->pNextRequired_ = pRequiredList_;
+      pRequiredList_ = made;
+    }
+    return made;
+  } catch (const std::bad_alloc&) {
+    return nullptr;
   }
-  scope.fieldTable_.insert(nameIndex, scope.numberOfFields());
-  return scope.fields_.emplace_back(std::move(field)).get();
 }
 
 bool NQOMLDefObjType::hasRoomForSection(const NQOMLDefSection* parent) const {
@@ -117,7 +135,11 @@ NQOMLDefSection* NQOMLDefObjType::addSection(NQOMLDefSection* parent, nqLong nam
   const nqULong path =
       nqdetail::extendPath(parent == nullptr ? 0 : parent->path(),
                            static_cast<nqULong>(scope.numberOfSections() + 1));
-  std::unique_ptr<NQOMLDefSection> section(new NQOMLDefSection(
-      nameIndex, path, nqdetail::pathDepth(path), scope.pSectionList(), parent));
-  return scope.sections_.emplace_back(std::move(section)).get();
+  try {
+    std::unique_ptr<NQOMLDefSection> section(new NQOMLDefSection(
+        nameIndex, path, nqdetail::pathDepth(path), scope.pSectionList(), parent));
+    return scope.sections_.emplace_back(std::move(section)).get();
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
 }

@@ -98,8 +98,8 @@ class IndexList {
 
   NQOMLDefIndexNode* pFirst() const { return pFirst_; }
   bool contains(nqLong index) const { return table_.find(index) >= 0; }
-  // Appends `index` unless it is listed.
-  void add(nqLong index);
+  // Appends `index` unless it is listed. False when memory is exhausted.
+  bool add(nqLong index);
   // Whether both list the same indices in the same order.
   bool operator==(const IndexList& other) const;
 
@@ -284,7 +284,8 @@ class NQ_EXPORT NQOMLDefObjType : public NQOMLDefScope {
   friend class nqdetail::DefinitionReader;
 
   // The field of that name in `scope`, which belongs to this type, made when
-  // there is none; null when it is defined there with another type or flag.
+  // there is none; null when it is defined there with another type or flag, or when
+  // memory is exhausted.
   NQOMLDefField* addField(NQOMLDefScope& scope, nqLong nameIndex,
                           NQFieldTypeEnum fieldType, int required);
   // Whether one more section may be made inside `parent`, a section of this type,

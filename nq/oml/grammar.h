@@ -30,6 +30,8 @@
 #define NQ_OML_GRAMMAR_H
 
 #include <memory>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "nq/core/object.h"
@@ -53,28 +55,26 @@ struct NQOMLStaticVEStruct {
   nqLong value;
 };
 
-// The names that every grammar has, by their indices.
+// The indices of the names that every grammar has: NQ_OML_INCLUDE_FIELD is 0, and so
+// on in the order of built_in_names.def. The last of fields and of sections is their
+// number.
 enum NQOMLBuiltInFieldEnum : int {
-  NQ_OML_INCLUDE_FIELD = 0,
-  NQ_OML_INPUT_FIELD = 1,
-  NQ_OML_COMMENT_FIELD = 2,
-  NQ_OML_SECTION_FIELD = 3,
-  NQ_OML_ID_FIELD = 4,
-  NQ_OML_NAME_FIELD = 5,
-  NQ_OML_FIELD_FIELD = 6,
-  NQ_OML_BUILT_IN_FIELDS = 7,  // their number
+#define NQ_OML_BUILT_IN_FIELD(key, name) NQ_OML_##key##_FIELD,
+#include "nq/oml/built_in_names.def"
+  NQ_OML_BUILT_IN_FIELDS
 };
 enum NQOMLBuiltInSectionEnum : int {
-  NQ_OML_SKIP_SECTION = 0,
-  NQ_OML_WILDCARD_SECTION = 1,  // named "_"
-  NQ_OML_BUILT_IN_SECTIONS = 2,
+#define NQ_OML_BUILT_IN_SECTION(key, name) NQ_OML_##key##_SECTION,
+#include "nq/oml/built_in_names.def"
+  NQ_OML_BUILT_IN_SECTIONS
 };
 enum NQOMLBuiltInEnumeratorEnum : int {
-  NQ_OML_TRUE = 0,   // value 1
-  NQ_OML_FALSE = 1,  // value 0
+#define NQ_OML_BUILT_IN_ENUMERATOR(key, name, value) NQ_OML_##key,
+#include "nq/oml/built_in_names.def"
 };
 enum NQOMLBuiltInObjectTypeEnum : int {
-  NQ_OML_TOPLEVEL_TYPE = 0,  // named "$toplevel$": what may stand outside any object
+#define NQ_OML_BUILT_IN_TYPE(key, name) NQ_OML_##key##_TYPE,
+#include "nq/oml/built_in_names.def"
 };
 
 class NQ_EXPORT NQOMLStatic : public NQObject {
@@ -83,33 +83,44 @@ class NQ_EXPORT NQOMLStatic : public NQObject {
   // enumerators, definitions. All tables end with their first null entry and are
   // only read here. The sizes are numbers of names to prepare for; a wrong guess
   // costs time, not correctness. The sizes for strings and object ids are those
-  // of the tables that each read makes for itself.
-  NQOMLStatic(const char* const* objectTypeNames, const char* const* sectionNames,
-              NQOMLStaticVEStruct* enumerators, const char* const* definitions,
-              nqLong stringPoolSize, nqLong enumPoolSize, nqLong objectTypePoolSize,
-              nqLong sectionPoolSize, nqLong fieldPoolSize, nqLong objectIDPoolSize);
-  NQOMLStatic(NQOMLStaticOEStruct* objectTypes, const char* const* sectionNames,
-              NQOMLStaticVEStruct* enumerators, const char* const* definitions,
-              nqLong stringPoolSize, nqLong enumPoolSize, nqLong objectTypePoolSize,
-              nqLong sectionPoolSize, nqLong fieldPoolSize, nqLong objectIDPoolSize);
+  // of the tables that each read makes for itself. Throws std::bad_alloc when memory
+  // does not suffice for the names; definitions without room are refused lines.
+  explicit NQOMLStatic(const char* const* objectTypeNames = nullptr,
+                       const char* const* sectionNames = nullptr,
+                       const NQOMLStaticVEStruct* enumerators = nullptr,
+                       const char* const* definitions = nullptr,
+                       nqLong stringPoolSize = 1000, nqLong enumPoolSize = 100,
+                       nqLong objectTypePoolSize = 100, nqLong sectionPoolSize = 100,
+                       nqLong fieldPoolSize = 100, nqLong objectIDPoolSize = 1000);
+  NQOMLStatic(const NQOMLStaticOEStruct* objectTypes, const char* const* sectionNames,
+              const NQOMLStaticVEStruct* enumerators, const char* const* definitions,
+              nqLong stringPoolSize = 1000, nqLong enumPoolSize = 100,
+              nqLong objectTypePoolSize = 100, nqLong sectionPoolSize = 100,
+              nqLong fieldPoolSize = 100, nqLong objectIDPoolSize = 1000);
   NQOMLStatic(const NQOMLStatic&) = delete;
   NQOMLStatic& operator=(const NQOMLStatic&) = delete;
   ~NQOMLStatic() override;
 
   // The pools, owned by the grammar and never null.
-  NQStringPool* pEnumPool() const { return enumPool_.get(); }
-  NQStringPool* pObjTypePool() const { return objTypePool_.get(); }
-  NQStringPool* pSectionPool() const { return sectionPool_.get(); }
-  NQStringPool* pFieldPool() const { return fieldPool_.get(); }
+  NQStringPool* pEnumPool() const { return enumerators_.pool.get(); }
+  NQStringPool* pObjTypePool() const { return objTypes_.pool.get(); }
+  NQStringPool* pSectionPool() const { return sections_.pool.get(); }
+  NQStringPool* pFieldPool() const { return fields_.pool.get(); }
+
+  // A name as it was first written (the pools hold names in upper case), for
+  // messages to show; `name` itself when the grammar does not know it. One that
+  // names several things is that of an object type, section, field or enumerator,
+  // whichever comes first.
+  std::string_view spelling(std::string_view name) const;
 
   // The sizes given, and the hash table sizes made from them.
   nqLong stringPoolSize() const { return stringSize_.pool; }
   nqLong stringHashSize() const { return stringSize_.hash; }
-  nqLong valueIDHashSize() const { return enumSize_.hash; }
-  nqLong objTypeIDHashSize() const { return objTypeSize_.hash; }
-  nqLong sectionIDPoolSize() const { return sectionSize_.pool; }
-  nqLong sectionIDHashSize() const { return sectionSize_.hash; }
-  nqLong fieldIDHashSize() const { return fieldSize_.hash; }
+  nqLong valueIDHashSize() const { return enumerators_.size.hash; }
+  nqLong objTypeIDHashSize() const { return objTypes_.size.hash; }
+  nqLong sectionIDPoolSize() const { return sections_.size.pool; }
+  nqLong sectionIDHashSize() const { return sections_.size.hash; }
+  nqLong fieldIDHashSize() const { return fields_.size.hash; }
   nqLong objectIDPoolSize() const { return objectIDSize_.pool; }
   nqLong objectIDHashSize() const { return objectIDSize_.hash; }
   // The hash table size for `size` names: a prime some way above it.
@@ -123,12 +134,11 @@ class NQ_EXPORT NQOMLStatic : public NQObject {
   int definedSection(nqLong sectionIndex) const;
 
   // The definition lines that had no effect because they are not understood,
-  // contradict an earlier definition or go beyond a limit: how many there are, and
-  // the index (from 0) of the n-th of them (from 0) in its table; -1 for an n that
-  // is out of range. A line that repeats what holds already is not among them.
-  nqLong numberOfRefusedLines() const {
-    return static_cast<nqLong>(refusedLines_.size());
-  }
+  // contradict an earlier definition, go beyond a limit or found no memory: how many
+  // there are, and the index (from 0) of the n-th of them (from 0) in its table; -1
+  // for an n that is out of range. A line that repeats what holds already is not
+  // among them.
+  nqLong numberOfRefusedLines() const { return numberOfRefusedLines_; }
   nqLong refusedLine(nqLong n) const;
 
   // Writes a C header of the indices of all names but the key words, for
@@ -147,19 +157,21 @@ class NQ_EXPORT NQOMLStatic : public NQObject {
                                     NQOMLReadFieldFunction readField,
                                     NQOMLWriteFunction write);
   // The index of the name, which is entered when it is new; -1 for a null or
-  // empty one.
+  // empty one, and when memory is exhausted.
   nqLong installSectionID(const char* name);
   nqLong installFieldID(const char* name);
   // Enters an enumerator, or gives an existing one a new value. 0 for a null or
-  // empty name, else 1.
+  // empty name and when memory is exhausted, else 1.
   int installEnumValueID(const char* name, nqLong value);
 
-  // Whole tables; null changes nothing.
-  void installObjectTypeTable(const char* const* names);
-  void installObjectTypeTable(const NQOMLStaticOEStruct* rows);
-  void installSectionTable(const char* const* names);
-  void installFieldTable(const char* const* names);
-  void installEnumValueTable(const NQOMLStaticVEStruct* rows);
+  // Whole tables; null changes nothing, and empty names are passed over. 0 when
+  // memory did not suffice for every name, else 1.
+  int installObjectTypeTable(const char* const* names);
+  int installObjectTypeTable(const NQOMLStaticOEStruct* rows);
+  int installSectionTable(const char* const* names);
+  int installFieldTable(const char* const* names);
+  int installEnumValueTable(const NQOMLStaticVEStruct* rows);
+  // Lines that have no effect are added to the refused ones.
   void installDefinitionTable(const char* const* lines);
 
  protected:
@@ -202,25 +214,37 @@ class NQ_EXPORT NQOMLStatic : public NQObject {
     nqLong hash = 0;  // hashTableSize(pool)
   };
 
+  // The names of one kind.
+  struct NameTable {
+    std::unique_ptr<NQStringPool> pool;
+    std::vector<std::string> spellings;  // by index; one that is missing is as in pool
+    Sizes size;
+
+    void make(nqLong poolSize, bool withPointers);
+    // The index of the name, which is entered when it is new; -1 for an empty one, and
+    // when memory is exhausted.
+    nqLong enter(std::string_view name);
+  };
+
+  template <class Type>
+  void install(const Type* objectTypes, const char* const* sectionNames,
+               const NQOMLStaticVEStruct* enumerators, const char* const* definitions);
   // The definition of the type, made when it is new; null for no name.
-  NQOMLDefObjType* installObjType(const char* name);
+  NQOMLDefObjType* installObjType(std::string_view name);
   // The section of that name inside `parent`, or for null directly in the type.
   NQOMLDefSection* addSection(NQOMLDefObjType& type, NQOMLDefSection* parent,
-                              const char* name);
+                              std::string_view name);
   NQOMLDefField* addField(const char* type, nqULong sectionPath, const char* field,
                           NQFieldTypeEnum fieldType, int required);
 
-  std::unique_ptr<NQStringPool> enumPool_;     // with values
-  std::unique_ptr<NQStringPool> objTypePool_;  // with owned NQOMLDefObjType*
-  std::unique_ptr<NQStringPool> sectionPool_;
-  std::unique_ptr<NQStringPool> fieldPool_;
+  NameTable enumerators_;  // with values
+  NameTable objTypes_;     // with owned NQOMLDefObjType*
+  NameTable sections_;
+  NameTable fields_;
   Sizes stringSize_;
-  Sizes enumSize_;
-  Sizes objTypeSize_;
-  Sizes sectionSize_;
-  Sizes fieldSize_;
   Sizes objectIDSize_;
-  std::vector<nqLong> refusedLines_;
+  nqLong numberOfRefusedLines_ = 0;
+  std::vector<nqLong> refusedLines_;  // the first of them, or all
 };
 
 #endif  // NQ_OML_GRAMMAR_H

@@ -56,7 +56,8 @@ TEST(Dump, Rows) {
   };
   for (const auto& row : kRows) {
     std::ostringstream out;
-    EXPECT_EQ(dumpRecords(out, row.bytes, &grammar.file), row.damages) << out.str();
+    EXPECT_EQ(dumpRecords(out, row.bytes, grammar.grammar.get()), row.damages)
+        << out.str();
     EXPECT_EQ(out.str(), row.lines);
   }
 }

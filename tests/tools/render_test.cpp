@@ -1,7 +1,6 @@
 #include "tools/nqoml/render.h"
 
 #include "tools/nqoml/input.h"
-#include "tools/nqoml/names.h"
 #include "tools/nqoml/source.h"
 #include "tools/nqoml/text.h"
 
@@ -76,50 +75,6 @@ TEST(Source, LongLinesShowTheNeighbourhoodOfTheColumn) {
       }
     }
   }
-}
-
-TEST(Names, EditDistanceIsBounded) {
-  const struct {
-    const char* a;
-    const char* b;
-    int distance;
-  } kRows[] = {{"", "", 0},
-               {"a", "", 1},
-               {"ab", "ba", 1},
-               {"width", "widht", 1},
-               {"kitten", "sitting", 3},
-               {"ca", "abc", 3}};
-  for (const auto& row : kRows) {
-    for (int limit = 0; limit < 5; ++limit) {
-      const int expected = std::min(row.distance, limit + 1);
-      EXPECT_EQ(editDistance(row.a, row.b, limit), expected) << row.a << " " << row.b;
-      EXPECT_EQ(editDistance(row.b, row.a, limit), expected) << row.b << " " << row.a;
-    }
-  }
-}
-
-TEST(Names, TheNearestNameIsNearEnough) {
-  Names names;
-  names.add(NameKind::kObjectType, "Node");
-  names.add(NameKind::kField, "thickness");
-  names.add(NameKind::kSection, "layout");
-  names.add(NameKind::kEnumerator, "dot");
-  const struct {
-    const char* word;
-    const char* name;
-  } kRows[] = {{"thikness", "thickness"},
-               {"LAYUOT", "layout"},
-               {"nde", "Node"},
-               {"dit", "dot"},
-               {"node", ""},
-               {"x", ""},
-               {"edge", ""},
-               {"thing", ""}};
-  for (const auto& row : kRows) {
-    const auto near = names.nearest(row.word);
-    EXPECT_EQ(near ? near->name : "", row.name) << row.word;
-  }
-  EXPECT_FALSE(names.nearest(std::string(100000, 'n')));
 }
 
 Report sampleReport() {

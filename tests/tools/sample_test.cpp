@@ -1,9 +1,9 @@
 // The samples hold what their sources say, as an application sees them.
 
 #include "nq/oml/bin_value.h"
+#include "nq/oml/grammar_file.h"
 #include "nq/oml/oml_file.h"
 #include "nq/oml/syntax_tree.h"
-#include "tools/nqoml/grammar_file.h"
 #include "tools/nqoml/source.h"
 
 #include <gtest/gtest.h>
@@ -72,13 +72,12 @@ class ThingReader : public NQOMLFile {
 };
 
 void readSample(ThingReader& reader, const char* name) {
-  const auto text = nqoml::readFile(NQ_SAMPLES "graph.grammar", 1 << 20);
-  ASSERT_TRUE(text);
-  const nqoml::GrammarFile grammar = nqoml::parseGrammar("graph.grammar", *text);
-  ASSERT_NE(grammar.grammar, nullptr);
+  std::vector<NQOMLDiagnostic> diagnostics;
+  const auto grammar = nqReadGrammarFile(NQ_SAMPLES "graph.grammar", diagnostics);
+  ASSERT_NE(grammar, nullptr);
   reader.pErrorStringBuffer(4096);
   const std::string path = std::string(NQ_SAMPLES) + name;
-  EXPECT_EQ(reader.readOMLFile(path.c_str(), grammar.grammar.get(), nullptr, -1, 0, 0, 0),
+  EXPECT_EQ(reader.readOMLFile(path.c_str(), grammar.get(), nullptr, -1, 0, 0, 0),
             NQ_FILE_OK)
       << reader.pErrorStringBuffer();
   EXPECT_EQ(reader.numberOfWarnings(), 0);

@@ -70,7 +70,7 @@ class ToolTest : public testing::Test {
     Reading reading;
     reader.onTree(
         [&reading](const NQOMLSyntaxObject& root) { reading.tree = summarize(root); });
-    reader.read(grammar.file.grammar.get(), binary);
+    reader.read(grammar.grammar.get(), binary);
     for (const Diagnostic& diagnostic : reader.diagnostics()) {
       // Some texts end with a place in parentheses.
       reading.errors.push_back(std::to_string(diagnostic.code) + " " +

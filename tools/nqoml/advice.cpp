@@ -281,7 +281,7 @@ std::string Adviser::allowedValues(std::string_view line, std::size_t at) {
   const std::string name = upperCase(nameBefore(line, at));
   const std::vector<std::string>* values = nullptr;
   for (const FieldEntry& field : names_.fields) {
-    if (field.kind != FieldKind::kEnumeration || upperCase(field.name) != name) continue;
+    if (field.kind != NQ_ENUMERATION_FIELD || upperCase(field.name) != name) continue;
     if (values != nullptr && *values != field.values) return {};
     values = &field.values;
   }

@@ -17,7 +17,7 @@ namespace nqoml {
 namespace {
 
 Report checkFile(const std::string& name, std::istream& in, const CheckOptions& options,
-                 const GrammarFile& grammar, SourceCache& sources, std::ostream& err) {
+                 NQOMLStatic& grammar, SourceCache& sources, std::ostream& err) {
   const Input input = openInput(name, in);
   if (!input.trouble.empty()) {
     Report report;
@@ -55,7 +55,7 @@ int runCheck(const CheckOptions& options, std::istream& in, std::ostream& out,
     exitCode = kTrouble;
   } else {
     for (const std::string& file : options.files) {
-      reports.push_back(checkFile(file, in, options, grammar.file, sources, err));
+      reports.push_back(checkFile(file, in, options, *grammar.grammar, sources, err));
       const Report& report = reports.back();
       show(report);
       exitCode = std::max(exitCode, exitCodeOf(report));

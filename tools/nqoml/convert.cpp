@@ -21,7 +21,7 @@ constexpr std::int64_t kManyNodes = 200'000;
 
 class Converter {
  public:
-  Converter(const ConvertOptions& options, const GrammarFile& grammar, std::ostream& err)
+  Converter(const ConvertOptions& options, NQOMLStatic& grammar, std::ostream& err)
       : options_(options), grammar_(grammar), err_(err) {}
 
   int convert(std::istream& in, std::ostream& out) {
@@ -85,7 +85,7 @@ class Converter {
     reader.reportTo(&progress);
     TreeSummary readBack;
     reader.onTree([&](const NQOMLSyntaxObject& root) { readBack = summarize(root); });
-    const NQFileCodeEnum result = reader.read(grammar_.grammar.get(), toBinary());
+    const NQFileCodeEnum result = reader.read(&grammar_, toBinary());
     if (result == NQ_FILE_OK && readBack.digest == written_.digest &&
         sameReals(readBack)) {
       return true;
@@ -115,7 +115,7 @@ class Converter {
   }
 
   const ConvertOptions& options_;
-  const GrammarFile& grammar_;
+  NQOMLStatic& grammar_;
   std::ostream& err_;
   SourceCache sources_;
   TreeSummary written_;
@@ -129,7 +129,7 @@ int runConvert(const ConvertOptions& options, std::istream& in, std::ostream& ou
                std::ostream& err) {
   const LoadedGrammar grammar = loadGrammar(options.grammar);
   if (!showGrammar(err, grammar, errorsShowColors())) return kTrouble;
-  return Converter(options, grammar.file, err).convert(in, out);
+  return Converter(options, *grammar.grammar, err).convert(in, out);
 }
 
 }  // namespace nqoml

@@ -44,7 +44,7 @@ constexpr RecordKind kRecordKinds[] = {
 
 class Dumper {
  public:
-  Dumper(std::ostream& out, std::string_view bytes, const GrammarFile* grammar)
+  Dumper(std::ostream& out, std::string_view bytes, const NQOMLStatic* grammar)
       : out_(out), bytes_(bytes), grammar_(grammar) {}
 
   long dump() {
@@ -145,11 +145,11 @@ class Dumper {
 
   void name(NQStringPool* (NQOMLStatic::*names)() const, std::int32_t index) {
     if (grammar_ == nullptr) return;
-    const NQStringPool& pool = *(grammar_->grammar.get()->*names)();
+    const NQStringPool& pool = *(grammar_->*names)();
     if (index < 0 || index >= pool.decodeTableMax()) {
       out_ << " (not in the grammar)";
     } else {
-      out_ << " `" << grammar_->names.spelling(pool.decode(index)) << '\'';
+      out_ << " `" << grammar_->spelling(pool.decode(index)) << '\'';
     }
   }
 
@@ -231,7 +231,7 @@ class Dumper {
 
   std::ostream& out_;
   std::string_view bytes_;
-  const GrammarFile* grammar_;
+  const NQOMLStatic* grammar_;
   std::size_t at_ = 0;
   std::size_t depth_ = 0;
   std::size_t damagedStart_ = 0;
@@ -241,7 +241,7 @@ class Dumper {
 
 }  // namespace
 
-long dumpRecords(std::ostream& out, std::string_view bytes, const GrammarFile* grammar) {
+long dumpRecords(std::ostream& out, std::string_view bytes, const NQOMLStatic* grammar) {
   return Dumper(out, bytes, grammar).dump();
 }
 
@@ -257,8 +257,7 @@ int runDump(const DumpOptions& options, std::istream& in, std::ostream& out,
     showTrouble(err, content.shownAs, content.trouble);
     return kTrouble;
   }
-  const long damages =
-      dumpRecords(out, content.bytes, options.grammar.empty() ? nullptr : &grammar.file);
+  const long damages = dumpRecords(out, content.bytes, grammar.grammar.get());
   return damages > 0 ? kErrorsFound : kClean;
 }
 

@@ -8,9 +8,9 @@
 #include <iosfwd>
 #include <string_view>
 
-namespace nqoml {
+class NQOMLStatic;
 
-struct GrammarFile;
+namespace nqoml {
 
 // Shows the file on `out`; what kept the tool from it goes to `err`. Returns an
 // ExitCode: kErrorsFound when a part of the file is no whole record.
@@ -19,7 +19,7 @@ int runDump(const DumpOptions& options, std::istream& in, std::ostream& out,
 
 // Shows the records of `bytes`, with the names of `grammar` unless it is null.
 // Returns how many damaged places there are.
-long dumpRecords(std::ostream& out, std::string_view bytes, const GrammarFile* grammar);
+long dumpRecords(std::ostream& out, std::string_view bytes, const NQOMLStatic* grammar);
 
 }  // namespace nqoml
 

@@ -16,8 +16,7 @@ int runKeys(const KeysOptions& options, std::ostream& out, std::ostream& err) {
   Output output(options.output, out);
   std::string trouble = output.trouble();
   if (trouble.empty()) {
-    if (grammar.file.grammar->writeIndexDefinitions(output.path().c_str()) !=
-        NQ_FILE_OK) {
+    if (grammar.grammar->writeIndexDefinitions(output.path().c_str()) != NQ_FILE_OK) {
       trouble = "cannot be written";
     } else if (!output.commit()) {
       trouble = output.trouble();

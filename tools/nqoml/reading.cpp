@@ -1,6 +1,7 @@
 #include "tools/nqoml/reading.h"
 
 #include "nq/oml/diagnostics/message_codes.h"
+#include "nq/oml/grammar_file.h"
 #include "tools/nqoml/advice.h"
 #include "tools/nqoml/source.h"
 #include "tools/nqoml/text.h"
@@ -13,12 +14,24 @@ namespace nqoml {
 
 namespace {
 
-constexpr std::size_t kLargestGrammar = std::size_t{16} << 20;  // bytes
-
 // The library reports a failing read as "something wrong" that is fatal.
 bool isReadError(const Report& report) {
   const Diagnostic& last = report.diagnostics.back();
   return last.severity == Severity::kFatal && last.code == nqdetail::kSomethingWrong;
+}
+
+// What the library says of a grammar, as the tool shows it. The texts name further
+// places themselves.
+Diagnostic shownOf(const NQOMLDiagnostic& said) {
+  Diagnostic diagnostic;
+  diagnostic.severity = static_cast<Severity>(said.severity);
+  diagnostic.code = said.code == NQ_OML_NO_CODE ? -1 : said.code;
+  diagnostic.place = {said.file, said.first.line, said.first.column};
+  diagnostic.text = said.text;
+  diagnostic.message = said.message();
+  diagnostic.message.pop_back();  // the line end
+  if (!said.hint.empty()) diagnostic.notes.push_back({said.hint, {}});
+  return diagnostic;
 }
 
 }  // namespace
@@ -27,13 +40,16 @@ LoadedGrammar loadGrammar(const std::string& path) {
   LoadedGrammar loaded;
   loaded.report.file = path;
   std::istream none(nullptr);
-  const Content content = readContent(path, none, kLargestGrammar);
+  const Content content = readContent(path, none, NQ_OML_LARGEST_GRAMMAR_FILE);
   if (!content.trouble.empty()) {
     loaded.report.trouble = "the grammar file " + content.trouble;
     return loaded;
   }
-  loaded.file = parseGrammar(path, content.bytes);
-  loaded.report.diagnostics = std::move(loaded.file.problems);
+  std::vector<NQOMLDiagnostic> diagnostics;
+  loaded.grammar = nqReadGrammarText(content.bytes, path.c_str(), diagnostics);
+  for (const NQOMLDiagnostic& said : diagnostics) {
+    loaded.report.diagnostics.push_back(shownOf(said));
+  }
   return loaded;
 }
 
@@ -42,7 +58,7 @@ bool readsBinary(const Input& input, const ReadOptions& options) {
 }
 
 Report readReport(CheckingReader& reader, const Input& input, const ReadOptions& options,
-                  const GrammarFile& grammar, SourceCache& sources) {
+                  NQOMLStatic& grammar, SourceCache& sources) {
   Report report;
   report.file = input.shownAs;
   report.binary = readsBinary(input, options);
@@ -50,7 +66,7 @@ Report readReport(CheckingReader& reader, const Input& input, const ReadOptions&
   reader.maxNumberOfErrors(options.maxErrors);
   reader.maxNumberOfWarnings(options.maxWarnings);
   reader.maxNestingDepth(options.maxDepth);
-  const NQFileCodeEnum result = reader.read(grammar.grammar.get(), report.binary);
+  const NQFileCodeEnum result = reader.read(&grammar, report.binary);
   report.diagnostics = std::move(reader.diagnostics());
   if (result == NQ_FILE_OPEN_ERROR && report.diagnostics.size() == 1 &&
       !report.diagnostics[0].place.known()) {
@@ -61,7 +77,9 @@ Report readReport(CheckingReader& reader, const Input& input, const ReadOptions&
   if (result != NQ_FILE_OK && (report.errors() == 0 || isReadError(report))) {
     report.trouble = "cannot be read to its end";
   }
-  if (!report.binary) Adviser(grammar.names, sources).advise(report.diagnostics);
+  if (!report.binary && !report.diagnostics.empty()) {
+    Adviser(Names(grammar), sources).advise(report.diagnostics);
+  }
   return report;
 }
 

@@ -3,13 +3,14 @@
 #ifndef NQ_TOOLS_NQOML_READING_H
 #define NQ_TOOLS_NQOML_READING_H
 
-#include "tools/nqoml/grammar_file.h"
+#include "nq/oml/grammar.h"
 #include "tools/nqoml/input.h"
 #include "tools/nqoml/options.h"
 #include "tools/nqoml/reader.h"
 #include "tools/nqoml/render.h"
 
 #include <iosfwd>
+#include <memory>
 #include <string>
 
 namespace nqoml {
@@ -18,10 +19,10 @@ class SourceCache;
 
 // A grammar that a command works with; what is wrong with it is in the report.
 struct LoadedGrammar {
-  GrammarFile file;
+  std::unique_ptr<NQOMLStatic> grammar;  // null when it cannot be used
   Report report;
 
-  bool usable() const { return report.trouble.empty() && !file.hasErrors(); }
+  bool usable() const { return grammar != nullptr; }
 };
 
 // Only a file with a name: "-" cannot be read.
@@ -29,7 +30,7 @@ LoadedGrammar loadGrammar(const std::string& path);
 
 // Reads `input`, which has no trouble, with a reader made for it.
 Report readReport(CheckingReader& reader, const Input& input, const ReadOptions& options,
-                  const GrammarFile& grammar, SourceCache& sources);
+                  NQOMLStatic& grammar, SourceCache& sources);
 
 // Whether a file is taken as binary.
 bool readsBinary(const Input& input, const ReadOptions& options);

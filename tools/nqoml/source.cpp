@@ -1,5 +1,6 @@
 #include "tools/nqoml/source.h"
 
+#include "nq/oml/encoding/lines.h"
 #include "tools/nqoml/text.h"
 
 #include <algorithm>
@@ -18,20 +19,6 @@ constexpr long kStride = 256;
 constexpr int kShown = 100;            // columns shown
 constexpr int kBefore = 60;            // of them before the mark
 constexpr std::size_t kWindow = 1024;  // bytes looked at on either side of the mark
-
-// The position behind the line that begins at `start`, its end included, and
-// the length of the line without it.
-std::size_t nextLine(std::string_view text, std::size_t start, std::size_t& length) {
-  std::size_t end = std::min(text.find_first_of("\n\r", start), text.size());
-  length = end - start;
-  if (end == text.size()) return end;
-  const char first = text[end++];
-  if (end < text.size() && text[end] != first &&
-      (text[end] == '\n' || text[end] == '\r')) {
-    ++end;
-  }
-  return end;
-}
 
 // A character as it is shown.
 struct Shown {
@@ -73,22 +60,11 @@ std::optional<std::string> readFile(const std::string& path, std::size_t limit) 
   return text;
 }
 
-void forEachLine(std::string_view text,
-                 const std::function<void(long, std::string_view)>& use) {
-  long number = 0;
-  std::size_t length = 0;
-  for (std::size_t start = 0; start < text.size();) {
-    const std::size_t next = nextLine(text, start, length);
-    use(++number, text.substr(start, length));
-    start = next;
-  }
-}
-
 SourceText::SourceText(std::string text) : text_(std::move(text)) {
   std::size_t length = 0;
   long number = 0;
   for (std::size_t start = 0; start < text_.size();
-       start = nextLine(text_, start, length)) {
+       start = nqdetail::nextLine(text_, start, length)) {
     if (number++ % kStride == 0) starts_.push_back(start);
   }
 }
@@ -100,8 +76,9 @@ std::string_view SourceText::line(long number) const {
   const std::string_view text = text_;
   std::size_t start = starts_[stride];
   std::size_t length = 0;
-  for (long i = (number - 1) % kStride; i > 0; --i) start = nextLine(text, start, length);
-  nextLine(text, start, length);
+  for (long i = (number - 1) % kStride; i > 0; --i)
+    start = nqdetail::nextLine(text, start, length);
+  nqdetail::nextLine(text, start, length);
   lastNumber_ = number;
   return lastLine_ = text.substr(start, length);
 }

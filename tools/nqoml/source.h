@@ -6,7 +6,6 @@
 #define NQ_TOOLS_NQOML_SOURCE_H
 
 #include <cstddef>
-#include <functional>
 #include <iosfwd>
 #include <map>
 #include <memory>
@@ -24,11 +23,6 @@ std::string readStream(std::istream& in, std::size_t limit);
 // A file's bytes, or nothing when they cannot be read or are more than
 // `limit` bytes.
 std::optional<std::string> readFile(const std::string& path, std::size_t limit);
-
-// Calls `use` with each line of `text`, its number from 1 on and without its
-// line end.
-void forEachLine(std::string_view text,
-                 const std::function<void(long, std::string_view)>& use);
 
 class SourceText {
  public:

@@ -65,7 +65,7 @@ bool findWay(const NQOMLDefObjType* type, const Section& wanted,
 
 }  // namespace
 
-TreeWriter::TreeWriter(const NQOMLSyntaxObject& root, const GrammarFile& grammar,
+TreeWriter::TreeWriter(const NQOMLSyntaxObject& root, NQOMLStatic& grammar,
                        Progress& progress, std::int64_t nodes)
     : root_(root), grammar_(grammar), progress_(progress), nodes_(nodes) {}
 
@@ -73,7 +73,7 @@ NQFileCodeEnum TreeWriter::write(const std::string& path, bool binary, bool loss
   binary_ = binary;
   losslessWriting(lossless ? 1 : 0);
   const NQFileCodeEnum result =
-      writeOMLFile(path.c_str(), grammar_.grammar.get(), nullptr, binary ? 1 : 0, 0, 0);
+      writeOMLFile(path.c_str(), &grammar_, nullptr, binary ? 1 : 0, 0, 0);
   return trouble_.empty() ? result : NQ_FILE_WRITE_ERROR;
 }
 
@@ -197,8 +197,7 @@ void TreeWriter::enter(Block& block, const NQOMLSyntaxObject& object, Section wa
     trouble_ = "has a section that the grammar does not have";
   }
   for (std::size_t i = before; i < open.size(); ++i) {
-    writeSectionStart(spelling(grammar_.grammar->pSectionPool()->decode(open[i].name)),
-                      0);
+    writeSectionStart(spelling(grammar_.pSectionPool()->decode(open[i].name)), 0);
     writeOpeningBracket();
   }
   if (unchecked) {
@@ -211,7 +210,7 @@ void TreeWriter::enter(Block& block, const NQOMLSyntaxObject& object, Section wa
 
 bool TreeWriter::isSkipped(nqLong section) const {
   return section == NQ_OML_SKIP_SECTION ||
-         section >= grammar_.grammar->pSectionPool()->decodeTableMax();
+         section >= grammar_.pSectionPool()->decodeTableMax();
 }
 
 const char* TreeWriter::afterSkip(nqLong section, const char* name) {
@@ -228,7 +227,7 @@ const char* TreeWriter::afterSkip(nqLong section, const char* name) {
 void TreeWriter::writeField(const NQOMLSyntaxField& field, const std::string& scope) {
   advance();
   const NQOMLToken token = field.token();
-  if (binary_ && field.nameIndex() >= grammar_.grammar->pFieldPool()->decodeTableMax()) {
+  if (binary_ && field.nameIndex() >= grammar_.pFieldPool()->decodeTableMax()) {
     trouble_ = "has a field that the grammar does not know, `" +
                std::string(field.nameString()) +
                "', which the binary encoding cannot name";
@@ -244,8 +243,7 @@ void TreeWriter::writeField(const NQOMLSyntaxField& field, const std::string& sc
       writeAttribute(name, token.real());
       break;
     case NQ_OML_ENUMERATOR:
-      writeAttribute(name,
-                     spelling(grammar_.grammar->pEnumPool()->decode(token.integer())));
+      writeAttribute(name, spelling(grammar_.pEnumPool()->decode(token.integer())));
       break;
     case NQ_OML_IP_ADDRESS:
       writeIPBytesAttribute(name, token.address());
@@ -277,7 +275,7 @@ const char* TreeWriter::typeName(const NQOMLSyntaxObject& object) {
 const char* TreeWriter::spelling(const char* name) {
   auto known = spellings_.find(std::string_view(name));
   if (known == spellings_.end()) {
-    known = spellings_.emplace(name, grammar_.names.spelling(name)).first;
+    known = spellings_.emplace(name, grammar_.spelling(name)).first;
   }
   return known->second.c_str();
 }

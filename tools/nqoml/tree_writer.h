@@ -9,7 +9,6 @@
 #define NQ_TOOLS_NQOML_TREE_WRITER_H
 
 #include "nq/oml/oml_file.h"
-#include "tools/nqoml/grammar_file.h"
 
 #include <cstdint>
 #include <map>
@@ -30,8 +29,8 @@ struct Section {
 class TreeWriter : public NQOMLFile {
  public:
   // All are borrowed; `nodes` is their number, for the progress.
-  TreeWriter(const NQOMLSyntaxObject& root, const GrammarFile& grammar,
-             Progress& progress, std::int64_t nodes);
+  TreeWriter(const NQOMLSyntaxObject& root, NQOMLStatic& grammar, Progress& progress,
+             std::int64_t nodes);
 
   // Writes the file. NQ_FILE_OK when it is complete; trouble() may tell why not.
   NQFileCodeEnum write(const std::string& path, bool binary, bool lossless);
@@ -68,7 +67,7 @@ class TreeWriter : public NQOMLFile {
   void advance();
 
   const NQOMLSyntaxObject& root_;
-  const GrammarFile& grammar_;
+  NQOMLStatic& grammar_;
   Progress& progress_;
   std::int64_t nodes_;
   std::int64_t written_ = 0;

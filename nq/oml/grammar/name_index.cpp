@@ -2,17 +2,9 @@
 
 #include "nq/core/string_pool.h"
 #include "nq/oml/grammar.h"
+#include "nq/oml/grammar/names.h"
 
 namespace nqdetail {
-
-namespace {
-
-bool isNamed(const std::string& stored, std::string_view name) {
-  return stored.size() == name.size() &&
-         equalsText<true>(name.data(), stored.data(), name.size());
-}
-
-}  // namespace
 
 NameIndex::NameIndex(const NQOMLStatic& grammar) : index_(this) {
   const auto addPool = [this](const NQStringPool& pool, Rank rank,

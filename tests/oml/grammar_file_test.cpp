@@ -1,13 +1,29 @@
-#include "tools/nqoml/grammar_file.h"
-
-#include "tools/nqoml/source.h"
+#include "nq/oml/grammar_file.h"
 
 #include <gtest/gtest.h>
+
+#include <climits>
 #include <random>
 #include <string>
 
-namespace nqoml {
+#include "nq/oml/grammar/names.h"
+#include "tests/support/fake_system.h"
+#include "tests/support/grammar_dump.h"
+
 namespace {
+
+struct GrammarFile {
+  std::vector<NQOMLDiagnostic> problems;
+  std::unique_ptr<NQOMLStatic> grammar;
+
+  bool hasErrors() const { return grammar == nullptr; }
+};
+
+GrammarFile parseGrammar(const char* name, std::string_view text) {
+  GrammarFile file;
+  file.grammar = nqReadGrammarText(text, name, file.problems);
+  return file;
+}
 
 // A small grammar with everything; rows put their lines in place of "@".
 std::string grammarAround(const std::string& lines) {
@@ -21,10 +37,10 @@ constexpr long kFirst = 22;  // the line where "@" begins
 // The problems as "line:column text", one a line, with a hint behind "->".
 std::string problemsOf(const GrammarFile& file) {
   std::string text;
-  for (const Diagnostic& problem : file.problems) {
-    text += std::to_string(problem.place.line) + ":" +
-            std::to_string(problem.place.column) + " " + problem.text;
-    for (const Note& note : problem.notes) text += " -> " + note.text;
+  for (const NQOMLDiagnostic& problem : file.problems) {
+    text += std::to_string(problem.first.line) + ":" +
+            std::to_string(problem.first.column) + " " + problem.text;
+    if (!problem.hint.empty()) text += " -> " + problem.hint;
     text += '\n';
   }
   return text;
@@ -45,9 +61,9 @@ TEST(GrammarFile, EntriesWithoutFaultMakeAGrammar) {
   const GrammarFile file = parseGrammar("g", grammarAround("E hue [red..blue] R\n"));
   EXPECT_EQ(file.grammar->enumValue(4), 3);  // blue, behind true, false, red and green
   EXPECT_NE(file.grammar->definedSection(3), 0);
-  ASSERT_EQ(file.names.fields.size(), 1U);
-  EXPECT_EQ(file.names.fields[0].values,
-            (std::vector<std::string>{"RED", "GREEN", "BLUE"}));
+  EXPECT_EQ(dumpGrammar(*file.grammar), "$TOPLEVEL${+NODE} NODE{HUE:E[RED,GREEN,BLUE]!}");
+  EXPECT_EQ(file.grammar->spelling("HUE"), "hue");
+  EXPECT_EQ(file.grammar->spelling("Hues"), "Hues");
 }
 
 TEST(GrammarFile, EveryFaultIsReportedAtItsPlace) {
@@ -164,7 +180,9 @@ TEST(GrammarFile, LimitsOfTheLibraryAreErrors) {
 }
 
 TEST(GrammarFile, AnyBytesAreAnswered) {
-  const std::string whole = *readFile(NQ_SAMPLES "graph.grammar", 1 << 20);
+  const std::string whole = grammarAround(
+      "F a I  # a comment\nE hue {red .. blue, true} R\nR b node R\nS layout\n[\nF x R\n"
+      "S line\n{\nT node\n}\n]\n");
   ASSERT_NE(parseGrammar("g", whole).grammar, nullptr);
   std::mt19937 random(1);
   int refused = 0;
@@ -183,7 +201,93 @@ TEST(GrammarFile, AnyBytesAreAnswered) {
   std::string deep = "sections\n[\ns\n]\nO a\n";
   for (int i = 0; i < 100000; ++i) deep += "S s\n[\n";
   EXPECT_TRUE(parseGrammar("g", deep).hasErrors());
+  EXPECT_TRUE(parseGrammar("g", {}).hasErrors());
+  EXPECT_TRUE(parseGrammar(nullptr, std::string_view("O\0]", 3)).hasErrors());
+  EXPECT_EQ(
+      problemsOf(parseGrammar("g", std::string(NQ_OML_LARGEST_GRAMMAR_FILE + 1, ' '))),
+      "-1:-1 a grammar file has at most 16 megabytes\n");
+}
+
+TEST(GrammarFile, ADiagnosticTellsTheBytesAndWhatExplainsThem) {
+  // A byte order mark, and each kind of line end.
+  const GrammarFile file = parseGrammar(
+      "g", "\xef\xbb\xbfO $toplevel$\r\n{\r  T a\n\r]\nO a\n  F b I\n  F b S\n");
+  ASSERT_EQ(file.problems.size(), 2U);
+  const NQOMLDiagnostic& bracket = file.problems[0];
+  EXPECT_EQ(bracket.message(), "Error (g:4:1) `]' closes the `{' of line 2 !\n");
+  EXPECT_EQ(bracket.arguments, (std::vector<std::string>{"]", "{", "2"}));
+  ASSERT_EQ(bracket.notes.size(), 1U);
+  EXPECT_EQ(bracket.notes[0].place, (NQOMLDiagnosticPlace{2, 1, 17}));
+  const NQOMLDiagnostic& field = file.problems[1];
+  EXPECT_EQ(field.first, (NQOMLDiagnosticPlace{7, 5, 44}));
+  EXPECT_EQ(field.last, field.first);
+  EXPECT_EQ(field.notes.at(0).place, (NQOMLDiagnosticPlace{6, 3, 34}));
+}
+
+TEST(GrammarFile, IsReadFromAFile) {
+  FakeSystem system;
+  std::vector<NQOMLDiagnostic> diagnostics;
+  const auto said = [&](const char* name) {
+    EXPECT_EQ(nqReadGrammarFile(name, diagnostics), nullptr);
+    return diagnostics.empty() ? "" : diagnostics.back().message();
+  };
+  EXPECT_EQ(said("missing"), "Fatal error #013 cannot open `missing' !\n");
+  EXPECT_EQ(said(nullptr), "Fatal error #013 cannot open `' !\n");
+
+  system.files["g"] = grammarAround(std::string(20000, '\n') + "F a I\n");
+  const auto grammar = nqReadGrammarFile("g", diagnostics);
+  ASSERT_NE(grammar, nullptr);
+  EXPECT_EQ(dumpGrammar(*grammar), "$TOPLEVEL${+NODE} NODE{A:I}");
+  EXPECT_TRUE(diagnostics.empty());
+
+  system.readsUntilFailure = 1;
+  EXPECT_EQ(said("g"), "Fatal error #003 something wrong !\n");
+}
+
+TEST(Names, EditDistanceIsBounded) {
+  const struct {
+    const char* a;
+    const char* b;
+    int distance;
+  } kRows[] = {{"", "", 0},
+               {"a", "", 1},
+               {"ab", "ba", 1},
+               {"width", "widht", 1},
+               {"kitten", "sitting", 3},
+               {"ca", "abc", 3}};
+  for (const auto& row : kRows) {
+    for (int limit = 0; limit < 5; ++limit) {
+      const int expected = std::min(row.distance, limit + 1);
+      EXPECT_EQ(nqdetail::editDistance(row.a, row.b, limit), expected)
+          << row.a << " " << row.b;
+      EXPECT_EQ(nqdetail::editDistance(row.b, row.a, limit), expected)
+          << row.b << " " << row.a;
+    }
+  }
+}
+
+TEST(Names, TheNearestNameIsNearEnough) {
+  NQOMLStatic grammar;
+  grammar.installObjTypeID("Node", nullptr, nullptr, nullptr, nullptr);
+  grammar.installFieldID("thickness");
+  grammar.installSectionID("layout");
+  grammar.installEnumValueID("dot", 1);
+  const struct {
+    const char* word;
+    const char* name;
+  } kRows[] = {{"thikness", "thickness"},
+               {"LAYUOT", "layout"},
+               {"nde", "Node"},
+               {"dit", "dot"},
+               {"node", ""},
+               {"x", ""},
+               {"edge", ""},
+               {"thing", ""}};
+  for (const auto& row : kRows) {
+    const auto near = nqdetail::nearestName(grammar, row.word);
+    EXPECT_EQ(near ? near->name : "", row.name) << row.word;
+  }
+  EXPECT_FALSE(nqdetail::nearestName(grammar, std::string(100000, 'n')));
 }
 
 }  // namespace
-}  // namespace nqoml
