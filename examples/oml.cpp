@@ -13,7 +13,7 @@ namespace {
 
 const char* const kTypes[] = {"graph", "node", "edge", nullptr};
 const char* const kSections[] = {"layout", nullptr};
-NQOMLStaticVEStruct kEnumerators[] = {{"box", 0}, {"ellipse", 1}, {nullptr, 0}};
+const NQOMLStaticVEStruct kEnumerators[] = {{"box", 0}, {"ellipse", 1}, {nullptr, 0}};
 
 // What may stand where; each text is one entry.
 // clang-format off
@@ -119,8 +119,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   // The numbers are those of names to prepare for; a wrong guess costs little.
-  NQOMLStatic grammar(kTypes, kSections, kEnumerators, kDefinitions, 100, 10, 10, 10, 10,
-                      100);
+  NQOMLStatic grammar(kTypes, kSections, kEnumerators, kDefinitions);
   GraphReader reader;
   reader.pErrorStringBuffer(2000);  // where messages are gathered
   if (reader.readOMLFile(argv[1], &grammar, /*top=*/nullptr, /*topTypeIndex=*/0,

@@ -8,7 +8,7 @@
 namespace {
 
 const char* const kTypes[] = {"network", "station", "line", nullptr};
-NQOMLStaticVEStruct kEnumerators[] = {{"tram", 0}, {"ferry", 1}, {nullptr, 0}};
+const NQOMLStaticVEStruct kEnumerators[] = {{"tram", 0}, {"ferry", 1}, {nullptr, 0}};
 
 // clang-format off
 const char* const kDefinitions[] = {
@@ -85,8 +85,7 @@ class TownFile : public NQOMLFile {
 }  // namespace
 
 int main() {
-  NQOMLStatic grammar(kTypes, nullptr, kEnumerators, kDefinitions, 10, 10, 10, 10, 10,
-                      10);
+  NQOMLStatic grammar(kTypes, nullptr, kEnumerators, kDefinitions);
   Town town;
   TownFile file;
   file.losslessWriting(1);  // what is written reads back equal

@@ -2,11 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <climits>
+#include <new>
 #include <random>
 #include <string>
 
 #include "nq/oml/grammar/names.h"
+#include "tests/support/failing_memory.h"
 #include "tests/support/fake_system.h"
 #include "tests/support/grammar_dump.h"
 
@@ -242,6 +243,57 @@ TEST(GrammarFile, IsReadFromAFile) {
 
   system.readsUntilFailure = 1;
   EXPECT_EQ(said("g"), "Fatal error #003 something wrong !\n");
+}
+
+TEST(GrammarFile, NothingIsLostInSilenceWhenMemoryIsExhausted) {
+  const std::string text = grammarAround(
+      "F a I R\nE hue [red..blue true]\nR b node\nS layout\n[\nF x R\nS line\n[\n]\n]\n"
+      "F behind S\n");
+  const std::string whole = dumpGrammar(*parseGrammar("g", text).grammar);
+  GrammarFile file;
+  for (long count = 0; file.grammar == nullptr; ++count) {
+    allocationsLeft = count;
+    file.grammar = nqReadGrammarText(text, "g", file.problems);
+    allocationsLeft = -1;
+    if (!file.problems.empty()) {
+      EXPECT_EQ(problemsOf(file), "-1:-1 memory exhausted\n");
+    }
+  }
+  EXPECT_EQ(dumpGrammar(*file.grammar), whole);
+
+  const char* const types[] = {"node", nullptr};
+  const char* const sections[] = {"layout", "line", nullptr};
+  const NQOMLStaticVEStruct enumerators[] = {
+      {"red", 1}, {"green", 2}, {"blue", 3}, {nullptr, 0}};
+  const char* const lines[] = {"O $toplevel$",
+                               "T node",
+                               "O node",
+                               "F a I R",
+                               "E hue [red..blue true]",
+                               "R b node",
+                               "S layout",
+                               "F x R",
+                               "S line",
+                               "]",
+                               "]",
+                               "F behind S",
+                               nullptr};
+  bool isWhole = false;
+  for (long count = 0; !isWhole; ++count) {
+    allocationsLeft = count;
+    std::unique_ptr<NQOMLStatic> grammar;
+    try {
+      grammar = std::make_unique<NQOMLStatic>(types, sections, enumerators, lines);
+    } catch (const std::bad_alloc&) {
+    }
+    allocationsLeft = -1;
+    if (grammar == nullptr) continue;
+    EXPECT_EQ(findFault(*grammar), "") << count;
+    isWhole = grammar->numberOfRefusedLines() == 0;
+    if (isWhole) {
+      EXPECT_EQ(dumpGrammar(*grammar), whole) << count;
+    }
+  }
 }
 
 TEST(Names, EditDistanceIsBounded) {
