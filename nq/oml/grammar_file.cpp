@@ -388,6 +388,7 @@ std::unique_ptr<NQOMLStatic> nqReadGrammarFile(
   using namespace nqdetail;
   return whileMemoryLasts(fileName, diagnostics, [&]() -> std::unique_ptr<NQOMLStatic> {
     NQFile file;
+    file.sharedReading(1);
     if (file.open(fileName, NQ_READ_BINARY) != NQ_FILE_OK) {
       const std::string name = fileName == nullptr ? "" : fileName;
       refuseWhole(fileName, kCannotOpen, filledIn(getStringResource(kCannotOpen), {name}),
