@@ -66,6 +66,21 @@ NQShape::NQShape(NQPointDList* points) {
   pPointList(points);
 }
 
+NQShape::NQShape(NQShape&& source) noexcept {
+  *this = std::move(source);
+}
+
+NQShape& NQShape::operator=(NQShape&& source) noexcept {
+  if (this == &source) return *this;
+  points_ = std::move(source.points_);
+  type_ = std::exchange(source.type_, static_cast<unsigned char>(NQShapeRectangle));
+  left_ = std::exchange(source.left_, short{-1000});
+  right_ = std::exchange(source.right_, short{1000});
+  top_ = std::exchange(source.top_, short{1000});
+  bottom_ = std::exchange(source.bottom_, short{-1000});
+  return *this;
+}
+
 void NQShape::init() {}
 
 void NQShape::copyFields(const NQShape& source) {

@@ -49,6 +49,9 @@ class NQ_EXPORT NQShape : public NQObject {
   explicit NQShape(NQShapeTypeEnum type = NQShapeRectangle);
   // As pPointList(points).
   explicit NQShape(NQPointDList* points);
+  // O(1): the corners change hands. The source becomes a default shape.
+  NQShape(NQShape&& source) noexcept;
+  NQShape& operator=(NQShape&& source) noexcept;
 
   // The low 8 bits of what was set.
   NQShapeTypeEnum shapeType() const { return static_cast<NQShapeTypeEnum>(type_); }

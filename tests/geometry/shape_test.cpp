@@ -3,11 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <concepts>
 #include <initializer_list>
 #include <limits>
 #include <memory>
 #include <numbers>
 #include <random>
+#include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "nq/geometry/point_list.h"
@@ -166,6 +169,27 @@ TEST(NQShape, CopiesAndCompares) {
   EXPECT_EQ(polygon.compare(&other), 0);
   EXPECT_EQ(polygon.compare(nullptr), 0);
   EXPECT_EQ(NQShape().compare(&ellipse), 0);
+}
+
+TEST(NQShape, MovesItsCorners) {
+  static_assert(std::is_nothrow_move_constructible_v<NQShape> &&
+                std::is_nothrow_move_assignable_v<NQShape> && std::copyable<NQShape>);
+  NQShape source(list(kArrow)), target(list(kDiamond));
+  const NQPointDList* const corners = source.pPointList();
+  source.setInnerRect(NQRect(-700, -300, 200, 300));
+  const NQShape witness(source), plain;
+  target = std::move(source);
+  EXPECT_EQ(target.pPointList(), corners);
+  EXPECT_EQ(target.compare(&witness), 1);
+  EXPECT_EQ(source.compare(&plain), 1);  // NOLINT(bugprone-use-after-move)
+  source = std::move(target);
+  NQShape& itself = source;
+  source = std::move(itself);
+  std::vector<NQShape> shapes;
+  shapes.push_back(std::move(source));
+  shapes.resize(100);
+  EXPECT_EQ(shapes[0].pPointList(), corners);
+  EXPECT_EQ(shapes[0].compare(&witness), 1);
 }
 
 TEST(NQShape, Rotates) {
