@@ -30,15 +30,22 @@ std::vector<NQColor> colors(std::size_t count, std::size_t distinct) {
 
 class Database {
  public:
-  const void* insert(const NQColor& color) {
-    return colors_.insert(new NQColorResource(&colors_, &color));
-  }
+  const void* insert(const NQColor& color) { return colors_.insert(color); }
   void remove(const void* held) {
     delete colors_.remove(static_cast<const NQResource*>(held));
   }
 
- private:
+ protected:
   NQColorResourceDB colors_;
+};
+
+// With a resource made for each insertion, as kinds of resources have it that offer
+// nothing else.
+class DatabaseOfResources : public Database {
+ public:
+  const void* insert(const NQColor& color) {
+    return colors_.insert(new NQColorResource(&colors_, &color));
+  }
 };
 
 // The map, used as a program would that shares counted values.
@@ -99,13 +106,13 @@ void insertThenRemove(benchmark::State& state) {
 }
 
 template <class Table>
-void registerFor(const std::string& name) {
+void registerFor(const std::string& how, const std::string& name) {
   for (const auto& [count, distinct] :
        {std::pair(1000, 100), {100000, 1000}, {1000000, 1000}, {1000000, 1000000}}) {
-    benchmark::RegisterBenchmark(("insert/" + name).c_str(), insert<Table>)
+    benchmark::RegisterBenchmark(("insert" + how + "/" + name).c_str(), insert<Table>)
         ->Args({count, distinct})
         ->Unit(benchmark::kMicrosecond);
-    benchmark::RegisterBenchmark(("insert_remove/" + name).c_str(),
+    benchmark::RegisterBenchmark(("insert_remove" + how + "/" + name).c_str(),
                                  insertThenRemove<Table>)
         ->Args({count, distinct})
         ->Unit(benchmark::kMicrosecond);
@@ -113,8 +120,10 @@ void registerFor(const std::string& name) {
 }
 
 const bool kRegistered = [] {
-  registerFor<Database>("nq");
-  registerFor<Peer>("std");
+  registerFor<Database>("", "nq");
+  registerFor<Peer>("", "std");
+  registerFor<DatabaseOfResources>("_resource", "nq");
+  registerFor<Peer>("_resource", "std");
   return true;
 }();
 

@@ -10,8 +10,8 @@ int main() {
   // Inserting gives the stored resource that is equal, and counts its holders.
   NQColor color;
   color.rgb(1.0, 0.5, 0.0);
-  const NQResource* const fill = colors.insert(new NQColorResource(&colors, &color));
-  const NQResource* const line = colors.insert(new NQColorResource(&colors, &color));
+  const NQResource* const fill = colors.insert(color);
+  const NQResource* const line = colors.insert(color);
   std::printf("%s, %d holders\n", fill == line ? "one resource" : "two resources",
               int(fill->refCount()));
 

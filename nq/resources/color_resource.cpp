@@ -36,6 +36,10 @@ NQColorResourceDB* NQColorResourceDB::castDown(const NQObject* object) {
   return NQCopyAccess::castDown<NQColorResourceDB>(object);
 }
 
+const NQColorResource* NQColorResourceDB::insert(const NQColor& color) {
+  return NQColorResource::castDown(insertCopy(NQColorResource(this, &color)));
+}
+
 NQResource* NQColorResourceDB::vNewResource() {
   return new (std::nothrow) NQColorResource(this);
 }

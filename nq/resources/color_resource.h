@@ -45,6 +45,11 @@ class NQ_EXPORT NQColorResourceDB : public NQResourceDB {
 
   static NQColorResourceDB* castDown(const NQObject* object);
 
+  using NQResourceDB::insert;
+  // Interns a colour without making a resource for it first, which is quicker. Null
+  // when memory is exhausted.
+  const NQColorResource* insert(const NQColor& color);
+
  protected:
   NQResource* vNewResource() override;
 };

@@ -149,7 +149,23 @@ const NQResource* NQResourceDB::insert(const NQResource* resource) {
   } else if (stored != given && given->refCount_ == 0) {
     delete given;
   }
-  if (stored->refCount_ < std::numeric_limits<nqLong>::max()) ++stored->refCount_;
+  countHolder(*stored);
+  return stored;
+}
+
+void NQResourceDB::countHolder(NQResource& stored) {
+  if (stored.refCount_ < std::numeric_limits<nqLong>::max()) ++stored.refCount_;
+}
+
+const NQResource* NQResourceDB::insertCopy(const NQResource& probe) {
+  const std::uint32_t hash = hashOf(probe);
+  NQResource* stored = find(probe, hash);
+  if (stored == nullptr) {
+    std::unique_ptr<NQResource> copy(probe.cloneObject());
+    if (copy == nullptr || !store(*copy, hash)) return nullptr;
+    stored = copy.release();
+  }
+  countHolder(*stored);
   return stored;
 }
 

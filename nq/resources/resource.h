@@ -174,6 +174,10 @@ class NQ_EXPORT NQResourceDB : public NQObject {
   // default value and nobody holding it. Handed over; may be null.
   virtual NQResource* vNewResource() = 0;
 
+  // For operations of derived classes that intern a value: as insert(), but a resource
+  // that is not stored yet is cloned, so that `probe` may live on the stack.
+  const NQResource* insertCopy(const NQResource& probe);
+
  private:
   friend class NQResource;
   friend class NQTestPeer;
@@ -187,6 +191,7 @@ class NQ_EXPORT NQResourceDB : public NQObject {
   NQResource* find(const NQResource& probe, std::uint32_t hash) const;
   std::uint32_t hashOf(const NQResource& resource) const;
   bool store(NQResource& resource, std::uint32_t hash);
+  static void countHolder(NQResource& stored);
   void unlink(NQResource& resource);
   static void makePermanent(NQResource& resource);
   void makeTransient(NQResource& resource);

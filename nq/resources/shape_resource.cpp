@@ -72,6 +72,10 @@ NQShapeResourceDB* NQShapeResourceDB::castDown(const NQObject* object) {
   return NQCopyAccess::castDown<NQShapeResourceDB>(object);
 }
 
+const NQShapeResource* NQShapeResourceDB::insert(const NQShape& shape) {
+  return NQShapeResource::castDown(insertCopy(NQShapeResource(this, &shape)));
+}
+
 NQResource* NQShapeResourceDB::vNewResource() {
   return new (std::nothrow) NQShapeResource(this);
 }

@@ -45,6 +45,11 @@ class NQ_EXPORT NQShapeResourceDB : public NQResourceDB {
 
   static NQShapeResourceDB* castDown(const NQObject* object);
 
+  using NQResourceDB::insert;
+  // Interns a shape without making a resource for it first. Null when memory is
+  // exhausted.
+  const NQShapeResource* insert(const NQShape& shape);
+
  protected:
   NQResource* vNewResource() override;
 };

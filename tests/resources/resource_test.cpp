@@ -446,10 +446,15 @@ TEST(NQColorResource, IsEqualInChannelsAndTransparency) {
   EXPECT_EQ(sample.sortKey(), 0x800000);
   EXPECT_EQ(sample.isEqual(nullptr), 0);
   const NQResource* const opaque = database.insert(sample.cloneObject());
-  EXPECT_EQ(database.insert(sample.cloneObject()), opaque);
+  EXPECT_EQ(database.insert(color), opaque);
+  EXPECT_EQ(opaque->refCount(), 2);
   color.transparent(1);
-  const NQResource* const clear = database.insert(new NQColorResource(&database, &color));
+  const NQColorResource* const clear = database.insert(color);
   EXPECT_NE(clear, opaque);
+  EXPECT_EQ(*clear->pColor(), color);
+  EXPECT_EQ(clear->refCount(), 1);
+  EXPECT_EQ(clear->pResourceDB(), &database);
+  EXPECT_EQ(database.insert(new NQColorResource(&database, &color)), clear);
   EXPECT_EQ(clear->sortKey(), opaque->sortKey());
   EXPECT_EQ(clear->index(), opaque->index() + 1);
 
@@ -502,7 +507,7 @@ TEST(NQShapeResource, IsEqualInItsWholeShape) {
     ++position;
     EXPECT_EQ(stored->sortKey(), row.key);
     EXPECT_EQ(stored->index(), position);
-    EXPECT_EQ(database.insert(new NQShapeResource(&database, &row.shape)), stored);
+    EXPECT_EQ(database.insert(row.shape), stored);
     EXPECT_EQ(stored->refCount(), 2);
   }
   const auto* const byDefault = NQShapeResource::castDown(database.pDefaultResource());
