@@ -54,9 +54,9 @@ struct WriteState final : OutputSink {
   }
   // Sets error(), and spoils the write if there is one.
   void fail();
-  // The result of a close, which also tells whether an application's own write went
-  // well, and ends it.
-  NQFileCodeEnum endOwnWrite(NQFileCodeEnum closed);
+  // Ends a write of an application's own, before the file is closed; false when
+  // something in it failed.
+  bool endOwnWrite();
 
   FileState& state;
   bool lossless = false;           // as writes are to be

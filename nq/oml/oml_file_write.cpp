@@ -47,13 +47,12 @@ void WriteState::fail() {
   state.file.error(1);
 }
 
-NQFileCodeEnum WriteState::endOwnWrite(NQFileCodeEnum closed) {
-  if (inHook) return closed;
+bool WriteState::endOwnWrite() {
+  if (inHook) return true;
+  if (writer != nullptr) writer->output().flush();
   const bool failed = writer != nullptr && writer->failed();
   writer.reset();
-  if (!std::exchange(refused, false) && !failed) return closed;
-  state.file.error(1);
-  return NQ_FILE_CLOSE_ERROR;
+  return !std::exchange(refused, false) && !failed;
 }
 
 }  // namespace nqdetail
@@ -95,11 +94,18 @@ NQFileCodeEnum NQOMLFile::flush() {
 }
 
 NQFileCodeEnum NQOMLFile::close() {
-  return state_->write.endOwnWrite(NQTextFile::close());
+  const bool whole = state_->write.endOwnWrite();
+  if (!whole) abandon();
+  const NQFileCodeEnum result = NQTextFile::close();
+  if (!whole) error(1);
+  return whole ? result : NQ_FILE_CLOSE_ERROR;
 }
 
 NQFileCodeEnum NQOMLFile::detach(int mark) {
-  return state_->write.endOwnWrite(NQTextFile::detach(mark));
+  const bool whole = state_->write.endOwnWrite();
+  const NQFileCodeEnum result = NQTextFile::detach(mark);
+  if (!whole) error(1);
+  return whole ? result : NQ_FILE_CLOSE_ERROR;
 }
 
 NQFileCodeEnum NQOMLFile::writeOMLFile(const char* fileName, NQOMLStatic* grammar,

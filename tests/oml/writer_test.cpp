@@ -671,6 +671,24 @@ TEST_F(Writing, WritesToAFileThatTheApplicationOpens) {
     }
   }
 
+  // Under safeWriting() the close of a write that failed leaves the old file.
+  file.safeWriting(1);
+  for (const bool fails : {true, false}) {
+    system.files["g"] = "old";
+    ASSERT_EQ(file.open("g", NQ_WRITE), NQ_FILE_OK);
+    file.writeAttribute("x", fails ? nqInt64{1} << 40 : 1);
+    EXPECT_EQ(file.close(), fails ? NQ_FILE_CLOSE_ERROR : NQ_FILE_OK);
+    EXPECT_EQ(system.files["g"], fails ? "old" : "x: 1\r\n");
+  }
+  file.safeWriting(0);
+  system.files["g"].clear();
+  for (const bool fails : {false, true}) {
+    ASSERT_EQ(file.attach(system.handleOn("g"), NQ_WRITE), NQ_FILE_OK);
+    file.writeAttribute("x", fails ? nqInt64{1} << 40 : 1);
+    EXPECT_EQ(file.detach(0), fails ? NQ_FILE_CLOSE_ERROR : NQ_FILE_OK);
+    EXPECT_EQ(system.files["g"], fails ? "x: 1\r\nx: 0\r\n" : "x: 1\r\n");
+  }
+
   // A read or write meanwhile leaves it alone; destruction sends what is gathered.
   {
     TestWriter dying;
