@@ -1,6 +1,7 @@
 // Writes a text file and reads it again, asking every time how it went.
 
 #include <cstdio>
+#include <string>
 
 #include "nq/nq.h"
 
@@ -47,5 +48,15 @@ int main() {
   // No more lines is a result like any other; an error would set error().
   const bool more = in.readLine(title) == NQ_FILE_OK;
   std::printf("%s, %s\n", more ? "more" : "no more", in.error() ? "error" : "no error");
+
+  // The same from memory to a string.
+  NQMemorySource memory("forty\n2\n");
+  if (in.attachSource(memory, NQ_READ) != NQ_FILE_OK) return failed("read from memory");
+  std::string text;
+  NQStringSink sink(text);
+  if (out.attachSink(sink, NQ_WRITE) != NQ_FILE_OK) return failed("write to a string");
+  while (in.readLine(title) == NQ_FILE_OK) out.writeLine(title.pString());
+  if (out.detach(0) != NQ_FILE_OK) return failed("write to a string");
+  std::printf("%zu bytes\n", text.size());
   return std::remove(name);
 }

@@ -27,6 +27,7 @@
 #include "nq/core/unique_id.h"
 #include "nq/core/value.h"
 #include "nq/core/value_format.h"
+#include "nq/file/byte_stream.h"
 #include "nq/file/file.h"
 #include "nq/file/file_codes.h"
 #include "nq/file/system_calls.h"

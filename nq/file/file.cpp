@@ -74,7 +74,7 @@ void NQFile::NQFiledeepCopy(const NQFile& source) {
   makeIdle();
   sharedReading_ = source.sharedReading_;
   safeWriting_ = source.safeWriting_;
-  if (source.isOpen() || source.fileHandle_ != noHandle()) return;
+  if (source.isOpen() || source.hasHandle() || source.fileHandle_ != noHandle()) return;
   mode_ = source.mode_;
   bits_ = source.bits_;
   fileHandle_ = source.fileHandle_;
@@ -102,6 +102,9 @@ void NQFile::init() {
   bits_ = 0;
   fileHandle_ = noHandle();
   pArchive_ = nullptr;
+  source_ = nullptr;
+  sink_ = nullptr;
+  lostOutput_ = false;
   pFileBuffer_.reset();
   discardBufferedBytes();
   byteOrder_ = NQ_DEFAULT_BYTE_ORDER;
@@ -113,8 +116,9 @@ void NQFile::init() {
 }
 
 void* NQFile::fileHandle() const {
-  if (output_ != nullptr) output_->share(fileHandle_);
-  if (input_ != nullptr) input_->share(fileHandle_);
+  if (fileHandle_ == noHandle()) return fileHandle_;
+  if (output_ != nullptr) output_->share(channel());
+  if (input_ != nullptr) input_->share(channel());
   return fileHandle_;
 }
 
@@ -210,7 +214,7 @@ NQFileCodeEnum NQFile::close() {
   if (!isOpen()) return NQ_FILE_CLOSE_ERROR;
   const bool flushed = flush() == NQ_FILE_OK;
   const bool sent = sendOutput();  // also where an override does not flush
-  const bool whole = flushed && sent && (output_ == nullptr || !output_->lostAny());
+  const bool whole = flushed && sent && !lostOutput_;
   if (replacement_ != nullptr && !whole) replacement_->abandon();
   const bool closed =
       replacement_ == nullptr ? system().close(fileHandle_) : replacement_->commit();
@@ -233,28 +237,37 @@ NQFileCodeEnum NQFile::attach(NQArchiveClass* archive) {
 }
 
 NQFileCodeEnum NQFile::attach(void* handle, NQFileModeEnum newMode) {
-  if (const NQFileCodeEnum emptied = empty(); emptied != NQ_FILE_OK) return emptied;
-  isAttached(1);
-  fileHandle_ = handle;
-  mode_ = newMode;
-  buffered(isBuffered(newMode));
-  if (buffered()) makeBuffer();
-  return conclude(NQ_FILE_OK);
+  return attachChannel({.handle = handle}, newMode);
+}
+
+NQFileCodeEnum NQFile::attachSource(NQByteSource& source, NQFileModeEnum newMode) {
+  if (!isBuffered(newMode)) return conclude(NQ_FILE_OPEN_ERROR);
+  const NQFileCodeEnum result = attachChannel({.source = &source}, newMode);
+  if (result == NQ_FILE_OK) input_ = std::make_unique<nqdetail::ReadAhead>();
+  return result;
+}
+
+NQFileCodeEnum NQFile::attachSink(NQByteSink& sink, NQFileModeEnum newMode) {
+  if (!isEmptying(newMode) && newMode != NQ_APPEND) return conclude(NQ_FILE_OPEN_ERROR);
+  return attachChannel({.sink = &sink}, newMode);
 }
 
 NQFileCodeEnum NQFile::detach(int mark) {
   if (!isAttached()) return conclude(NQ_FILE_CLOSE_ERROR);
   if (mark != 0 && isOneOf(mode_, {NQ_WRITE, NQ_WRITE_ASCII})) writeEndOfFile();
-  flush();
+  const bool whole = flush() == NQ_FILE_OK && !lostOutput_;
   isAttached(0);
   pArchive_ = nullptr;
+  source_ = nullptr;
+  sink_ = nullptr;
   fileHandle_ = noHandle();
   discardBufferedBytes();
-  return conclude(NQ_FILE_OK);
+  input_.reset();
+  return conclude(whole ? NQ_FILE_OK : NQ_FILE_CLOSE_ERROR);
 }
 
 NQFileCodeEnum NQFile::flush() {
-  if (sendOutput()) return NQ_FILE_OK;
+  if (sendOutput() && channel().flush()) return NQ_FILE_OK;
   error(1);
   return NQ_FILE_WRITE_ERROR;
 }
@@ -317,6 +330,7 @@ NQFileCodeEnum NQFile::empty() {
     result = close();
   }
   letGoOfHandle();
+  lostOutput_ = false;
   pFileBuffer_.reset();
   discardBufferedBytes();
   pFileName_.reset();
@@ -397,14 +411,32 @@ NQFileCodeEnum NQFile::conclude(NQFileCodeEnum result) {
 // What was gathered for a handle, or fetched from it, is that handle's alone.
 void NQFile::letGoOfHandle() {
   fillBuffer();
-  if (output_ != nullptr && !output_->send(fileHandle_)) error(1);
-  if (input_ != nullptr && !input_->giveBack(fileHandle_)) error(1);
+  if (output_ != nullptr && !output_->send(channel())) error(1);
+  if (input_ != nullptr && !input_->giveBack(channel())) error(1);
   output_.reset();
   input_.reset();
 }
 
 bool NQFile::hasHandle() const {
-  return fileHandle_ != noHandle() && (isOpen() || isAttached());
+  return (fileHandle_ != noHandle() || source_ != nullptr || sink_ != nullptr) &&
+         (isOpen() || isAttached());
+}
+
+nqdetail::Channel NQFile::channel() const {
+  return {fileHandle_, source_, sink_};
+}
+
+NQFileCodeEnum NQFile::attachChannel(const nqdetail::Channel& channel,
+                                     NQFileModeEnum newMode) {
+  if (const NQFileCodeEnum emptied = empty(); emptied != NQ_FILE_OK) return emptied;
+  isAttached(1);
+  fileHandle_ = channel.handle;
+  source_ = channel.source;
+  sink_ = channel.sink;
+  mode_ = newMode;
+  buffered(isBuffered(newMode));
+  if (buffered()) makeBuffer();
+  return conclude(NQ_FILE_OK);
 }
 
 void NQFile::makeBuffer() {
@@ -452,7 +484,7 @@ bool NQFile::addToBuffer(int* added) {
   } else {
     std::size_t read;
     const bool succeeded =
-        input_->lend(fileHandle_, pTopBuffer_, static_cast<std::size_t>(unread),
+        input_->lend(channel(), pTopBuffer_, static_cast<std::size_t>(unread),
                      static_cast<std::size_t>(*added), &read);
     pLent_ = pTopBuffer_;
     *added = static_cast<int>(read);
@@ -555,7 +587,7 @@ NQFileCodeEnum NQFile::readUnbufferedLine(NQStringHandle& out) {
   if (!hasHandle() || !sendOutput()) return conclude(NQ_FILE_READ_ERROR);
   fillBuffer();
   int end = 0;
-  if (nqdetail::readTerminatedLine(fileHandle_, input_.get(), out, nullptr, &end) == 0) {
+  if (nqdetail::readTerminatedLine(channel(), input_.get(), out, nullptr, &end) == 0) {
     return conclude(NQ_FILE_READ_ERROR);
   }
   if (end != 0) {
@@ -590,8 +622,8 @@ NQFileCodeEnum NQFile::unbufferedReadBinary(char* data, int& count) {
   if (succeeded) {
     fillBuffer();  // what is lent is good until the next read
     const auto wanted = static_cast<std::size_t>(count);
-    succeeded = input_ != nullptr ? input_->read(fileHandle_, data, wanted, &read)
-                                  : system().read(fileHandle_, data, wanted, &read);
+    succeeded = input_ != nullptr ? input_->read(channel(), data, wanted, &read)
+                                  : channel().read(data, wanted, &read);
     count = static_cast<int>(read);
   }
   if (!succeeded) error(1);
@@ -622,12 +654,14 @@ NQFileCodeEnum NQFile::writeText(const char* text) {
 }
 
 bool NQFile::writeBytes(const char* data, std::size_t count) {
-  if (input_ != nullptr && !input_->giveBack(fileHandle_)) return false;
-  if (output_ != nullptr) return output_->write(fileHandle_, data, count);
   std::size_t written;
-  return nqdetail::writeAll(fileHandle_, data, count, &written);
+  const bool taken = (input_ == nullptr || input_->giveBack(channel())) &&
+                     (output_ != nullptr ? output_->write(channel(), data, count)
+                                         : channel().write(data, count, &written));
+  lostOutput_ = lostOutput_ || !taken;
+  return taken;
 }
 
 bool NQFile::sendOutput() const {
-  return output_ == nullptr || output_->send(fileHandle_);
+  return output_ == nullptr || output_->send(channel());
 }

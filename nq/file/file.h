@@ -1,11 +1,11 @@
-// file.h -- a file opened by name, or a handle that somebody else opened.
+// file.h -- a file opened by name, or bytes from and to somewhere else.
 //
 // NQFile moves lines and bytes, and adds nothing: what is written is what
 // stands in the file. The mode that a file is opened with decides what can be
 // done with it (file_codes.h). Until it is closed, a file opened by name is shut to
 // every other open through this library (on Windows, to every other program), unless all
-// of them read it with sharedReading. An attached handle belongs to somebody else and is
-// never closed here.
+// of them read it with sharedReading. What is attached, a handle, a source or a sink
+// (byte_stream.h), belongs to somebody else and is never closed here.
 //
 // Every operation answers with an NQFileCodeEnum. Two flags outlive the call:
 // error() tells whether the last operation failed, endOfFile() that a read ran
@@ -16,10 +16,9 @@
 // answers NQ_FILE_CLOSE_ERROR, and so does an open, attach or empty that closes the
 // file: the results of single writes may be passed over, that of the close may not.
 // Destruction and assignment cannot answer. Call flush before a fork: both processes
-// would send on what is gathered. Input of a file opened by name is fetched ahead. An
-// attached handle is written through at once; in a buffered mode it is read ahead by as
-// much as the buffer holds, and what is still unread there is lost to its owner at
-// detach.
+// would send on what is gathered. Input of a file opened by name is fetched ahead. What
+// is attached is written through at once; in a buffered mode it is read ahead, and what
+// is still unread then is lost to its owner at detach.
 //
 // How it works
 //   The reading modes except NQ_READ_WRITE are buffered. The unread bytes are
@@ -39,9 +38,12 @@
 #include "nq/file/file_codes.h"
 
 class NQArchiveClass;  // a stream object of the application
+class NQByteSink;
+class NQByteSource;
 class NQTestPeer;
 
 namespace nqdetail {
+struct Channel;
 class ReadAhead;
 class Replacement;
 class WriteBehind;
@@ -133,7 +135,12 @@ class NQ_EXPORT NQFile : public NQObject {
   // NQ_WRITE) and drops it.
   virtual NQFileCodeEnum attach(NQArchiveClass* archive);
   virtual NQFileCodeEnum attach(void* handle, NQFileModeEnum mode);
-  // Lets go of what is attached, unclosed; NQ_FILE_CLOSE_ERROR when nothing is.
+  // The same for reading from a source, in the buffered modes, and for writing to a
+  // sink, in the other modes but NQ_READ_WRITE. NQ_FILE_OPEN_ERROR for any other mode.
+  NQFileCodeEnum attachSource(NQByteSource& source, NQFileModeEnum mode);
+  NQFileCodeEnum attachSink(NQByteSink& sink, NQFileModeEnum mode);
+  // Lets go of what is attached, unclosed; NQ_FILE_CLOSE_ERROR when nothing is, or when
+  // any of the output was lost.
   // With `mark` not 0, writeEndOfFile() comes first in the modes 1 and 7.
   virtual NQFileCodeEnum detach(int mark);
   // Sends on what was gathered. NQ_FILE_WRITE_ERROR when the system does not take it
@@ -251,6 +258,8 @@ class NQ_EXPORT NQFile : public NQObject {
   void letGoOfHandle();
   void makeIdle();
   bool hasHandle() const;
+  nqdetail::Channel channel() const;
+  NQFileCodeEnum attachChannel(const nqdetail::Channel& channel, NQFileModeEnum newMode);
 
   void makeBuffer();
   void fillBuffer() const;
@@ -277,18 +286,21 @@ class NQ_EXPORT NQFile : public NQObject {
   NQFileModeEnum mode_;
   unsigned short bits_;
   void* fileHandle_;
-  NQArchiveClass* pArchive_;             // not owned
+  NQByteSource* source_ = nullptr;  // these three are not owned
+  NQByteSink* sink_ = nullptr;
+  NQArchiveClass* pArchive_;
   std::unique_ptr<char[]> pFileBuffer_;  // null, or kBufferSize bytes
   mutable char* pTopBuffer_;             // the next unread byte
   mutable char* pLent_;                  // what the buffer would hold; null: it does
   int numberOfBufferedBytes_;            // unread ones
   NQByteOrderEnum byteOrder_;
+  bool lostOutput_ = false;  // some of what was written since the open or attach
   int sharedReading_ = 0;
   int safeWriting_ = 0;
   std::unique_ptr<char[]> pFileName_;                   // null, or kNameSize bytes
   std::unique_ptr<char[]> pPathName_;                   // the same
   std::unique_ptr<nqdetail::WriteBehind> output_;       // while open by name to write,
-  std::unique_ptr<nqdetail::ReadAhead> input_;          // or to read
+  std::unique_ptr<nqdetail::ReadAhead> input_;          // or to read, and for a source
   std::unique_ptr<nqdetail::Replacement> replacement_;  // while open under safeWriting
 };
 

@@ -18,7 +18,7 @@ void* nqInternalOpenAppend(const char* name, NQByteOrderEnum*) {
 
 int nqInternalRead(void* handle, NQByteOrderEnum*, NQStringHandle& out,
                    unsigned int* count, int* end) {
-  return nqdetail::readTerminatedLine(handle, nullptr, out, count, end);
+  return nqdetail::readTerminatedLine({handle}, nullptr, out, count, end);
 }
 
 int nqInternalWrite(void* handle, NQByteOrderEnum*, const char* text,
