@@ -73,6 +73,8 @@ struct FileState final : MessageSink, SourceOwner, ReadHooks {
 
   // Frees all that belongs to one read or write but the tree and the writer.
   void release();
+  // Reports fatal error 12, without a message where there is no memory for it either.
+  void endForLackOfMemory();
 
   const char* sourceName(nqLong fileIndex) override;
   void error(const char* name, nqLong line, int column, int code, const char* text,

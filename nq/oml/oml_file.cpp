@@ -1,6 +1,7 @@
 #include "nq/oml/oml_file.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "nq/core/message_table.h"
@@ -18,6 +19,18 @@ void FileState::release() {
   tables = ReadTables();
   sources.reset();
   names.reset();
+}
+
+void FileState::endForLackOfMemory() {
+  const int errors = diagnostics.numberOfErrors;
+  const Place place = sources ? sources->place() : Place();
+  try {
+    diagnostics.fatalError(place, kMemoryExhausted);
+  } catch (const std::bad_alloc&) {
+    if (diagnostics.numberOfErrors == errors) ++diagnostics.numberOfErrors;
+    diagnostics.end();
+  }
+  if (root == nullptr) tree.clear();
 }
 
 const char* FileState::sourceName(nqLong fileIndex) {
@@ -139,9 +152,14 @@ NQFileCodeEnum NQOMLFile::readOMLFile(const char* fileName, NQOMLStatic* grammar
   const nqdetail::BusyMark mark(*state_);
   state_->running = true;
   error(0);
-  parse(fileName, binary != 0);
-  checkSemantics();
-  execute();
+  try {
+    parse(fileName, binary != 0);
+    checkSemantics();
+    execute();
+    if (state_->names && state_->names->ids.exhausted()) throw std::bad_alloc();
+  } catch (const std::bad_alloc&) {
+    state_->endForLackOfMemory();
+  }
   state_->running = false;
   cleanup();
   const nqdetail::Diagnostics& diagnostics = state_->diagnostics;
@@ -154,25 +172,29 @@ void NQOMLFile::initParser(NQOMLStatic* grammar, NQObject* top, nqLong topTypeIn
                            int useIndexHashTable) {
   nqdetail::FileState& state = *state_;
   if (state.busy) return;
-  pPathName("");
   state.diagnostics.reset();
-  {
-    const nqdetail::BusyMark mark(state);  // an override may begin no read
-    cleanup();
+  try {
+    pPathName("");
+    {
+      const nqdetail::BusyMark mark(state);  // an override may begin no read
+      cleanup();
+    }
+    state.tree.clear();
+    state.root = nullptr;
+    state.bytesRead = 0;
+    state.bytesTotal = 0;
+    state.grammar = grammar;
+    state.top = {top, topTypeIndex, nullptr, -1};
+    if (useIndexHashTable == 0) {
+      state.numbers.reset();
+    } else if (state.numbers == nullptr && grammar != nullptr) {
+      state.numbers = std::make_unique<NQIndexHashTable>(grammar->objectIDHashSize(),
+                                                         kObjectSpacing, 0);
+    }
+    state.tables.pGrammar = grammar;
+  } catch (const std::bad_alloc&) {
+    state.endForLackOfMemory();
   }
-  state.tree.clear();
-  state.root = nullptr;
-  state.bytesRead = 0;
-  state.bytesTotal = 0;
-  state.grammar = grammar;
-  state.top = {top, topTypeIndex, nullptr, -1};
-  if (useIndexHashTable == 0) {
-    state.numbers.reset();
-  } else if (state.numbers == nullptr && grammar != nullptr) {
-    state.numbers = std::make_unique<NQIndexHashTable>(grammar->objectIDHashSize(),
-                                                       kObjectSpacing, 0);
-  }
-  state.tables.pGrammar = grammar;
 }
 
 void NQOMLFile::cleanup() {
@@ -227,8 +249,8 @@ void NQOMLFile::execute() {
       state.diagnostics.ended()) {
     return;
   }
-  nqdetail::ObjectCreation creation(state, state.names->ids, state.diagnostics, state.top,
-                                    state.numbers.get());
+  nqdetail::ObjectCreation creation(state, state.tree, state.names->ids,
+                                    state.diagnostics, state.top, state.numbers.get());
   creation.execute(*state.root);
 }
 

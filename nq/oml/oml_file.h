@@ -8,10 +8,10 @@
 //
 // What is wrong with a file is reported line by line through vErrorMessage(),
 // which by default gathers the lines in a buffer, and in the result of the read.
-// No object is made unless the whole file is found good; from a fatal error on no
-// hook is called. However a file is damaged, a read ends in a time and with memory
-// in proportion to the file; blocks nest to maxNestingDepth() levels, at most 64
-// files are open at once and 1000 are read in one read.
+// No object is made before the whole file has been parsed and checked; no hook is
+// called after a fatal error. However a file is damaged, a read ends in a time and with
+// memory in proportion to the file, within the limits that are set below. Running out of
+// memory is fatal error 12.
 //
 // writeOMLFile() opens a file and calls vWriteObject(), where the application writes
 // its objects by the write... operations, in the order in which the file is to have

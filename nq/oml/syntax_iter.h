@@ -48,8 +48,8 @@ class NQ_EXPORT NQOMLSyntaxObjectIter : public NQObject {
 // A field with wildcards in its section path comes once for each section they
 // stand for that defines it, in tree order; pField() is then a view of the field
 // with the definition, section and path of that section, valid until the iterator
-// moves on. The field in the tree is never changed. A field that has no definition
-// anywhere is passed over.
+// moves on (the view that a reading hook receives lives as long as the tree). The field
+// in the tree is never changed. A field that has no definition anywhere is passed over.
 class NQ_EXPORT NQOMLSyntaxFieldIter : public NQObject {
   NQ_COPY_PROTOCOL(NQOMLSyntaxFieldIter)
 
@@ -81,6 +81,8 @@ class NQ_EXPORT NQOMLSyntaxFieldIter : public NQObject {
   void init();
 
  private:
+  friend class nqdetail::SyntaxArena;
+
   void copyFields(const NQOMLSyntaxFieldIter& source);
 
   // A field as it reads in one of the sections that its wildcards stand for.

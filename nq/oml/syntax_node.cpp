@@ -70,7 +70,9 @@ void NQOMLSyntaxStruct::init() {
 // Memory that is lacking in an arena leaves the kind as it is.
 void NQOMLSyntaxStruct::changeKind(const NodeKind& kind) {
   if (SyntaxArena* const arena = kind_->arena) {
-    if (NodeKind* const shared = arena->kindOf(kind)) kind_ = shared;
+    NodeKind* const shared = arena->kindOf(kind);
+    if (shared == nullptr) throw std::bad_alloc();
+    kind_ = shared;
   } else if (kind_ == &kNoKind) {
     kind_ = new NodeKind(kind);
     kind_->ofOneNode = true;

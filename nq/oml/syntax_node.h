@@ -155,8 +155,8 @@ class NQ_EXPORT NQOMLSyntaxField : public NQOMLSyntaxStruct {
   int boolValue() const;
   const char* stringValue() const;
   // The object to which a reference leads, once it is made; null for a value that is
-  // not an id. What an unchecked field names may be of any type, and of a class that
-  // the caller does not expect: cast it with castDown().
+  // not an id. What an unchecked field names may be of any type: ask for the class with
+  // dynamic_cast.
   NQObject* objectValue() const;
   // The type of the object that a reference names; -1 and "" when there is none, and
   // for a value that is not an id.

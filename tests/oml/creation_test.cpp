@@ -44,6 +44,29 @@ TEST_F(Creation, MakesParentsFirstAndFillsInReadingOrder) {
             "pre node#$,1,4 in 4; post node#$,1,4 in 4; ");
 }
 
+// A field with wildcards is shown once for each section, as nodes that stay apart.
+TEST_F(Creation, ShowsFieldsThatLastAsLongAsTheTree) {
+  struct : TestReader {
+    std::vector<const NQOMLSyntaxField*> shown;
+    int vReadField(NQOMLSyntaxField* field, NQOMLSyntaxObject*, NQObject*) override {
+      shown.push_back(field);
+      return 1;
+    }
+  } keeping;
+  system.files["f"] =
+      "graph 1 { count 3 node defaults { _ pad 6 node 2 node 3 } _ _ depth 4 }";
+  ASSERT_EQ(keeping.read("f", grammar), NQ_FILE_OK);
+  std::string seen;
+  for (const NQOMLSyntaxField* const field : keeping.shown) {
+    seen +=
+        std::to_string(field->intValue()) + "@" + std::to_string(field->sectionPath());
+    EXPECT_EQ(field->pDefField()->nameIndex(), field->nameIndex());
+    seen += ' ';
+  }
+  EXPECT_EQ(seen, "3@0 4@18 4@33 4@17 6@1 6@1 ");
+  EXPECT_EQ(keeping.shown[4], keeping.shown[5]);  // a default that two objects inherit
+}
+
 TEST_F(Creation, TakesTheTopObjectGiven) {
   NQCounted top;
   EXPECT_EQ(read("graph 1 { node 2 }", &top, type("graph")), NQ_FILE_OK);

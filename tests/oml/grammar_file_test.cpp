@@ -252,9 +252,10 @@ TEST(GrammarFile, NothingIsLostInSilenceWhenMemoryIsExhausted) {
   const std::string whole = dumpGrammar(*parseGrammar("g", text).grammar);
   GrammarFile file;
   for (long count = 0; file.grammar == nullptr; ++count) {
-    allocationsLeft = count;
-    file.grammar = nqReadGrammarText(text, "g", file.problems);
-    allocationsLeft = -1;
+    {
+      const FailingMemory memory(count, true);
+      file.grammar = nqReadGrammarText(text, "g", file.problems);
+    }
     if (!file.problems.empty()) {
       EXPECT_EQ(problemsOf(file), "-1:-1 memory exhausted\n");
     }
@@ -280,13 +281,13 @@ TEST(GrammarFile, NothingIsLostInSilenceWhenMemoryIsExhausted) {
                                nullptr};
   bool isWhole = false;
   for (long count = 0; !isWhole; ++count) {
-    allocationsLeft = count;
+    FailingMemory memory(count, true);
     std::unique_ptr<NQOMLStatic> grammar;
     try {
       grammar = std::make_unique<NQOMLStatic>(types, sections, enumerators, lines);
     } catch (const std::bad_alloc&) {
     }
-    allocationsLeft = -1;
+    memory.stop();
     if (grammar == nullptr) continue;
     EXPECT_EQ(findFault(*grammar), "") << count;
     isWhole = grammar->numberOfRefusedLines() == 0;

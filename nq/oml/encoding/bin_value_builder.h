@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <limits>
+#include <memory>
 #include <new>
 #include <string>
 #include <string_view>
@@ -33,12 +34,12 @@ class BinValueBuilder {
   // Hands over the value of all bytes since the last call; null when memory is
   // lacking or the bytes do not fit.
   NQOMLBinValue* finish() {
-    NQOMLBinValue* const value =
-        fits() ? new (std::nothrow)
-                     NQOMLBinValue(static_cast<nqLong>(bytes_.size()), bytes_.data())
-               : nullptr;
+    const auto length = static_cast<nqLong>(bytes_.size());
+    std::unique_ptr<NQOMLBinValue> value;
+    if (fits()) value.reset(new (std::nothrow) NQOMLBinValue(length, bytes_.data()));
+    if (value != nullptr && value->length() != length) value.reset();
     clear();
-    return value;
+    return value.release();
   }
 
  private:

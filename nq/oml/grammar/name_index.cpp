@@ -1,5 +1,7 @@
 #include "nq/oml/grammar/name_index.h"
 
+#include <new>
+
 #include "nq/core/string_pool.h"
 #include "nq/oml/grammar.h"
 #include "nq/oml/grammar/names.h"
@@ -36,7 +38,7 @@ void NameIndex::add(std::string_view name, Rank rank, const NameMeaning& meaning
     return;
   }
   const auto code = static_cast<nqLong>(entries_.size());
-  if (!index_.reserve(entries_.size() + 1)) return;
+  if (!index_.reserve(entries_.size() + 1)) throw std::bad_alloc();
   Entry& entry = entries_.emplace_back(Entry{std::string(name), rank, meaning, nullptr});
   makeUpperCase(entry.name.data(), entry.name.size());
   entry.follower = &entry;

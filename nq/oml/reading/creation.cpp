@@ -24,7 +24,7 @@ void ObjectCreation::execute(NQOMLSyntaxObject& root) {
 }
 
 void ObjectCreation::createAllObjects(NQOMLSyntaxObject& object) {
-  for (NQOMLSyntaxObjectIter child(&object); child && !diagnostics_.ended(); ++child) {
+  for (NQOMLSyntaxObjectIter child(&object); child && !ended(); ++child) {
     if (child.pObject()->objectIDIndex() == IDTable::kDefaults) {
       createAllObjects(*child.pObject());
     } else {
@@ -53,7 +53,7 @@ void ObjectCreation::createTopObject(NQOMLSyntaxObject& syntax) {
 
 void ObjectCreation::createOwnedObjects(NQOMLSyntaxObject& syntax,
                                         NQOMLSyntaxObject& ownerSyntax) {
-  for (NQOMLSyntaxObjectIter iter(&syntax); iter && !diagnostics_.ended(); ++iter) {
+  for (NQOMLSyntaxObjectIter iter(&syntax); iter && !ended(); ++iter) {
     NQOMLSyntaxObject& child = *iter.pObject();
     if (child.objectIDIndex() == IDTable::kDefaults) {
       createOwnedObjects(child, ownerSyntax);
@@ -70,16 +70,17 @@ bool ObjectCreation::setOwnedFields(NQOMLSyntaxObject& syntax,
                                     NQOMLSyntaxObject& ownerSyntax) {
   bool allTaken = true;
   if (syntax.objectIDIndex() != IDTable::kDefaults) {
-    if (diagnostics_.ended()) return allTaken;
+    if (ended()) return allTaken;
     hooks_.preReadFields(&ownerSyntax, objectOf(ownerSyntax));
-    for (NQOMLSyntaxFieldIter field(&syntax); field && !diagnostics_.ended(); ++field) {
-      allTaken = hooks_.readField(field.pField(), &ownerSyntax, objectOf(ownerSyntax)) &&
-                 allTaken;
+    for (NQOMLSyntaxFieldIter field(&syntax); field && !ended(); ++field) {
+      allTaken =
+          hooks_.readField(tree_.lasting(field), &ownerSyntax, objectOf(ownerSyntax)) &&
+          allTaken;
     }
-    if (diagnostics_.ended()) return allTaken;
+    if (ended()) return allTaken;
     hooks_.postReadFields(&ownerSyntax, objectOf(ownerSyntax));
   }
-  for (NQOMLSyntaxObjectIter iter(&syntax); iter && !diagnostics_.ended(); ++iter) {
+  for (NQOMLSyntaxObjectIter iter(&syntax); iter && !ended(); ++iter) {
     ids_.prefetchReferencesBehind(iter);
     NQOMLSyntaxObject& child = *iter.pObject();
     const bool taken = child.objectIDIndex() == IDTable::kDefaults

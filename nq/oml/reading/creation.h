@@ -13,6 +13,7 @@
 #include "nq/oml/reading/read_hooks.h"
 #include "nq/oml/syntax_tree.h"
 #include "nq/oml/tree/id_table.h"
+#include "nq/oml/tree/syntax_arena.h"
 
 namespace nqdetail {
 
@@ -32,10 +33,11 @@ void updateObject(IDTable& ids, NQIndexHashTable* numbers, nqLong objectIDIndex,
 
 class ObjectCreation {
  public:
-  // `numbers` may be null.
-  ObjectCreation(ReadHooks& hooks, IDTable& ids, Diagnostics& diagnostics, TopObject& top,
-                 NQIndexHashTable* numbers)
+  // `tree` holds the nodes; `numbers` may be null.
+  ObjectCreation(ReadHooks& hooks, SyntaxArena& tree, IDTable& ids,
+                 Diagnostics& diagnostics, TopObject& top, NQIndexHashTable* numbers)
       : hooks_(hooks),
+        tree_(tree),
         ids_(ids),
         diagnostics_(diagnostics),
         top_(top),
@@ -44,7 +46,9 @@ class ObjectCreation {
   void execute(NQOMLSyntaxObject& root);
 
  private:
-  bool failed() const { return diagnostics_.failed() || diagnostics_.ended(); }
+  // Also for lack of memory for the text of an id, which its reader could not tell.
+  bool ended() const { return diagnostics_.ended() || ids_.exhausted(); }
+  bool failed() const { return diagnostics_.failed() || ended(); }
 
   void createAllObjects(NQOMLSyntaxObject& object);
   void createTopObject(NQOMLSyntaxObject& object);
@@ -60,6 +64,7 @@ class ObjectCreation {
   }
 
   ReadHooks& hooks_;
+  SyntaxArena& tree_;
   IDTable& ids_;
   Diagnostics& diagnostics_;
   TopObject& top_;

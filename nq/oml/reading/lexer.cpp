@@ -20,14 +20,15 @@ NameTables::NameTables(const NQOMLStatic& readGrammar)
                     0) {}
 
 void NameTables::declareSection(const char* name) {
+  const nqLong known = grammar.pSectionPool()->decodeTableMax();
   const nqLong index = declaredSections.update(name);
-  if (index < 0) return;
-  meanings.declareSection(name, grammar.pSectionPool()->decodeTableMax() + index);
+  if (index < 0) throw std::bad_alloc();
+  meanings.declareSection(name, known + index);
 }
 
 void NameTables::ignoreField(const char* name) {
   const nqLong index = ignoredFields.update(name);
-  if (index < 0) return;
+  if (index < 0) throw std::bad_alloc();
   meanings.declareField(name, grammar.pFieldPool()->decodeTableMax() + index);
 }
 

@@ -49,7 +49,8 @@ struct NameTables {
   IDTable ids;
   bool unchecked = false;  // every name is that of a field
 
-  // What the file declares, known to the next token.
+  // What the file declares, known to the next token. Throw std::bad_alloc when it
+  // cannot be kept.
   void declareSection(const char* name);
   void ignoreField(const char* name);
 };

@@ -32,6 +32,18 @@ bool isNoValue(const SourceToken& value) {
   return value.tag == NQ_OML_UNRECOGNISED || isPunctuation(value);
 }
 
+// Deletes the binary value of a token in the end, unless it was taken out.
+class ValueOwner {
+ public:
+  explicit ValueOwner(SourceToken& token) : token_(token) {}
+  ValueOwner(const ValueOwner&) = delete;
+  ValueOwner& operator=(const ValueOwner&) = delete;
+  ~ValueOwner() { token_.deleteValue(); }
+
+ private:
+  SourceToken& token_;
+};
+
 bool sameValues(const NQOMLDefField& a, const NQOMLDefField& b) {
   return a.fieldType() == b.fieldType() && a.sameValuesAs(b) != 0;
 }
@@ -160,10 +172,10 @@ void Parser::parseValue(const SourceToken* name, const Context& context,
   // A bracket that ends the block in place of a value is wrong as a value, and
   // still ends the block.
   const bool endsBlock = value.tag == NQ_OML_CLOSING_BRACKET;
+  const ValueOwner owner(value);
   const SourceToken bracket = value;
   if (name != nullptr && name->tag == NQ_OML_OBJECT_TYPE_NAME) {
     const nqLong id = checkSimpleScope(value);
-    value.deleteValue();
     const SourceToken* const ahead = endsBlock ? nullptr : lexer_.lookAhead();
     if (ahead != nullptr && ahead->tag == NQ_OML_OPENING_BRACKET) {
       SourceToken opening;
@@ -173,7 +185,6 @@ void Parser::parseValue(const SourceToken* name, const Context& context,
       parseObject(*name, id, context, nullptr);
     }
   } else if (name != nullptr && name->declared != 0) {
-    value.deleteValue();
     if (!endsBlock) lexer_.skipRestOfLine(value.tag == NQ_OML_BINARY_VALUE);
   } else {
     const bool includes = name != nullptr && isBuiltIn(*name) &&
@@ -216,7 +227,6 @@ void Parser::parseField(const SourceToken* name, const Context& context,
                         SourceToken& value, int position) {
   if (name != nullptr && isBuiltIn(*name)) {
     parseBuiltIn(name->integer(), context, value);
-    value.deleteValue();
     return;
   }
   const bool unchecked = names_.unchecked;
@@ -224,7 +234,6 @@ void Parser::parseField(const SourceToken* name, const Context& context,
   if (name == nullptr) {
     if (unchecked || !nthFieldDescrToken(context, position, value, made)) {
       error(value, kUnexpectedValue);
-      value.deleteValue();
       return;
     }
     name = &made;
@@ -252,13 +261,13 @@ void Parser::parseField(const SourceToken* name, const Context& context,
     NQOMLSyntaxField* const field =
         kind == nullptr ? nullptr
                         : tree_.makeField(kind, name->line, name->column, value);
-    if (field != nullptr) {
-      context.object.addField(field);
+    if (field == nullptr) {
+      diagnostics_.fatalError(name->place(), kMemoryExhausted);
       return;
     }
-    diagnostics_.fatalError(name->place(), kMemoryExhausted);
+    value.pBinValue(nullptr);  // the field has it
+    context.object.addField(field);
   }
-  value.deleteValue();
 }
 
 void Parser::parseBuiltIn(nqLong fieldIndex, const Context& context, SourceToken& value) {

@@ -9,7 +9,7 @@
 //
 // A recursive descent, one level deep for each open block and no deeper than the
 // limit it is given. Whoever takes a binary value out of the lexer gives it to a
-// field or deletes it.
+// field or deletes it. Throws std::bad_alloc where memory does not suffice.
 
 #ifndef NQ_OML_READING_PARSER_H
 #define NQ_OML_READING_PARSER_H

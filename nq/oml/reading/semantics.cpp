@@ -1,5 +1,6 @@
 #include "nq/oml/reading/semantics.h"
 
+#include <new>
 #include <string>
 
 #include "nq/core/string_pool.h"
@@ -27,7 +28,12 @@ void SemanticPass::checkSemantics(NQOMLSyntaxObject& root) {
 void SemanticPass::collectDefaultFields(NQOMLSyntaxObject& object) {
   for (NQOMLSyntaxObjectIter child(&object); child; ++child) {
     if (object.objectIDIndex() == IDTable::kDefaults) {
-      child.pObject()->addDefaultList(object.pFieldList());
+      NQOMLSyntaxFieldList* const fields = object.pFieldList();
+      child.pObject()->addDefaultList(fields);
+      const NQOMLSyntaxDefaultList* const added = child.pObject()->pDefaultList();
+      if (fields != nullptr && (added == nullptr || added->pFieldList() != fields)) {
+        throw std::bad_alloc();
+      }
     }
     collectDefaultFields(*child.pObject());
   }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <new>
 #include <utility>
 
 namespace nqdetail {
@@ -18,18 +19,21 @@ bool isRelative(std::string_view name) {
 
 }  // namespace
 
-Source::Source(SourceOwner& owner, Handle handle, std::string name, bool text)
+Source::Source(SourceOwner& owner, const std::string& name, Access access, bool text)
     : owner_(owner),
-      name_(std::move(name)),
-      handle_(handle),
-      fileIndex_(owner.fileNameIndex(name_.c_str())),
-      text_(text),
-      window_(kFirstWindow + 1) {
-  at = end = window_.data();
-}
+      name_(name),
+      handle_(system().open(name.c_str(), access, Creation::kExisting)),
+      text_(text) {}
 
 Source::~Source() {
   (void)close();
+}
+
+void Source::start() {
+  fileIndex_ = owner_.fileNameIndex(name_.c_str());
+  if (fileIndex_ < 0) throw std::bad_alloc();
+  window_.resize(kFirstWindow + 1);
+  at = end = window_.data();
 }
 
 bool Source::close() {
@@ -54,9 +58,13 @@ void Source::makeRoom(const char* keep) {
 
   std::memmove(window_.data(), keep, kept);
   base_ += static_cast<std::int64_t>(dropped);
+  const auto follow = [&] {
+    at = window_.data() + taken;
+    end = window_.data() + kept;
+  };
+  follow();  // also for who asks for the place when there is no memory for more
   if (capacity - kept < capacity / 2) window_.resize(2 * capacity + 1);
-  at = window_.data() + taken;
-  end = window_.data() + kept;
+  follow();
 }
 
 bool Source::read(char* place, std::size_t room, std::size_t& count) {
@@ -112,20 +120,19 @@ bool Sources::open(const std::string& name) {
       (!files_.empty() && !owner_.mayInclude(name.c_str()))) {
     return false;
   }
-  const Handle handle = system().open(name.c_str(), access_, Creation::kExisting);
-  if (handle == noHandle()) return false;
-  const std::int64_t size = system().fileSize(handle);
+  auto source = std::make_unique<Source>(owner_, name, access_, text_);
+  if (!source->isOpen()) return false;
   // No file includes itself, also where the system would open it once more.
-  const bool isOpen = std::any_of(
-      files_.begin(), files_.end(),
-      [handle](const auto& file) { return system().isSameFile(file->handle(), handle); });
-  if (isOpen || (!files_.empty() && size < 0)) {
-    (void)system().close(handle);
+  if (std::any_of(files_.begin(), files_.end(),
+                  [&source](const auto& file) { return file->isSameAs(*source); })) {
     return false;
   }
+  const std::int64_t size = source->size();
+  if (!files_.empty() && size < 0) return false;
+  source->start();
+  files_.push_back(std::move(source));
   owner_.bytesExpected(size);
   ++opened_;
-  files_.push_back(std::make_unique<Source>(owner_, handle, name, text_));
   return true;
 }
 

@@ -45,17 +45,26 @@ class Source {
  public:
   static constexpr std::size_t kFirstWindow = std::size_t{64} * 1024;
 
-  // Keeps the handle. In a text a zero byte ends the data.
-  Source(SourceOwner& owner, Handle handle, std::string name, bool text);
+  // Opens the file of that name, for start() to make ready. In a text a zero byte ends
+  // the data.
+  Source(SourceOwner& owner, const std::string& name, Access access, bool text);
   Source(const Source&) = delete;
   Source& operator=(const Source&) = delete;
   ~Source();
 
-  const char* at;   // the next byte; the lexer moves it on
-  const char* end;  // behind the last byte of the window; *end is 0
+  bool isOpen() const { return handle_ != noHandle(); }
+  bool isSameAs(const Source& other) const {
+    return system().isSameFile(handle_, other.handle_);
+  }
+  // -1 for a file that cannot tell.
+  std::int64_t size() const { return system().fileSize(handle_); }
+  // Brings the file into the table of names, and an empty window on it.
+  void start();
+
+  const char* at = nullptr;   // the next byte; the lexer moves it on
+  const char* end = nullptr;  // behind the last byte of the window; *end is 0
 
   const std::string& name() const { return name_; }
-  Handle handle() const { return handle_; }
   nqLong fileIndex() const { return fileIndex_; }
   nqLong line() const { return line_; }
   // The column of a place within the window, or where `at` stands.
@@ -97,7 +106,7 @@ class Source {
   SourceOwner& owner_;
   std::string name_;
   Handle handle_;
-  nqLong fileIndex_;
+  nqLong fileIndex_ = -1;
   nqLong line_ = 1;
   bool text_;
   bool ended_ = false;

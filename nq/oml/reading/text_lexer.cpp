@@ -1,6 +1,7 @@
 #include "nq/oml/reading/text_lexer.h"
 
 #include <algorithm>
+#include <new>
 
 #include "nq/oml/diagnostics/message_codes.h"
 #include "nq/oml/encoding/number_scan.h"
@@ -211,7 +212,7 @@ void TextLexer::readFieldName(NQOMLToken& token, std::string_view name) {
     nqLong declared = names_.ignoredFields.lookup(name);
     token.declared = declared >= 0 ? 1 : 0;
     if (declared < 0) declared = names_.declaredFields.update(name);
-    if (declared < 0) return;
+    if (declared < 0) throw std::bad_alloc();
     index = known.decodeTableMax() + declared;
   }
   token.tag = NQ_OML_FIELD_NAME;

@@ -4,6 +4,8 @@
 #include <bit>
 #include <charconv>
 #include <limits>
+#include <new>
+#include <utility>
 
 #include "nq/oml/encoding/records.h"
 #include "nq/platform/prefetch.h"
@@ -49,8 +51,8 @@ nqLong* IDTable::placeOf(const Component& component) {
   Stem& stem = stems_[component.stem];
   if (isBare(component)) return &stem.bare;
   if (stem.numbers == kNone) {
-    stem.numbers = static_cast<nqLong>(numbers_.size());
     numbers_.emplace_back();
+    stem.numbers = static_cast<nqLong>(numbers_.size()) - 1;
   }
   return numbers_[static_cast<std::size_t>(stem.numbers)].place(component.number,
                                                                 index_.seed());
@@ -201,16 +203,20 @@ void IDTable::appendComponent(std::string& text, const Entry& entry) const {
 
 const char* IDTable::text(nqLong index) const {
   if (!isEntry(index)) return "";
-  const auto [place, isNew] = texts_.try_emplace(index);
-  std::string& text = place->second;
-  if (isNew) {
+  const auto known = texts_.find(index);
+  if (known != texts_.end()) return known->second.c_str();
+  try {
+    std::string text;
     walkChain(index);
     for (auto link = chain_.rbegin(); link != chain_.rend(); ++link) {
       if (link != chain_.rbegin()) text += kScopeSeparator;
       appendComponent(text, entry(*link));
     }
+    return texts_.emplace(index, std::move(text)).first->second.c_str();
+  } catch (const std::bad_alloc&) {
+    exhausted_ = true;
+    return "";
   }
-  return text.c_str();
 }
 
 }  // namespace nqdetail

@@ -46,7 +46,7 @@ class IDTable final : public ObjectIDs {
   // it is new, and kNone when memory is exhausted. A name has no zero byte.
   nqLong withName(std::string_view name, nqLong scope = kNone);
   nqLong withNumber(nqLong number, nqLong scope = kNone);
-  // Whether an id could not be entered for lack of memory.
+  // Whether an id could not be entered, or its text made, for lack of memory.
   bool exhausted() const { return exhausted_; }
   // The id of a text whose components are joined by ",".
   nqLong withText(std::string_view text, nqLong scope = kNone);
@@ -179,7 +179,7 @@ class IDTable final : public ObjectIDs {
   BlockArray<Entry> components_;
   BlockArray<Entry> chains_;
   HashIndex index_;  // of chains_
-  bool exhausted_ = false;
+  mutable bool exhausted_ = false;
   NQStringPool names_;                                     // stems
   std::vector<Stem> stems_;                                // by stem
   std::vector<NumberTable> numbers_;                       // of the stems that have any

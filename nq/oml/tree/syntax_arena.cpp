@@ -65,6 +65,19 @@ NQOMLSyntaxField* SyntaxArena::makeField(NodeKind* kind, nqLong line, nqLong col
   return field;
 }
 
+NQOMLSyntaxField* SyntaxArena::lastingView(const NQOMLSyntaxFieldIter& iter) {
+  NQOMLSyntaxField* const written = iter.pWrittenField();
+  NQOMLSyntaxField*& view = views_[{written, iter.section_->path()}];
+  if (view == nullptr) {
+    using View = NQOMLSyntaxFieldIter::View;
+    void* const place = allocate<View>(fields_);
+    if (place == nullptr) throw std::bad_alloc();
+    NQOMLDefField* const definition = iter.pField()->pDefField();
+    view = &(new (place) View(*written, *iter.section_, definition))->field;
+  }
+  return view;
+}
+
 void SyntaxArena::clear() {
   for (NQOMLSyntaxObject* const holder : holders_) holder->destroyContents();
   holders_.clear();
@@ -73,6 +86,7 @@ void SyntaxArena::clear() {
   kinds_.fill(nullptr);
   fields_.reset();
   objects_.reset();
+  views_.clear();
 }
 
 NQOMLSyntaxDefaultList* SyntaxArena::makeDefaultList(NQOMLSyntaxFieldList* fields,

@@ -9,9 +9,11 @@
 #define NQ_OML_TREE_SYNTAX_ARENA_H
 
 #include <array>
+#include <map>
 #include <memory>
 #include <optional>
 #include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "nq/core/memory_internal.h"
@@ -44,6 +46,12 @@ class SyntaxArena {
   NQOMLSyntaxField* makeField(NodeKind* kind, nqLong line, nqLong column,
                               const NQOMLToken& token);
 
+  // The current field of an iterator; a view of a field with wildcards as a copy that
+  // lives as long as the nodes, the same for each visit.
+  NQOMLSyntaxField* lasting(const NQOMLSyntaxFieldIter& iter) {
+    return iter.section_ == nullptr ? iter.pWrittenField() : lastingView(iter);
+  }
+
   // Destroys all nodes, those that were never added to a parent included.
   void clear();
 
@@ -59,6 +67,8 @@ class SyntaxArena {
   static NQOMLSyntaxFieldList* cellOf(NQOMLSyntaxField* field);
 
  private:
+  NQOMLSyntaxField* lastingView(const NQOMLSyntaxFieldIter& iter);
+
   struct ObjectRecord;
   struct FieldRecord;
 
@@ -68,6 +78,8 @@ class SyntaxArena {
   // Kinds met of late, by a hash; what is forgotten is made once more.
   std::array<NodeKind*, 256> kinds_ = {};
   std::vector<std::unique_ptr<NQOMLBinValue>> binValues_;
+  // By the field with wildcards and the path of the section.
+  std::map<std::pair<const NQOMLSyntaxField*, nqULong>, NQOMLSyntaxField*> views_;
   std::vector<std::unique_ptr<DefaultsIndex>> defaultsIndices_;
   std::vector<NQOMLSyntaxObject*> holders_;  // some of them perhaps emptied by now
 };
