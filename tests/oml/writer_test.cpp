@@ -16,7 +16,9 @@
 #include "nq/oml/bin_value.h"
 #include "nq/oml/encoding/number_text.h"
 #include "nq/oml/oml_object.h"
+#include "tests/support/failing_memory.h"
 #include "tests/support/fake_system.h"
+#include "tests/support/temporary_directory.h"
 #include "tests/support/tree_writing.h"
 
 namespace {
@@ -743,6 +745,41 @@ TEST_F(Writing, SurvivesOverrides) {
                 strange.where == 0 ? NQ_FILE_OK : NQ_FILE_WRITE_ERROR)
           << strange.where;
       EXPECT_EQ(system.openFiles(), 0) << strange.where;
+    }
+  }
+}
+
+// Whichever allocation is the first to fail, the write fails, and the next one succeeds.
+TEST(WritingWithoutMemory, Fails) {
+  const TemporaryDirectory directory;
+  const std::string name = directory.file("f");
+  SmallGrammar grammar;
+  Thing top(1);
+  Thing part(2, &top);
+  top.parts = {&part};
+  const std::string large(300000, 'x');  // more than is gathered
+  TestWriter writer;
+  writer.script = [&](TestWriter& file) {
+    top.preFileWrite(&file);
+    file.writeObjectStart("node", &top, 0, 1);
+    file.writeAttribute("to", &part, nullptr, 1);
+    file.writeStringAttribute(large.c_str(), large.c_str());
+    top.postFileWrite(&file, NQ_FILE_OK);
+  };
+  for (const int binary : {0, 1}) {
+    for (const int lossless : {0, 1}) {
+      writer.losslessWriting(lossless);
+      NQFileCodeEnum result = NQ_FILE_WRITE_ERROR;
+      long allocations = 0;
+      for (; result != NQ_FILE_OK && allocations < 1000; ++allocations) {
+        allocationsLeft = allocations;
+        result = writer.writeOMLFile(name.c_str(), &grammar, &top, binary, 1, 0);
+        allocationsLeft = -1;
+        EXPECT_TRUE(result == NQ_FILE_OK || result == NQ_FILE_WRITE_ERROR) << result;
+        EXPECT_EQ(writer.isOpen(), 0) << allocations;
+      }
+      EXPECT_EQ(result, NQ_FILE_OK);
+      EXPECT_GT(allocations, 10);
     }
   }
 }
