@@ -79,6 +79,11 @@ class Lexer {
   virtual void skipRestOfLine(bool ofBinaryValue) = 0;
   // Takes a ";" if it comes next, and nothing else that could be a token.
   virtual void takeSemicolon() = 0;
+  // The character with which the next token begins, 0 when it is not known without
+  // reading the token: it may stand in another file. takeSign() takes it as the token
+  // of punctuation that it is.
+  virtual char signAhead() { return '\0'; }
+  virtual void takeSign(SourceToken&) {}
 
  protected:
   Lexer(Sources& sources, NameTables& names, Diagnostics& diagnostics)
@@ -92,6 +97,7 @@ class Lexer {
   virtual bool skipTo(std::size_t depth) = 0;
 
   Source& source() { return sources_.top(); }
+  bool holdsAhead() const { return holdsAhead_; }
   // Notes that `token` begins at `start`.
   void begin(NQOMLToken& token, const char* start) {
     token.line = source().line();

@@ -137,7 +137,12 @@ void Parser::parseAttribute(const SourceToken* descriptor, Context context,
     } else {
       break;
     }
-    if (!next()) return;
+    const char sign = lexer_.signAhead();
+    if (sign == ':' || sign == '=') {
+      lexer_.takeSign(token);
+    } else if (!next()) {
+      return;
+    }
   }
   if (token.tag == NQ_OML_COLON) {
     if (before == nullptr) {
@@ -162,8 +167,11 @@ void Parser::parseAttribute(const SourceToken* descriptor, Context context,
 }
 
 void Parser::takeSemicolon() {
-  const SourceToken* const ahead = lexer_.lookAhead();
   SourceToken semicolon;
+  const char sign = lexer_.signAhead();
+  if (sign == ';') lexer_.takeSign(semicolon);
+  if (sign != '\0') return;
+  const SourceToken* const ahead = lexer_.lookAhead();
   if (ahead != nullptr && ahead->tag == NQ_OML_SEMICOLON) (void)lexer_.next(semicolon);
 }
 
@@ -239,8 +247,14 @@ void Parser::parseField(const SourceToken* name, const Context& context,
     name = &made;
   }
   NQOMLDefField* definition = nullptr;
+  KnownField& known = known_[static_cast<std::size_t>(name->integer()) % known_.size()];
+  const bool isKnown =
+      !unchecked && known.kind != nullptr && known.type == context.type() &&
+      known.path == context.sectionPath && known.kind->nameIndex == name->integer() &&
+      known.kind->sectionIDIndex == context.sectionIDIndex &&
+      known.kind->fileNameIndex == name->fileIndex;
   if (!unchecked) {
-    definition = checkFieldSection(*name, context);
+    definition = isKnown ? known.kind->defField : checkFieldSection(*name, context);
     checkFieldType(definition, value);
     // In which section a wildcard finds it, the iterator of the fields tells.
     if (hasWildcard(context.sectionPath)) definition = nullptr;
@@ -250,14 +264,19 @@ void Parser::parseField(const SourceToken* name, const Context& context,
     error(value, kUnexpectedValue);
   }
   if (!diagnostics_.failed()) {
-    NodeKind* const kind = tree_.kindOf({.file = file_,
-                                         .tables = readTables(file_),
-                                         .fileNameIndex = name->fileIndex,
-                                         .nameIndex = name->integer(),
-                                         .sectionIDIndex = context.sectionIDIndex,
-                                         .sectionPath = context.sectionPath,
-                                         .defField = definition,
-                                         .unchecked = unchecked});
+    NodeKind* const kind = isKnown
+                               ? known.kind
+                               : tree_.kindOf({.file = file_,
+                                               .tables = readTables(file_),
+                                               .fileNameIndex = name->fileIndex,
+                                               .nameIndex = name->integer(),
+                                               .sectionIDIndex = context.sectionIDIndex,
+                                               .sectionPath = context.sectionPath,
+                                               .defField = definition,
+                                               .unchecked = unchecked});
+    if (definition != nullptr && kind != nullptr) {
+      known = {context.type(), context.sectionPath, kind};
+    }
     NQOMLSyntaxField* const field =
         kind == nullptr ? nullptr
                         : tree_.makeField(kind, name->line, name->column, value);

@@ -14,6 +14,8 @@
 #ifndef NQ_OML_READING_PARSER_H
 #define NQ_OML_READING_PARSER_H
 
+#include <array>
+
 #include "nq/oml/reading/lexer.h"
 #include "nq/oml/tree/syntax_arena.h"
 
@@ -113,6 +115,15 @@ class Parser {
   bool strict_;  // the file cannot take back what the grammar demands
   NQOMLSyntaxObject* root_ = nullptr;
   int depth_ = 0;  // open blocks
+
+  // A field that the grammar defines there: a file has few kinds of fields, and many of
+  // each.
+  struct KnownField {
+    const NQOMLDefObjType* type = nullptr;
+    nqULong path = 0;
+    NodeKind* kind = nullptr;
+  };
+  std::array<KnownField, 64> known_;  // by name, the last one each
 };
 
 }  // namespace nqdetail

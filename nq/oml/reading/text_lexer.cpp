@@ -127,6 +127,20 @@ void TextLexer::takeSemicolon() {
   if (!sources_.empty() && skipTextWhiteSpace() && *source().at == ';') ++source().at;
 }
 
+char TextLexer::signAhead() {
+  if (holdsAhead() || diagnostics_.ended() || sources_.empty()) return '\0';
+  return skipTextWhiteSpace() && !diagnostics_.ended() ? *source().at : '\0';
+}
+
+void TextLexer::takeSign(SourceToken& token) {
+  token = SourceToken();
+  begin(token, source().at);
+  token.fileIndex = source().fileIndex();
+  token.integer(*source().at);
+  token.tag = *source().at == ';' ? NQ_OML_SEMICOLON : NQ_OML_COLON;
+  ++source().at;
+}
+
 bool TextLexer::skipTo(std::size_t depth) {
   Source& file = source();
   while (file.hasByte()) {
@@ -219,7 +233,28 @@ void TextLexer::readFieldName(NQOMLToken& token, std::string_view name) {
   token.integer(index);
 }
 
+bool TextLexer::readShortInteger(NQOMLToken& token) {
+  constexpr int kMostDigits = 9;  // any such number is an nqLong
+  Source& file = source();
+  const bool negative = *file.at == '-';
+  const char* const digits = file.at + (negative ? 1 : 0);
+  const char* at = digits;
+  nqLong value = 0;
+  while (isOf(*at, kDigit) && at - digits < kMostDigits)
+    value = 10 * value + (*at++ - '0');
+  // What goes on behind the digits, perhaps behind the window, is of another kind.
+  if (at == digits || at == file.end || isSeparator(*at) ||
+      isOf(*at, kNamePart | kNumberPart)) {
+    return false;
+  }
+  file.at = at;
+  token.tag = NQ_OML_INTEGER;
+  token.integer(negative ? -value : value);
+  return true;
+}
+
 void TextLexer::readIntRealScopeOrIP(NQOMLToken& token) {
+  if (readShortInteger(token)) return;
   const char* start = source().at;
   takeNumber(start);
   const char* const end = source().at;

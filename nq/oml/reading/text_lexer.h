@@ -16,6 +16,8 @@ class TextLexer final : public Lexer {
 
   void skipRestOfLine(bool ofBinaryValue) override;
   void takeSemicolon() override;
+  char signAhead() override;
+  void takeSign(SourceToken& token) override;
 
  protected:
   bool read(NQOMLToken& token) override;
@@ -36,6 +38,8 @@ class TextLexer final : public Lexer {
   // A name in unchecked mode, which is that of a field whatever else it means.
   void readFieldName(NQOMLToken& token, std::string_view name);
   void readIntRealScopeOrIP(NQOMLToken& token);
+  // An integer of few digits, which most numbers are; false for anything else.
+  bool readShortInteger(NQOMLToken& token);
   void readBinValue(NQOMLToken& token);
   // Skips a binary value if it comes next.
   bool skipBinValue();
