@@ -64,7 +64,7 @@ class GraphReader : public NQOMLFile {
  public:
   std::vector<std::unique_ptr<Node>> nodes;
   std::vector<std::unique_ptr<Edge>> edges;
-  NQText title;
+  NQInternalText title{"Untitled"};
 
  protected:
   // Called for each object of the file, parents first.
@@ -84,17 +84,15 @@ class GraphReader : public NQOMLFile {
 
   // Called for each field once all objects are made, so that references lead
   // somewhere.
-  int vReadField(NQOMLSyntaxField* field, NQOMLSyntaxObject* syntax,
-                 NQObject* object) override {
-    if (isType(syntax, "node")) {
-      auto& node = *static_cast<Node*>(object);
-      if (isField(field, "shape")) node.shape = field->enumValue();
-      if (isField(field, "x")) node.x = field->doubleValue();
-      if (isField(field, "y")) node.y = field->doubleValue();
-    } else if (isType(syntax, "edge")) {
-      auto& edge = *static_cast<Edge*>(object);
-      const auto* const end = static_cast<const Node*>(field->objectValue());
-      (isField(field, "from") ? edge.from : edge.to) = end;
+  int vReadField(NQOMLSyntaxField* field, NQOMLSyntaxObject*, NQObject* object) override {
+    if (auto* const node = dynamic_cast<Node*>(object)) {
+      if (isField(field, "shape")) node->shape = field->enumValue();
+      if (isField(field, "x")) node->x = field->doubleValue();
+      if (isField(field, "y")) node->y = field->doubleValue();
+    } else if (auto* const edge = dynamic_cast<Edge*>(object)) {
+      const auto* const end = dynamic_cast<const Node*>(field->objectValue());
+      if (isField(field, "from")) edge->from = end;
+      if (isField(field, "to")) edge->to = end;
     } else if (isField(field, "title")) {
       title.pString(field->stringValue());
     }
@@ -118,9 +116,9 @@ int main(int argc, char** argv) {
     std::printf("usage: %s FILE.oml\n", argv[0]);
     return 2;
   }
-  // The numbers are those of names to prepare for; a wrong guess costs little.
   NQOMLStatic grammar(kTypes, kSections, kEnumerators, kDefinitions);
   GraphReader reader;
+  reader.strictReading(1);          // whoever wrote the file, the grammar holds
   reader.pErrorStringBuffer(2000);  // where messages are gathered
   if (reader.readOMLFile(argv[1], &grammar, /*top=*/nullptr, /*topTypeIndex=*/0,
                          /*binary=*/0, /*useIndexHashTable=*/0, 0) != NQ_FILE_OK) {
@@ -133,6 +131,7 @@ int main(int argc, char** argv) {
                 node->shape == 1 ? ", an ellipse" : "");
   }
   for (const auto& edge : reader.edges) {
+    if (edge->from == nullptr || edge->to == nullptr) continue;
     std::printf("%s to %s\n", edge->from->name.pString(), edge->to->name.pString());
   }
 }

@@ -74,6 +74,10 @@ const char* word(const std::array<const char*, count>& words, Enum value) {
 template <class T>
 void passOver(T&, const NQOMLSyntaxField&, NQOMLFile&) {}
 
+void setEnd(Node*& end, const NQOMLSyntaxField& field) {
+  if (auto* const node = dynamic_cast<Node*>(field.objectValue())) end = node;
+}
+
 // Fields that are neither drawn nor written.
 template <class T>
 void leaveOut(T&, const NQOMLSyntaxField& field, NQOMLFile& file) {
@@ -153,10 +157,8 @@ GraphGrammar::GraphGrammar()
   for (const char* name : {"address", "icon", "parent", "fixed", "family", "points"})
     add(nodeFields, name, leaveOut<Node>);
 
-  add(edgeFields, "from",
-      [](Edge& e, Field f, NQOMLFile&) { e.from = static_cast<Node*>(f.objectValue()); });
-  add(edgeFields, "to",
-      [](Edge& e, Field f, NQOMLFile&) { e.to = static_cast<Node*>(f.objectValue()); });
+  add(edgeFields, "from", [](Edge& e, Field f, NQOMLFile&) { setEnd(e.from, f); });
+  add(edgeFields, "to", [](Edge& e, Field f, NQOMLFile&) { setEnd(e.to, f); });
   add(edgeFields, "weight",
       [](Edge& e, Field f, NQOMLFile&) { e.weight = f.doubleValue(); });
   add(edgeFields, "head",
@@ -229,6 +231,7 @@ GraphFile::GraphFile(GraphFactory* factory) : factory_(factory) {
   pErrorStringBuffer(1 << 16);
   pWarningStringBuffer(1 << 16);
   losslessWriting(1);
+  strictReading(1);  // whoever wrote the file: an edge has both its ends
 }
 
 std::unique_ptr<Graph> GraphFile::read(const char* name, GraphGrammar& grammar,
