@@ -32,7 +32,7 @@ NQInternalText::NQInternalText(int textId) : NQInternalText(getStringResource(te
 NQInternalText::NQInternalText(const NQInternalText& source)
     : NQInternalText(source.pString()) {}
 
-const NQInternalText& NQInternalText::operator=(const NQInternalText& source) {
+NQInternalText& NQInternalText::operator=(const NQInternalText& source) {
   if (this != &source) pString(source.pString());
   return *this;
 }

@@ -24,7 +24,10 @@ class NQ_EXPORT NQInternalText {
   template <std::integral Integer>
   explicit NQInternalText(Integer textId) : NQInternalText(static_cast<int>(textId)) {}
   NQInternalText(const NQInternalText& source);
-  const NQInternalText& operator=(const NQInternalText& source);
+  NQInternalText& operator=(const NQInternalText& source);
+  // `source` has no text then.
+  NQInternalText(NQInternalText&& source) noexcept = default;
+  NQInternalText& operator=(NQInternalText&& source) noexcept = default;
 
   const char* pString() const { return string_.get(); }
   // 8, and the text's length if there is one.
@@ -45,6 +48,7 @@ class NQ_EXPORT NQInternalText {
 // text, an attribute copy has none, whatever it had before.
 class NQ_EXPORT NQText : public NQObject {
   NQ_COPY_PROTOCOL(NQText)
+  NQ_MOVE_MEMBERS(NQText)
 
  public:
   explicit NQText(const char* text = nullptr) : text_(text) {}
@@ -68,6 +72,7 @@ class NQ_EXPORT NQText : public NQObject {
 // A text that can show itself.
 class NQ_EXPORT NQErrorMsg : public NQText {
   NQ_COPY_PROTOCOL(NQErrorMsg)
+  NQ_MOVE_MEMBERS(NQErrorMsg)
 
  public:
   explicit NQErrorMsg(const char* text) : NQText(text) {}
