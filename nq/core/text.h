@@ -5,14 +5,20 @@
 // memory it needs and is allocated anew on every change; to build a text piece
 // by piece use NQStringHandle. A change for which there is no memory is not
 // made.
+//
+// Texts compare by their bytes, no text before the empty one; they hash and print
+// (value.h), no text as the empty one.
 
 #ifndef NQ_CORE_TEXT_H
 #define NQ_CORE_TEXT_H
 
+#include <compare>
 #include <concepts>
 #include <memory>
+#include <string>
 
 #include "nq/core/copy_protocol.h"
+#include "nq/core/value.h"
 
 // A text as a plain value. Strings that it returns stay valid until it changes.
 class NQ_EXPORT NQInternalText {
@@ -33,6 +39,14 @@ class NQ_EXPORT NQInternalText {
   // 8, and the text's length if there is one.
   nqLong sizeOf() const;
   void debugOutput(int) const {}
+
+  friend NQ_EXPORT std::strong_ordering operator<=>(const NQInternalText& a,
+                                                    const NQInternalText& b);
+  friend bool operator==(const NQInternalText& a, const NQInternalText& b) {
+    return (a <=> b) == 0;
+  }
+  std::size_t hashValue() const;
+  std::string asText() const;
 
   // Each returns the string after the change. `text` may be (part of) the
   // object's own. Appending or prepending null changes nothing.
@@ -56,6 +70,13 @@ class NQ_EXPORT NQText : public NQObject {
   const char* pString() const { return text_.pString(); }
   // 16, and the text's length if there is one.
   virtual nqLong sizeOf() const;
+
+  friend auto operator<=>(const NQText& a, const NQText& b) {
+    return a.text_ <=> b.text_;
+  }
+  friend bool operator==(const NQText& a, const NQText& b) { return a.text_ == b.text_; }
+  std::size_t hashValue() const { return text_.hashValue(); }
+  std::string asText() const { return text_.asText(); }
 
   // As in NQInternalText.
   const char* pString(const char* text) { return text_.pString(text); }
