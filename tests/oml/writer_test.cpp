@@ -772,9 +772,9 @@ TEST(WritingWithoutMemory, Fails) {
       NQFileCodeEnum result = NQ_FILE_WRITE_ERROR;
       long allocations = 0;
       for (; result != NQ_FILE_OK && allocations < 1000; ++allocations) {
-        allocationsLeft = allocations;
+        FailingMemory memory(allocations, true);
         result = writer.writeOMLFile(name.c_str(), &grammar, &top, binary, 1, 0);
-        allocationsLeft = -1;
+        memory.stop();
         EXPECT_TRUE(result == NQ_FILE_OK || result == NQ_FILE_WRITE_ERROR) << result;
         EXPECT_EQ(writer.isOpen(), 0) << allocations;
       }
