@@ -134,4 +134,11 @@ int main(int argc, char** argv) {
     if (edge->from == nullptr || edge->to == nullptr) continue;
     std::printf("%s to %s\n", edge->from->name.pString(), edge->to->name.pString());
   }
+
+  NQMemorySource source("graph triangle { title: \"In memory\" }");
+  GraphReader memoryReader;
+  if (memoryReader.readOML(source, "<memory>", &grammar, nullptr, 0, 0, 0) ==
+      NQ_FILE_OK) {
+    std::printf("%s\n", memoryReader.title.pString());
+  }
 }

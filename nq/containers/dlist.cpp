@@ -47,11 +47,6 @@ void NQDList::NQDListattributeCopy(const NQDList& source) {
   NQCopyAccess::attributes<NQObject>(*this, source);
 }
 
-NQDList& NQDList::operator=(NQDList&& source) noexcept {
-  assign(source);
-  return *this;
-}
-
 NQDList::NQDList(const NQSList& source) {
   copyAllCells(&source);
 }

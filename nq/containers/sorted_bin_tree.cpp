@@ -3,7 +3,6 @@
 #include <memory>
 #include <type_traits>
 
-#include "nq/containers/bin_tree_internal.h"
 #include "nq/containers/linked_list_internal.h"
 #include "nq/containers/slist.h"
 
@@ -230,12 +229,15 @@ int NQSortedBinTree::transferList(NQBinTree* source) {
 
 int NQSortedBinTree::copyTransferListPart(const NQDList* source, const NQDListCell* from,
                                           const NQDListCell* to) {
-  return copyEach(source, from, to, nqdetail::HoldsNothing{},
-                  [this](NQObject* object) { addObject(object); });
+  if (refuses(source) || !reaches(from, to)) return 0;
+  for (;; from = from->pNextCell()) {
+    addObject(from->pObject());
+    if (from == to) return 1;
+  }
 }
 
 int NQSortedBinTree::copyTransferList(const NQDList* source) {
-  return wholeList(source, [&](const NQDListCell* from, const NQDListCell* to) {
-    return copyTransferListPart(source, from, to);
-  });
+  if (refuses(source)) return 0;
+  for (NQObject* const object : *source) addObject(object);
+  return 1;
 }

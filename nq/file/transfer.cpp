@@ -40,6 +40,15 @@ bool Channel::flush() const {
   }
 }
 
+std::int64_t Channel::size() const {
+  if (source == nullptr) return system().fileSize(handle);
+  try {
+    return source->size();
+  } catch (...) {
+    return -1;
+  }
+}
+
 bool Channel::seekBy(std::int64_t distance) const {
   return handle != noHandle() && system().seekBy(handle, distance);
 }

@@ -33,6 +33,8 @@ struct Channel {
   // All of `data`, as writeAll().
   bool write(const char* data, std::size_t count, std::size_t* written) const;
   bool flush() const;
+  // How many bytes there are to read in all; -1 when that is not known.
+  std::int64_t size() const;
   // Moves the handle by so many bytes; false also where there is none.
   bool seekBy(std::int64_t distance) const;
 };

@@ -85,6 +85,7 @@ struct FileState final : MessageSink, SourceOwner, ReadHooks {
 
   nqLong fileNameIndex(const char* name) override;
   bool mayInclude(const char* name) override;
+  std::unique_ptr<NQByteSource> includedSource(const char* name) override;
   void bytesExpected(std::int64_t size) override;
   bool bytesArrived(std::size_t count) override;
 

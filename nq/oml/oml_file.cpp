@@ -59,6 +59,10 @@ bool FileState::mayInclude(const char* name) {
   return !diagnostics.ended() && file.vIncludeFile(name) != 0 && !diagnostics.ended();
 }
 
+std::unique_ptr<NQByteSource> FileState::includedSource(const char* name) {
+  return diagnostics.ended() ? nullptr : file.vIncludedSource(name);
+}
+
 void FileState::bytesExpected(std::int64_t size) {
   bytesTotal = size < 0 || bytesTotal < 0 ? -1 : bytesTotal + size;
 }
@@ -146,14 +150,28 @@ nqLong NQOMLFile::sizeOf() const {
 NQFileCodeEnum NQOMLFile::readOMLFile(const char* fileName, NQOMLStatic* grammar,
                                       NQObject* top, nqLong topTypeIndex, int binary,
                                       int useIndexHashTable, int) {
-  if (grammar == nullptr || fileName == nullptr) return NQ_FILE_READ_ARGUMENT_ERROR;
+  return readFrom(fileName, nullptr, grammar, top, topTypeIndex, binary, useIndexHashTable);
+}
+
+NQFileCodeEnum NQOMLFile::readOML(NQByteSource& source, const char* name,
+                                  NQOMLStatic* grammar, NQObject* top,
+                                  nqLong topTypeIndex, int binary,
+                                  int useIndexHashTable) {
+  return readFrom(name, &source, grammar, top, topTypeIndex, binary, useIndexHashTable);
+}
+
+// From the source, or from the file of that name where there is none.
+NQFileCodeEnum NQOMLFile::readFrom(const char* name, NQByteSource* source,
+                               NQOMLStatic* grammar, NQObject* top, nqLong topTypeIndex,
+                               int binary, int useIndexHashTable) {
+  if (grammar == nullptr || name == nullptr) return NQ_FILE_READ_ARGUMENT_ERROR;
   if (state_->busy) return NQ_FILE_READ_ERROR;
   initParser(grammar, top, topTypeIndex, useIndexHashTable);
   const nqdetail::BusyMark mark(*state_);
   state_->running = true;
   error(0);
   try {
-    parse(fileName, binary != 0);
+    parse(name, source, binary != 0);
     checkSemantics();
     execute();
     if (state_->names && state_->names->ids.exhausted()) throw std::bad_alloc();
@@ -205,7 +223,7 @@ void NQOMLFile::cleanup() {
   }
 }
 
-void NQOMLFile::parse(const char* fileName, bool binary) {
+void NQOMLFile::parse(const char* name, NQByteSource* source, bool binary) {
   nqdetail::FileState& state = *state_;
   state.root = nullptr;
   state.tree.clear();
@@ -228,7 +246,8 @@ void NQOMLFile::parse(const char* fileName, bool binary) {
   nqdetail::Parser parser(this, *state.sources, *lexer, *state.names, state.diagnostics,
                           state.tree, std::min(state.maxNestingDepth, kDeepestNesting),
                           state.strict);
-  state.root = parser.parse(fileName);
+  if (source != nullptr) state.sources->push(*source, name);
+  state.root = parser.parse(name);
   // The files are free again before the application is called.
   state.sources.reset();
   if (state.root == nullptr) state.tree.clear();
@@ -475,6 +494,10 @@ void NQOMLFile::vWarningMessage(const char* file, nqLong line, int column, int c
 
 int NQOMLFile::vIncludeFile(const char*) {
   return 1;
+}
+
+std::unique_ptr<NQByteSource> NQOMLFile::vIncludedSource(const char*) {
+  return nullptr;
 }
 
 int NQOMLFile::vReadProgress(nqInt64, nqInt64) {

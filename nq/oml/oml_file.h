@@ -40,6 +40,7 @@
 #include <memory>
 #include <string_view>
 
+#include "nq/file/byte_stream.h"
 #include "nq/file/text_file.h"
 #include "nq/oml/grammar.h"
 #include "nq/oml/syntax_tree.h"
@@ -112,6 +113,17 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
                                                     NQOMLStatic* grammar, NQObject* top,
                                                     int binary, int useIndexHashTable,
                                                     int unused);
+
+  // The same from a source and to a sink (nq/file/byte_stream.h), which are borrowed for
+  // the call: from memory, a stream or standard input, to a string or a stream. `name`
+  // stands for the source in messages, and included files are looked for as if it were
+  // a file of that name. A source that fails is NQ_FILE_READ_ERROR, a sink that does is
+  // NQ_FILE_WRITE_ERROR; of what was written then a part may have arrived.
+  NQFileCodeEnum readOML(NQByteSource& source, const char* name, NQOMLStatic* grammar,
+                         NQObject* top, nqLong topTypeIndex, int binary,
+                         int useIndexHashTable);
+  [[nodiscard]] NQFileCodeEnum writeOML(NQByteSink& sink, NQOMLStatic* grammar,
+                                        NQObject* top, int binary, int useIndexHashTable);
 
   // The steps before and after a read, called by readOMLFile(). initParser()
   // forgets the last read, with a call of cleanup(), and makes the tables of the
@@ -316,11 +328,16 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   virtual int vIncludeFile(const char* name);
   // Called about every 64 kilobytes with the number of bytes read so far and the
   // size of the files met so far, included ones among them; -1 when one of them
-  // has none, as a device. 0 breaks the read off without a message.
+  // has none, as a pipe. 0 breaks the read off without a message.
   virtual int vReadProgress(nqInt64 bytesRead, nqInt64 bytesTotal);
 
   // Writes the top object of writeOMLFile(); nothing here.
   virtual void vWriteObject(NQObject* top);
+
+  // Called after vIncludeFile() allowed a name, for what is to be read in place of the
+  // file of that name: out of an archive, say, or what an editor has not saved yet. The
+  // reader destroys it. Null, the default, has the file read.
+  virtual std::unique_ptr<NQByteSource> vIncludedSource(const char* name);
 
   int isFatalError() const;
   void setFatalError();
@@ -360,7 +377,12 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   NQFileCodeEnum writeTop(NQObject* top, bool binary);
   // The grammar's definition of a node's type, or null.
   const NQOMLDefObjType* definitionOf(const NQOMLSyntaxObject* syntax) const;
-  void parse(const char* fileName, bool binary);
+  NQFileCodeEnum readFrom(const char* name, NQByteSource* source, NQOMLStatic* grammar,
+                      NQObject* top, nqLong topTypeIndex, int binary,
+                      int useIndexHashTable);
+  NQFileCodeEnum writeTo(const char* fileName, NQByteSink* sink, NQOMLStatic* grammar,
+                       NQObject* top, int binary, int useIndexHashTable);
+  void parse(const char* name, NQByteSource* source, bool binary);
   void checkSemantics();
 
   std::unique_ptr<nqdetail::FileState> state_;  // never null

@@ -111,7 +111,20 @@ NQFileCodeEnum NQOMLFile::detach(int mark) {
 NQFileCodeEnum NQOMLFile::writeOMLFile(const char* fileName, NQOMLStatic* grammar,
                                        NQObject* top, int binary, int useIndexHashTable,
                                        int) {
-  if (grammar == nullptr || fileName == nullptr) return NQ_FILE_WRITE_ARGUMENT_ERROR;
+  if (fileName == nullptr) return NQ_FILE_WRITE_ARGUMENT_ERROR;
+  return writeTo(fileName, nullptr, grammar, top, binary, useIndexHashTable);
+}
+
+NQFileCodeEnum NQOMLFile::writeOML(NQByteSink& sink, NQOMLStatic* grammar, NQObject* top,
+                                   int binary, int useIndexHashTable) {
+  return writeTo(nullptr, &sink, grammar, top, binary, useIndexHashTable);
+}
+
+// To the sink, or to a file of that name where there is none.
+NQFileCodeEnum NQOMLFile::writeTo(const char* fileName, NQByteSink* sink,
+                                NQOMLStatic* grammar, NQObject* top, int binary,
+                                int useIndexHashTable) {
+  if (grammar == nullptr) return NQ_FILE_WRITE_ARGUMENT_ERROR;
   nqdetail::FileState& state = *state_;
   if (state.busy) return NQ_FILE_WRITE_ERROR;
   // The application may throw in its hook, and in overrides of what is called here.
@@ -134,7 +147,9 @@ NQFileCodeEnum NQOMLFile::writeOMLFile(const char* fileName, NQOMLStatic* gramma
   bool opened = false;
   if (result == NQ_FILE_OK) {
     result = attempt([&] {
-      opened = open(fileName, binary != 0 ? NQ_WRITE_BINARY : NQ_WRITE) == NQ_FILE_OK;
+      const NQFileModeEnum newMode = binary != 0 ? NQ_WRITE_BINARY : NQ_WRITE;
+      opened = (sink != nullptr ? attachSink(*sink, newMode) : open(fileName, newMode)) ==
+               NQ_FILE_OK;
       return opened ? NQ_FILE_OK : NQ_FILE_OPEN_ERROR;
     });
   }
@@ -146,7 +161,8 @@ NQFileCodeEnum NQOMLFile::writeOMLFile(const char* fileName, NQOMLStatic* gramma
   }
   if (opened || isOpen()) {
     if (result != NQ_FILE_OK) abandon();
-    const NQFileCodeEnum closed = attempt([this] { return close(); });
+    const NQFileCodeEnum closed =
+        attempt([&] { return sink != nullptr ? detach(0) : close(); });
     if (result == NQ_FILE_OK) result = closed;
   }
   state.top = {};

@@ -39,6 +39,7 @@ class LexerHarness : nqdetail::MessageSink, nqdetail::SourceOwner {
   void stop() override {}
   nqLong fileNameIndex(const char* name) override { return names.strings.addOnce(name); }
   bool mayInclude(const char*) override { return true; }
+  std::unique_ptr<NQByteSource> includedSource(const char*) override { return nullptr; }
   void bytesExpected(std::int64_t) override {}
   bool bytesArrived(std::size_t) override { return true; }
   void add(const std::string& word);

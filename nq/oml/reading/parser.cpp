@@ -52,7 +52,7 @@ bool sameValues(const NQOMLDefField& a, const NQOMLDefField& b) {
 
 NQOMLSyntaxObject* Parser::parse(const char* fileName) {
   if (diagnostics_.ended()) return nullptr;
-  if (!sources_.push(fileName)) {
+  if (sources_.empty() && !sources_.push(fileName)) {
     diagnostics_.fatalError({}, kCannotOpen, fileName);
     diagnostics_.errorCode = NQ_FILE_OPEN_ERROR;
     return nullptr;

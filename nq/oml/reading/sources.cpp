@@ -22,7 +22,15 @@ bool isRelative(std::string_view name) {
 Source::Source(SourceOwner& owner, const std::string& name, Access access, bool text)
     : owner_(owner),
       name_(name),
-      handle_(system().open(name.c_str(), access, Creation::kExisting)),
+      channel_{.handle = system().open(name.c_str(), access, Creation::kExisting)},
+      text_(text) {}
+
+Source::Source(SourceOwner& owner, NQByteSource& source,
+               std::unique_ptr<NQByteSource> owned, const std::string& name, bool text)
+    : owner_(owner),
+      name_(name),
+      owned_(std::move(owned)),
+      channel_{.source = &source},
       text_(text) {}
 
 Source::~Source() {
@@ -37,7 +45,7 @@ void Source::start() {
 }
 
 bool Source::close() {
-  const Handle handle = std::exchange(handle_, noHandle());
+  const Handle handle = std::exchange(channel_.handle, noHandle());
   return handle == noHandle() || system().close(handle);
 }
 
@@ -69,7 +77,7 @@ void Source::makeRoom(const char* keep) {
 
 bool Source::read(char* place, std::size_t room, std::size_t& count) {
   count = 0;
-  failed_ = !system().read(handle_, place, room, &count) || !owner_.bytesArrived(count);
+  failed_ = !channel_.read(place, room, &count) || !owner_.bytesArrived(count);
   if (failed_) count = 0;
   return count > 0;
 }
@@ -120,6 +128,13 @@ bool Sources::open(const std::string& name) {
       (!files_.empty() && !owner_.mayInclude(name.c_str()))) {
     return false;
   }
+  if (!files_.empty()) {
+    if (auto owned = owner_.includedSource(name.c_str())) {
+      NQByteSource& bytes = *owned;
+      add(std::make_unique<Source>(owner_, bytes, std::move(owned), name, text_));
+      return true;
+    }
+  }
   auto source = std::make_unique<Source>(owner_, name, access_, text_);
   if (!source->isOpen()) return false;
   // No file includes itself, also where the system would open it once more.
@@ -127,13 +142,20 @@ bool Sources::open(const std::string& name) {
                   [&source](const auto& file) { return file->isSameAs(*source); })) {
     return false;
   }
-  const std::int64_t size = source->size();
-  if (!files_.empty() && size < 0) return false;
+  if (!files_.empty() && source->size() < 0) return false;
+  add(std::move(source));
+  return true;
+}
+
+void Sources::push(NQByteSource& source, const char* name) {
+  add(std::make_unique<Source>(owner_, source, nullptr, name, text_));
+}
+
+void Sources::add(std::unique_ptr<Source> source) {
   source->start();
   files_.push_back(std::move(source));
-  owner_.bytesExpected(size);
+  owner_.bytesExpected(top().size());
   ++opened_;
-  return true;
 }
 
 bool Sources::push(const char* name) {

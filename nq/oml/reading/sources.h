@@ -19,6 +19,7 @@
 #include <string_view>
 #include <vector>
 
+#include "nq/file/transfer_internal.h"
 #include "nq/oml/diagnostics/diagnostics.h"
 #include "nq/platform/system_internal.h"
 #include "nq/platform/types.h"
@@ -31,6 +32,8 @@ struct SourceOwner {
   virtual nqLong fileNameIndex(const char* name) = 0;
   // Whether a file that another one includes may be opened.
   virtual bool mayInclude(const char* name) = 0;
+  // What is to be read in place of an included file of that name; null for the file.
+  virtual std::unique_ptr<NQByteSource> includedSource(const char* name) = 0;
   // A file of so many bytes is opened; -1 for one that cannot tell.
   virtual void bytesExpected(std::int64_t size) = 0;
   // So many bytes have arrived; false ends the data as a failing read does.
@@ -48,16 +51,19 @@ class Source {
   // Opens the file of that name, for start() to make ready. In a text a zero byte ends
   // the data.
   Source(SourceOwner& owner, const std::string& name, Access access, bool text);
+  // The same with a source, which is borrowed where `owned` is null.
+  Source(SourceOwner& owner, NQByteSource& source, std::unique_ptr<NQByteSource> owned,
+         const std::string& name, bool text);
   Source(const Source&) = delete;
   Source& operator=(const Source&) = delete;
   ~Source();
 
-  bool isOpen() const { return handle_ != noHandle(); }
+  bool isOpen() const { return channel_.handle != noHandle(); }
   bool isSameAs(const Source& other) const {
-    return system().isSameFile(handle_, other.handle_);
+    return system().isSameFile(channel_.handle, other.channel_.handle);
   }
   // -1 for a file that cannot tell.
-  std::int64_t size() const { return system().fileSize(handle_); }
+  std::int64_t size() const { return channel_.size(); }
   // Brings the file into the table of names, and an empty window on it.
   void start();
 
@@ -105,7 +111,8 @@ class Source {
 
   SourceOwner& owner_;
   std::string name_;
-  Handle handle_;
+  std::unique_ptr<NQByteSource> owned_;
+  Channel channel_;
   nqLong fileIndex_ = -1;
   nqLong line_ = 1;
   bool text_;
@@ -141,6 +148,9 @@ class Sources {
   // it stands is tried in the directory of the file on top. False when it cannot
   // be opened, when the owner forbids it, or when a limit is reached.
   bool push(const char* name);
+  // Puts a source, which is borrowed, on top of the stack; names of files that it
+  // includes are relative to `name`.
+  void push(NQByteSource& source, const char* name);
   // Closes the file on top; false when the close fails.
   bool pop();
   void clear();
@@ -158,6 +168,7 @@ class Sources {
 
  private:
   bool open(const std::string& name);
+  void add(std::unique_ptr<Source> source);
 
   SourceOwner& owner_;
   bool text_;
