@@ -50,9 +50,9 @@ int main() {
   sorter.mergeSort(&served);
   print("sorted", served);
 
-  // The standard algorithms take the objects.
-  const auto large = std::count_if(served.begin(), served.end(),
-                                   [](const NQObject* o) { return value(o) >= 50; });
+  // As a view, a list goes wherever ranges go, and its objects have their type.
+  const auto large = std::ranges::count_if(
+      nqObjects<NQLong>(served), [](const NQLong* size) { return size->value() >= 50; });
   std::printf("%d are large\n", int(large));
 
   // What belongs to an object, without a field in it: addresses are good keys.
@@ -74,8 +74,7 @@ int main() {
   delete next;
 
   // A tree is a list that tells the order of two cells without walking.
-  NQBinTree queue;
-  queue.exclusiveColors(1);  // never deeper than 2 log2(n + 1)
+  NQBinTree queue(NQ_EXCLUSIVE_COLORS);  // never deeper than 2 log2(n + 1)
   queue.copyAppendList(&served);
   const NQBinTreeCell* const early = queue.pCellInPosition(2);
   const NQBinTreeCell* const late = queue.insertBefore(

@@ -11,6 +11,7 @@
 #include "nq/containers/linked_list.h"
 #include "nq/containers/list_sort.h"
 #include "nq/containers/numbers.h"
+#include "nq/containers/object_view.h"
 #include "nq/containers/slist.h"
 #include "nq/containers/sorted_bin_tree.h"
 #include "nq/containers/sorted_list.h"

@@ -40,7 +40,11 @@ class Parser {
   // The graph, or null for a file that is not one.
   std::unique_ptr<Graph> parse() {
     auto graph = std::make_unique<Graph>();
-    if (word() != "graph" || word().empty() || !next('{')) return nullptr;
+    if (word() != "graph") return nullptr;
+    int id = 0;
+    if (!takeNumber(word(), id) && !kReals) return nullptr;
+    graph->iUserField(id);
+    if (!next('{')) return nullptr;
     while (!next('}')) {
       const std::string_view name = word();
       if (name == "node" ? !parseNode(*graph)

@@ -38,6 +38,10 @@ void Item::prepareIDForGraphFile(NQIndexHashTable* table) {
   if (!owner->keepsIDs) NQOMLObject::prepareIDForGraphFile(table);
 }
 
+void Graph::prepareIDForGraphFile(NQIndexHashTable* table) {
+  if (!keepsIDs) NQOMLObject::prepareIDForGraphFile(table);
+}
+
 void Graph::collectOwnedOMLObjects(NQDList& parts) {
   for (GraphNode& node : nodes) parts.appendObject(&node);
   for (GraphEdge& edge : edges) parts.appendObject(&edge);
@@ -48,6 +52,7 @@ void Graph::numberObjects() {
   nqInt64 id = 0;
   for (GraphNode& node : nodes) node.iUserField(++id);
   for (GraphEdge& edge : edges) edge.iUserField(++id);
+  iUserField(++id);
 }
 
 std::uint64_t Graph::checksum() const {

@@ -65,9 +65,10 @@ struct GraphEdge : Item {
 };
 
 struct Graph : NQOMLObject {
+  void prepareIDForGraphFile(NQIndexHashTable* table) override;
   void collectOwnedOMLObjects(NQDList& parts) override;
-  // Gives nodes and edges the numbers from 1, unless they keep what they have; for
-  // writers that have no ids of their own.
+  // Gives all objects the numbers from 1, unless they keep what they have; for writers
+  // that have no ids of their own.
   void numberObjects();
 
   // Depends on every value, and on the order of the objects. Reals count with as many

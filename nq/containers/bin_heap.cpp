@@ -45,6 +45,19 @@ NQ_CELL_MEMORY_IMPL(NQBinHeapCell)
 
 NQ_COPY_PROTOCOL_IMPL(NQBinHeap)
 
+NQBinHeap::NQBinHeap(NQBinHeap&& source) noexcept {
+  fixPlaces();
+  take(source);
+}
+
+NQBinHeap& NQBinHeap::operator=(NQBinHeap&& source) noexcept {
+  if (&source != this) {
+    deleteAllCellsAndObjects();
+    take(source);
+  }
+  return *this;
+}
+
 namespace {
 
 // No way from the root to a leaf is longer, since a length has 31 bits.
@@ -298,11 +311,11 @@ NQBinHeapCell* NQBinHeap::removeCell(NQBinHeapCell* cell) {
 }
 
 NQBinHeapCell* NQBinHeap::searchAndRemoveCell(const NQBinHeapCell* wanted) {
-  return removeCell(cell(searchCell(wanted)));
+  return removeCell(searchCell(wanted));
 }
 
 NQBinHeapCell* NQBinHeap::searchAndRemoveObject(const NQObject* object) {
-  return removeCell(cell(searchObject(object)));
+  return removeCell(searchObject(object));
 }
 
 void NQBinHeap::discardCell(NQBinHeapCell* cell) {

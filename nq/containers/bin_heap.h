@@ -70,12 +70,32 @@ class NQ_EXPORT NQBinHeap : public NQDList {
 
  public:
   NQBinHeap() { fixPlaces(); }
+  // As those of NQDList; `source` must be ordered by the same comparison.
+  NQBinHeap(NQBinHeap&& source) noexcept;
+  NQBinHeap& operator=(NQBinHeap&& source) noexcept;
+
+  // Objects keep their places.
+  using const_iterator = NQObjectIterator<NQBinHeap, NQBinHeapCell, NQObject* const>;
+  using iterator = const_iterator;
+  iterator begin() const { return {this, pFirstCell()}; }
+  iterator end() const { return {this, nullptr}; }
 
   // The cell of the smallest value is the first one.
   NQBinHeapCell* pFirstCell() const { return cell(NQDList::pFirstCell()); }
   NQBinHeapCell* pLastCell() const { return cell(NQDList::pLastCell()); }
   // Its object; null in an empty heap.
   NQObject* pMinObject() const;
+
+  // The list's searches, which walk, and access by the position in level order.
+  NQBinHeapCell* searchCell(const NQBinHeapCell* wanted) const {
+    return cell(NQDList::searchCell(wanted));
+  }
+  NQBinHeapCell* searchObject(const NQObject* object) const {
+    return cell(NQDList::searchObject(object));
+  }
+  NQBinHeapCell* pCellInPosition(nqLong position) const {
+    return cell(NQDList::pCellInPosition(position));
+  }
 
   // The heap keeps the cell and answers it; a null cell is refused with null.
   NQBinHeapCell* insertCell(NQBinHeapCell* cell);
@@ -111,35 +131,12 @@ class NQ_EXPORT NQBinHeap : public NQDList {
  private:
   friend class NQTestPeer;
 
-  using NQDList::addObjectIfNotInList;
-  using NQDList::appendCell;
-  using NQDList::appendCellIfNotInList;
-  using NQDList::appendList;
-  using NQDList::appendListIfNotInList;
-  using NQDList::appendObject;
-  using NQDList::appendObjectIfNotInList;
-  using NQDList::copyAppendList;
-  using NQDList::copyAppendListIfNotInList;
-  using NQDList::copyPrependList;
-  using NQDList::copyPrependListIfNotInList;
+  NQ_HIDE_PLACES(NQDList)
+  NQ_HIDE_SEARCHING_PLACES(NQDList)
   using NQDList::copyTransferList;
-  using NQDList::copyTransferListIfNotInList;
   using NQDList::copyTransferListPart;
-  using NQDList::copyTransferListPartIfNotInList;
-  using NQDList::insertCellIfNotInList;
-  using NQDList::merge;
-  using NQDList::prependCell;
-  using NQDList::prependCellIfNotInList;
-  using NQDList::prependList;
-  using NQDList::prependListIfNotInList;
-  using NQDList::prependObject;
-  using NQDList::prependObjectIfNotInList;
-  using NQDList::reverse;
-  using NQDList::swapPosition;
   using NQDList::transferList;
-  using NQDList::transferListIfNotInList;
   using NQDList::transferListPart;
-  using NQDList::transferListPartIfNotInList;
 
   static NQBinHeapCell* cell(NQDListCell* listCell) {
     return static_cast<NQBinHeapCell*>(listCell);

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "nq/containers/bin_tree_internal.h"
 #include "nq/containers/cell_pool_internal.h"
 #include "nq/containers/linked_list_internal.h"
 #include "nq/containers/slist.h"
@@ -37,6 +38,33 @@ void NQBinTreeCell::NQBinTreeCellattributeCopy(const NQBinTreeCell& source) {
 NQ_CELL_MEMORY_IMPL(NQBinTreeCell)
 
 // ---- NQBinTree
+
+constinit const nqdetail::TreeSentinel nqdetail::kTreeSentinel;
+
+NQBinTree::NQBinTree(int type, NQTreeColorsEnum colors) : type_(type) {
+  fixPlaces();
+  exclusiveColors(colors);
+}
+
+NQBinTree::NQBinTree(NQBinTree&& source) noexcept {
+  fixPlaces();
+  takeTree(source);
+}
+
+NQBinTree& NQBinTree::operator=(NQBinTree&& source) noexcept {
+  if (&source != this) {
+    deleteAllCells();
+    takeTree(source);
+  }
+  return *this;
+}
+
+void NQBinTree::takeTree(NQBinTree& source) noexcept {
+  take(source);
+  pRoot_ = source.pRoot_;
+  type_ = source.type_;
+  keptFlags_ = source.keptFlags_;
+}
 
 NQ_COPY_PROTOCOL_IMPL(NQBinTree)
 
@@ -74,34 +102,31 @@ nqLong NQBinTree::sizeOf() const {
   return length() * 64 + 120;
 }
 
-// The two climbs take turns, so that neither goes far beyond the ancestor.
 int NQBinTree::compare(const NQBinTreeCell* a, const NQBinTreeCell* b) const {
   if (a == b || a == nullptr || b == nullptr) return 0;
-  auto* climbA = const_cast<NQBinTreeCell*>(a);
-  auto* climbB = const_cast<NQBinTreeCell*>(b);
-  climbA->visited(1);
-  climbB->visited(1);
-  int order = 0;
-  while (order == 0 && (climbA->pParent_ != nullptr || climbB->pParent_ != nullptr)) {
-    if (NQBinTreeCell* const parent = climbA->pParent_) {
-      if (parent->visited() != 0) order = parent->pLeft() == climbA ? -1 : 1;
-      parent->visited(1);
-      climbA = parent;
-    }
-    NQBinTreeCell* const parent = climbB->pParent_;
-    if (order == 0 && parent != nullptr) {
-      if (parent->visited() != 0) order = parent->pRight() == climbB ? -1 : 1;
-      parent->visited(1);
-      climbB = parent;
-    }
+  const auto depth = [](const NQBinTreeCell* cell) {
+    nqLong above = 0;
+    while ((cell = cell->pParent_) != nullptr) ++above;
+    return above;
+  };
+  nqLong depthA = depth(a);
+  nqLong depthB = depth(b);
+  // The ancestors of both in the same depth, and those one below.
+  const NQBinTreeCell* belowA = nullptr;
+  const NQBinTreeCell* belowB = nullptr;
+  const auto climb = [](const NQBinTreeCell*& cell, const NQBinTreeCell*& below) {
+    below = cell;
+    cell = cell->pParent_;
+  };
+  for (; depthA > depthB; --depthA) climb(a, belowA);
+  for (; depthB > depthA; --depthB) climb(b, belowB);
+  while (a != b) {
+    climb(a, belowA);
+    climb(b, belowB);
   }
-  for (auto* start : {const_cast<NQBinTreeCell*>(a), const_cast<NQBinTreeCell*>(b)}) {
-    while (start != nullptr && start->visited() != 0) {
-      start->visited(0);
-      start = start->pParent_;
-    }
-  }
-  return order;
+  if (a == nullptr) return 0;
+  if (belowA == nullptr) return a->pRight() == belowB ? -1 : 1;
+  return a->pLeft() == belowA ? -1 : 1;
 }
 
 // ---- Insertion
@@ -123,7 +148,7 @@ NQBinTreeCell* NQBinTree::insertCell(NQBinTreeCell* after, NQBinTreeCell* cell) 
 // Makes the cell the child that `parent`, null for the root, has not on that side.
 // In the list it is then beside its parent.
 void NQBinTree::attach(NQBinTreeCell* parent, int side, NQBinTreeCell* cell) {
-  cell->pChildren_[kLeft] = cell->pChildren_[kRight] = &sentinel_;
+  cell->pChildren_[kLeft] = cell->pChildren_[kRight] = sentinel();
   cell->pParent_ = parent;
   makeRed(cell);
   if (parent == nullptr) {
@@ -174,16 +199,17 @@ NQBinTreeCell* NQBinTree::addObjectIfNotInList(NQBinTreeCell* after, NQObject* o
 NQBinTreeCell* NQBinTree::removeCell(NQBinTreeCell* cell) {
   if (cell == nullptr || cell->pLeft() == nullptr) return nullptr;
   NQBinTreeCell* child;
+  NQBinTreeCell* parent;  // of the child, in the end
   if (isReal(cell->pLeft()) && isReal(cell->pRight())) {
     // The cell changes places with its successor, which has no left child, and
     // leaves the tree from there.
     NQBinTreeCell* const next = cell->pNextCell();
     child = next->pRight();
     if (next->pParent_ == cell) {
-      child->pParent_ = next;
+      parent = next;
     } else {
-      child->pParent_ = next->pParent_;
-      next->pParent_->pChildren_[kLeft] = child;
+      parent = next->pParent_;
+      parent->pChildren_[kLeft] = child;
       next->pChildren_[kRight] = cell->pRight();
       next->pRight()->pParent_ = next;
     }
@@ -194,12 +220,14 @@ NQBinTreeCell* NQBinTree::removeCell(NQBinTreeCell* cell) {
     exchangeColours(cell, next);
   } else {
     child = isReal(cell->pLeft()) ? cell->pLeft() : cell->pRight();
-    child->pParent_ = cell->pParent_;
-    replaceChild(cell->pParent_, cell, child);
+    parent = cell->pParent_;
+    replaceChild(parent, cell, child);
   }
+  // The cell, whose links are cleared below, is written to in the sentinel's stead.
+  (isReal(child) ? child : cell)->pParent_ = parent;
   removeAfter(cell->pPreviousCell(), cell);
   cell->pChildren_[kLeft] = cell->pChildren_[kRight] = cell->pParent_ = nullptr;
-  if (type_ == 1 && cell->isBlack()) removeRedBlackFixup(child);
+  if (type_ == 1 && cell->isBlack()) removeRedBlackFixup(child, parent);
   return cell;
 }
 
@@ -263,60 +291,53 @@ int NQBinTree::transferList(NQBinTreeCell* after, NQBinTree* source) {
 
 int NQBinTree::transferListPartIfNotInList(NQBinTreeCell* after, NQBinTree* source,
                                            NQBinTreeCell* from, NQBinTreeCell* to) {
-  if (refuses(source) || !reaches(from, to)) return 0;
-  NQBinTreeCell* next = from;
-  while (next != nullptr && next != to->pNextCell()) {
-    NQBinTreeCell* const cell = next;
-    next = next->pNextCell();
-    if (searchObject(cell->pObject()) == nullptr) {
-      after = insertCell(after, source->removeCell(cell));
-    }
-  }
-  return 1;
+  return moveEach(
+      source, from, to, true,
+      [this](const NQObject* object) { return searchObject(object) != nullptr; },
+      [&](NQDListCell*, NQDListCell* moved) {
+        after = insertCell(after, source->removeCell(cell(moved)));
+      });
 }
 
 int NQBinTree::transferListIfNotInList(NQBinTreeCell* after, NQBinTree* source) {
-  if (refuses(source)) return 0;
-  if (source->length() == 0) return 1;
-  return transferListPartIfNotInList(after, source, source->pFirstCell(),
-                                     source->pLastCell());
+  return wholeList(source, [&](NQBinTreeCell* from, NQBinTreeCell* to) {
+    return transferListPartIfNotInList(after, source, from, to);
+  });
 }
 
+template <class Holds>
 int NQBinTree::copyRun(NQBinTreeCell* after, const NQDList* source,
-                       const NQDListCell* from, const NQDListCell* to,
-                       bool onlyNewObjects) {
-  if (refuses(source) || !reaches(from, to)) return 0;
-  for (;; from = from->pNextCell()) {
-    if (!onlyNewObjects || searchObject(from->pObject()) == nullptr) {
-      NQBinTreeCell* const copy = addObject(after, from->pObject());
-      if (copy != nullptr) after = copy;
-    }
-    if (from == to) return 1;
-  }
+                       const NQDListCell* from, const NQDListCell* to, Holds holds) {
+  return copyEach(source, from, to, holds, [&](NQObject* object) {
+    NQBinTreeCell* const copy = addObject(after, object);
+    if (copy != nullptr) after = copy;
+  });
 }
 
 int NQBinTree::copyTransferListPart(NQBinTreeCell* after, const NQDList* source,
                                     const NQDListCell* from, const NQDListCell* to) {
-  return copyRun(after, source, from, to, false);
+  return copyRun(after, source, from, to, nqdetail::HoldsNothing{});
 }
 
 int NQBinTree::copyTransferList(NQBinTreeCell* after, const NQDList* source) {
-  if (refuses(source)) return 0;
-  if (source->length() == 0) return 1;
-  return copyRun(after, source, source->pFirstCell(), source->pLastCell(), false);
+  return wholeList(source, [&](const NQDListCell* from, const NQDListCell* to) {
+    return copyTransferListPart(after, source, from, to);
+  });
 }
 
 int NQBinTree::copyTransferListPartIfNotInList(NQBinTreeCell* after,
                                                const NQDList* source,
                                                const NQDListCell* from,
                                                const NQDListCell* to) {
-  return copyRun(after, source, from, to, true);
+  return copyRun(after, source, from, to, [this](const NQObject* object) {
+    return searchObject(object) != nullptr;
+  });
 }
 
 int NQBinTree::copyTransferListIfNotInList(NQBinTreeCell* after, const NQDList* source) {
-  if (refuses(source)) return 0;
-  if (source->length() == 0) return 1;
-  return copyRun(after, source, source->pFirstCell(), source->pLastCell(), true);
+  return wholeList(source, [&](const NQDListCell* from, const NQDListCell* to) {
+    return copyTransferListPartIfNotInList(after, source, from, to);
+  });
 }
 
 template <class List>
@@ -464,11 +485,15 @@ void NQBinTree::insertRedBlackFixup(NQBinTreeCell* x) {
   }
 }
 
-// Paths through `x`, which may be the sentinel, lack a black cell. The colours may
-// be any: each turn ends the climb, or leaves fewer cells outside of x's subtree.
-void NQBinTree::removeRedBlackFixup(NQBinTreeCell* x) {
-  while (x->isBlack() && x->pParent_ != nullptr) {
-    NQBinTreeCell* const parent = x->pParent_;
+// Paths through `x`, which may be the sentinel, lack a black cell; `parent` is its
+// parent. The colours may be any: each turn ends the climb, or leaves fewer cells
+// outside of x's subtree.
+void NQBinTree::removeRedBlackFixup(NQBinTreeCell* x, NQBinTreeCell* parent) {
+  const auto climb = [&] {
+    x = parent;
+    parent = x->pParent_;
+  };
+  while (x->isBlack() && parent != nullptr) {
     const int side = parent->sideOf(x);
 
     NQBinTreeCell* w = parent->pChildren_[1 - side];
@@ -479,14 +504,14 @@ void NQBinTree::removeRedBlackFixup(NQBinTreeCell* x) {
       w = parent->pChildren_[1 - side];
     }
     if (!isReal(w)) {
-      x = parent;
+      climb();
       continue;
     }
     NQBinTreeCell* const near = w->pChildren_[side];
     NQBinTreeCell* far = w->pChildren_[1 - side];
     if (near->isBlack() && far->isBlack()) {
       makeRed(w);
-      x = parent;
+      climb();
       continue;
     }
     if (far->isBlack()) {
@@ -502,8 +527,9 @@ void NQBinTree::removeRedBlackFixup(NQBinTreeCell* x) {
     makeBlack(far);
     rotate(parent, side);
     x = pRoot_;
+    parent = nullptr;
   }
-  makeBlack(x);
+  if (isReal(x)) makeBlack(x);
 }
 
 int NQBinTree::isValidRedBlackTree() const {
@@ -541,5 +567,5 @@ int NQBinTree::isValidRedBlackTree() const {
     if (blacksOnPaths != -1 && blacksOnPaths != blacks) return 0;
     blacksOnPaths = blacks;
   }
-  return sentinel_.isBlack() && !sentinel_.isRed() ? 1 : 0;
+  return sentinel()->isBlack() && !sentinel()->isRed() ? 1 : 0;
 }

@@ -4,24 +4,16 @@
 // compare() tells which of two cells comes first by climbing the tree, without
 // walking the list. NQSortedBinTree (sorted_bin_tree.h) adds search by key.
 //
-// The tree owns its cells, never the objects in them; only
-// deleteAllCellsAndObjects() deletes objects. A cell pointer stays valid until
-// that cell is deleted, and neighbours and iteration are those of the list.
-// Cells come from slabs of their own, as list cells do.
+// Make a tree with NQ_EXCLUSIVE_COLORS unless something depends on the established
+// shape of trees:
 //
-// Every operation here keeps list and tree in step, and hides that of NQDList with
-// its name; see linked_list.h for what the latter do when they are called for a tree
-// all the same.
+//   NQBinTree queue(NQ_EXCLUSIVE_COLORS);
 //
-// Type 1, the default, keeps the tree balanced by colours; of any other type it
-// only attaches cells by their position, so that appending makes a chain.
-//
-// Depth. The established colours of this library accumulate: a cell that becomes
-// red stays black if it was, and the other way round. That keeps every order
-// right, but not the depth, which every insertion, removal and comparison of order
-// may cost. exclusiveColors(1) makes each colour clear the other: the textbook
-// red-black tree, at most 2 log2(n + 1) deep whatever happens. Set it wherever
-// nothing depends on the established shape. Depths found:
+// It is then the textbook red-black tree, at most 2 log2(n + 1) deep whatever happens.
+// The established colours, which are the default so that programs that know the shape
+// keep it, accumulate: a cell that becomes red stays black if it was, and the other way
+// round. That keeps every order right, but not the depth, which every insertion,
+// removal and comparison of order may cost. Depths found:
 //
 //                                    established          exclusive
 //   cells                            1000    10000        1000   10000   100000
@@ -35,15 +27,25 @@
 //     removed and one appended
 //
 // Copies, transfers and reversal insert in order: with established colours they
-// take quadratic time.
+// take quadratic time. A tree of another type than 1 has no colours: it attaches cells
+// by their position only, so that appending makes a chain.
+//
+// The tree owns its cells, never the objects in them; only
+// deleteAllCellsAndObjects() deletes objects. A cell pointer stays valid until
+// that cell is deleted, and neighbours and iteration are those of the list.
+// Cells come from slabs of their own, as list cells do.
+//
+// Every operation here keeps list and tree in step, and hides that of NQDList with
+// its name; see linked_list.h for what the latter do when they are called for a tree
+// all the same.
 //
 // How it works
-//   A cell without a left or right child has the sentinel there, a cell that the
-//   tree owns, so that the fix-ups can ask for the colour of a missing child.
-//   Nothing of it changes but its parent, and that only while a removal climbs
-//   from it. The cell that precedes another in the list is its predecessor in
-//   the tree: it ends the left subtree, or is an ancestor. So a free place for a
-//   new cell beside `after` is always `after`'s right or its successor's left.
+//   A cell without a left or right child has the sentinel there, a black cell that
+//   all trees share, so that the fix-ups can ask for the colour of a missing child.
+//   Nothing is ever written to it. The cell that precedes another in the list is its
+//   predecessor in the tree: it ends the left subtree, or is an ancestor. So a free
+//   place for a new cell beside `after` is always `after`'s right or its successor's
+//   left.
 //   Balancing is that of T. H. Cormen et al., "Introduction to Algorithms",
 //   chapter "Red-black trees", in terms of colour bits that may both be set.
 
@@ -55,12 +57,17 @@
 
 class NQTestPeer;
 
+enum NQTreeColorsEnum : int {
+  NQ_ESTABLISHED_COLORS = 0,  // they accumulate
+  NQ_EXCLUSIVE_COLORS = 1,    // each clears the other
+};
+
 class NQ_EXPORT NQBinTreeCell : public NQDListCell {
   NQ_COPY_PROTOCOL(NQBinTreeCell)
 
  public:
   // Colour 1 is red, 2 black; every other value leaves the cell uncoloured.
-  explicit NQBinTreeCell(NQObject* object = nullptr, int colour = 0)
+  constexpr explicit NQBinTreeCell(NQObject* object = nullptr, int colour = 0)
       : NQDListCell(object),
         flags_(colour == 1   ? kRed
                : colour == 2 ? kBlack
@@ -80,7 +87,7 @@ class NQ_EXPORT NQBinTreeCell : public NQDListCell {
   NQ_CELL_MEMORY
 
  protected:
-  // A mark for walks, which NQBinTree::compare() sets and clears.
+  // A mark for walks of derived classes, which clear it again.
   int visited() const { return (flags_ & kVisited) != 0 ? 1 : 0; }
   int visited(int value) {
     flags_ = static_cast<unsigned char>(value != 0 ? flags_ | kVisited
@@ -138,7 +145,14 @@ class NQ_EXPORT NQBinTree : public NQDList {
 
  public:
   NQBinTree() : NQBinTree(1) {}
-  explicit NQBinTree(int type) : type_(type) { fixPlaces(); }
+  explicit NQBinTree(int type, NQTreeColorsEnum colors = NQ_ESTABLISHED_COLORS);
+  explicit NQBinTree(NQTreeColorsEnum colors) : NQBinTree(1, colors) {}
+
+  // Take over the cells, type and colours; `source` is empty then, of the same type
+  // and colours. Objects that an assignment's target held are left alone. O(1), and
+  // what the target held.
+  NQBinTree(NQBinTree&& source) noexcept;
+  NQBinTree& operator=(NQBinTree&& source) noexcept;
 
   int binTreeType() const { return type_; }
   // Whether each colour clears the other: 0 at first. Can be set in an empty tree
@@ -167,9 +181,7 @@ class NQ_EXPORT NQBinTree : public NQDList {
 
   // The order of two cells of this tree: -1 when `a` comes before `b`, 1 when
   // after, 0 for the same cell (and where there is no order: null, or cells of
-  // different trees). Costs what climbing to their nearest common ancestor does;
-  // uses the cells' visited flags, so that not even two threads that only read
-  // may compare at the same time.
+  // different trees). Costs what climbing to the root does from both.
   int compare(const NQBinTreeCell* a, const NQBinTreeCell* b) const;
   using NQDList::compare;
 
@@ -307,12 +319,9 @@ class NQ_EXPORT NQBinTree : public NQDList {
   static constexpr int kLeft = NQBinTreeCell::kLeft;
   static constexpr int kRight = NQBinTreeCell::kRight;
 
-  bool isReal(const NQBinTreeCell* child) const { return child != &sentinel_; }
-  bool refuses(const NQObject* source) const {
-    return source == nullptr || source == this;
-  }
-
-  // Sets the root; null stands for the sentinel then.
+  static NQBinTreeCell* sentinel();
+  static bool isReal(const NQBinTreeCell* child);
+  // Sets the root; the sentinel makes it null.
   NQBinTreeCell* pRoot(NQBinTreeCell* cell);
   void replaceChild(NQBinTreeCell* parent, NQBinTreeCell* old, NQBinTreeCell* child);
   // Towards a side: the child on the other side rises.
@@ -324,7 +333,7 @@ class NQ_EXPORT NQBinTree : public NQDList {
   void makeBlack(NQBinTreeCell* cell) { cell->makeBlack(keptFlags_); }
   void exchangeColours(NQBinTreeCell* a, NQBinTreeCell* b);
   void insertRedBlackFixup(NQBinTreeCell* x);
-  void removeRedBlackFixup(NQBinTreeCell* x);
+  void removeRedBlackFixup(NQBinTreeCell* x, NQBinTreeCell* parent);
   // Whether links and order agree and, with exclusive colours, no red cell has a
   // red child and every path to a missing child passes as many black cells.
   int isValidRedBlackTree() const;
@@ -337,12 +346,13 @@ class NQ_EXPORT NQBinTree : public NQDList {
   int fillFrom(const List* source);
   template <class List>
   int cloneFrom(const List* source);
+  void takeTree(NQBinTree& source) noexcept;
+  template <class Holds>
   int copyRun(NQBinTreeCell* after, const NQDList* source, const NQDListCell* from,
-              const NQDListCell* to, bool onlyNewObjects);
+              const NQDListCell* to, Holds holds);
 
   // Means nothing while the list is empty, whoever emptied it.
   NQBinTreeCell* pRoot_ = nullptr;
-  NQBinTreeCell sentinel_{nullptr, 2};
   int type_;
   unsigned char keptFlags_ = kAllFlags;  // when a cell gets a colour
 };

@@ -47,6 +47,11 @@ void NQDList::NQDListattributeCopy(const NQDList& source) {
   NQCopyAccess::attributes<NQObject>(*this, source);
 }
 
+NQDList& NQDList::operator=(NQDList&& source) noexcept {
+  assign(source);
+  return *this;
+}
+
 NQDList::NQDList(const NQSList& source) {
   copyAllCells(&source);
 }

@@ -25,7 +25,7 @@ class NQ_EXPORT NQDListCell : public NQObject {
   NQ_COPY_PROTOCOL(NQDListCell)
 
  public:
-  explicit NQDListCell(NQObject* object) : pObject_(object) {}
+  constexpr explicit NQDListCell(NQObject* object) : pObject_(object) {}
 
   NQDListCell* pPreviousCell() const { return pPrevious_; }
   NQDListCell* pPrevDListCell() const { return pPrevious_; }
@@ -66,6 +66,12 @@ class NQ_EXPORT NQDList : public NQObject,
  public:
   NQDList() = default;
   ~NQDList() override { deleteAllCells(); }
+
+  // Take over the cells; `source` is empty then. An assignment deletes the objects that
+  // its target held, as the copying one does; `source` must hold others. O(1), and what
+  // the target held.
+  NQDList(NQDList&& source) noexcept { take(source); }
+  NQDList& operator=(NQDList&& source) noexcept;
 
   // New cells with the same objects. Include slist.h to convert.
   explicit NQDList(const NQSList& source);

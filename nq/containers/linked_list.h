@@ -34,6 +34,7 @@
 #include <cstddef>
 #include <iterator>
 #include <type_traits>
+#include <utility>
 
 #include "nq/core/object.h"
 
@@ -293,6 +294,32 @@ class NQ_EXPORT NQLinkedList {
     return cell;
   }
   void exchange(Cell* a, Cell* b);
+  // Takes all cells of `source`, of which this list must have none.
+  void take(NQLinkedList& source) noexcept {
+    pFirst_ = std::exchange(source.pFirst_, nullptr);
+    pLast_ = std::exchange(source.pLast_, nullptr);
+    length_ = std::exchange(source.length_, 0);
+  }
+  // The same after this list and its objects are deleted.
+  void assign(NQLinkedList& source) noexcept;
+
+  // Refuse, walk a run, act by policy: what operations on parts have in common.
+  // Calls part(first, last) for a whole source, which may be empty.
+  template <class Source, class Part>
+  int wholeList(Source* source, Part part) const;
+  // Calls add(object) for each cell of the run whose object this list does not hold,
+  // as holds(object) tells.
+  template <class Holds, class Add>
+  int copyEach(const List* source, const Cell* from, const Cell* to, Holds holds,
+               Add add) const;
+  // Calls move(previous, cell) likewise; `previous` is the cell before it in the source.
+  // The walk runs on, if it may, to the end of the source once `to` itself has moved.
+  template <class Holds, class Move>
+  int moveEach(List* source, Cell* from, Cell* to, bool runsOn, Holds holds, Move move);
+
+  bool refuses(const NQObject* source) const {
+    return source == nullptr || source == self();
+  }
 
  private:
   friend List;
@@ -313,14 +340,11 @@ class NQ_EXPORT NQLinkedList {
     }
   }
 
-  bool refuses(const List* source) const;
   nqLong runLength(const Cell* from, const Cell* to) const;
   int moveRun(Cell* after, List* source, Cell* previous, Cell* to);
+  template <class Holds>
   int copyRun(Cell* after, const List* source, const Cell* from, const Cell* to,
-              bool onlyNewObjects);
-  template <class Source, class SomeCell>
-  int wholeList(int (NQLinkedList::*part)(Cell*, Source*, SomeCell*, SomeCell*),
-                Cell* after, Source* source);
+              Holds holds);
   template <class Source>
   int fillFrom(const Source* source);
   template <class Source>
@@ -331,5 +355,37 @@ class NQ_EXPORT NQLinkedList {
   nqLong length_ = 0;       // counted on every change, never by walking
   bool fixedPlaces_ = false;
 };
+
+// For the private part of containers that choose the places of their cells: what would
+// take a place from the caller,
+#define NQ_HIDE_PLACES(Base)              \
+  using Base::appendCell;                 \
+  using Base::appendCellIfNotInList;      \
+  using Base::appendList;                 \
+  using Base::appendListIfNotInList;      \
+  using Base::appendObject;               \
+  using Base::appendObjectIfNotInList;    \
+  using Base::copyAppendList;             \
+  using Base::copyAppendListIfNotInList;  \
+  using Base::copyPrependList;            \
+  using Base::copyPrependListIfNotInList; \
+  using Base::merge;                      \
+  using Base::prependCell;                \
+  using Base::prependCellIfNotInList;     \
+  using Base::prependList;                \
+  using Base::prependListIfNotInList;     \
+  using Base::prependObject;              \
+  using Base::prependObjectIfNotInList;   \
+  using Base::reverse;                    \
+  using Base::swapPosition;
+
+// and, where the container has no forms of its own, what asks for objects first.
+#define NQ_HIDE_SEARCHING_PLACES(Base)         \
+  using Base::addObjectIfNotInList;            \
+  using Base::copyTransferListIfNotInList;     \
+  using Base::copyTransferListPartIfNotInList; \
+  using Base::insertCellIfNotInList;           \
+  using Base::transferListIfNotInList;         \
+  using Base::transferListPartIfNotInList;
 
 #endif  // NQ_CONTAINERS_LINKED_LIST_H

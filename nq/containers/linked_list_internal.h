@@ -14,6 +14,11 @@
 
 namespace nqdetail {
 
+// The policy for cells whose objects may be in the list already.
+struct HoldsNothing {
+  bool operator()(const NQObject*) const { return false; }
+};
+
 // What a copy is made of until it is whole: whoever throws before that leaves
 // nothing behind.
 template <class List>
@@ -170,11 +175,6 @@ void NQLinkedList<List, Cell, Other>::deleteAllCellsAndObjects() {
 
 // ---- Moving and copying cells
 
-template <class List, class Cell, class Other>
-bool NQLinkedList<List, Cell, Other>::refuses(const List* source) const {
-  return source == nullptr || source == self();
-}
-
 // The number of cells of this list from `from` to `to`; 0 when either is null
 // or `to` is not reached. Walked forward only: where the links of a cell lead that is
 // not met so, nobody knows.
@@ -218,21 +218,44 @@ int NQLinkedList<List, Cell, Other>::transferListPart(Cell* after, List* source,
 }
 
 template <class List, class Cell, class Other>
-int NQLinkedList<List, Cell, Other>::transferListPartIfNotInList(Cell* after,
-                                                                 List* source, Cell* from,
-                                                                 Cell* to) {
+template <class Source, class Part>
+int NQLinkedList<List, Cell, Other>::wholeList(Source* source, Part part) const {
+  if (refuses(source)) return 0;
+  return source->length() == 0 ? 1 : part(source->pFirstCell(), source->pLastCell());
+}
+
+template <class List, class Cell, class Other>
+template <class Holds, class Add>
+int NQLinkedList<List, Cell, Other>::copyEach(const List* source, const Cell* from,
+                                              const Cell* to, Holds holds,
+                                              Add add) const {
   Cell* previous = nullptr;
-  if (refuses(source) || source->fixedPlaces_ || fixedPlaces_ ||
-      !source->findPrevious(from, &previous) || source->runLength(from, to) == 0) {
+  if (refuses(source) || !source->findPrevious(from, &previous) ||
+      source->runLength(from, to) == 0) {
     return 0;
   }
-  Cell* cell = from;
-  while (cell != nullptr && cell != to->pNext_) {
+  for (const Cell* cell = from;; cell = cell->pNextCell()) {
+    if (!holds(cell->pObject_)) add(cell->pObject_);
+    if (cell == to) return 1;
+  }
+}
+
+template <class List, class Cell, class Other>
+template <class Holds, class Move>
+int NQLinkedList<List, Cell, Other>::moveEach(List* source, Cell* from, Cell* to,
+                                              bool runsOn, Holds holds, Move move) {
+  Cell* previous = nullptr;
+  if (refuses(source) || !source->findPrevious(from, &previous) ||
+      source->runLength(from, to) == 0) {
+    return 0;
+  }
+  const Cell* const end = to->pNext_;
+  for (Cell* cell = from; cell != nullptr && cell != (runsOn ? to->pNext_ : end);) {
     Cell* const next = cell->pNextCell();
-    if (searchObject(cell->pObject_) == nullptr) {
-      after = linkIn(after, source->removeAfter(previous, cell));
-    } else {
+    if (holds(cell->pObject_)) {
       previous = cell;
+    } else {
+      move(previous, cell);
     }
     cell = next;
   }
@@ -240,28 +263,35 @@ int NQLinkedList<List, Cell, Other>::transferListPartIfNotInList(Cell* after,
 }
 
 template <class List, class Cell, class Other>
+int NQLinkedList<List, Cell, Other>::transferListPartIfNotInList(Cell* after,
+                                                                 List* source, Cell* from,
+                                                                 Cell* to) {
+  if (fixedPlaces_ || (source != nullptr && source->fixedPlaces_)) return 0;
+  return moveEach(
+      source, from, to, true,
+      [this](const NQObject* object) { return searchObject(object) != nullptr; },
+      [&](Cell* previous, Cell* cell) {
+        after = linkIn(after, source->removeAfter(previous, cell));
+      });
+}
+
+template <class List, class Cell, class Other>
+template <class Holds>
 int NQLinkedList<List, Cell, Other>::copyRun(Cell* after, const List* source,
                                              const Cell* from, const Cell* to,
-                                             bool onlyNewObjects) {
-  Cell* previous = nullptr;
-  if (refuses(source) || fixedPlaces_ || !source->findPrevious(from, &previous) ||
-      source->runLength(from, to) == 0) {
-    return 0;
-  }
-  for (const Cell* cell = from;; cell = cell->pNextCell()) {
-    if (!onlyNewObjects || searchObject(cell->pObject_) == nullptr) {
-      Cell* const copy = addObject(after, cell->pObject_);
-      if (copy != nullptr) after = copy;
-    }
-    if (cell == to) return 1;
-  }
+                                             Holds holds) {
+  if (fixedPlaces_) return 0;
+  return copyEach(source, from, to, holds, [&](NQObject* object) {
+    Cell* const copy = addObject(after, object);
+    if (copy != nullptr) after = copy;
+  });
 }
 
 template <class List, class Cell, class Other>
 int NQLinkedList<List, Cell, Other>::copyTransferListPart(Cell* after, const List* source,
                                                           const Cell* from,
                                                           const Cell* to) {
-  return copyRun(after, source, from, to, false);
+  return copyRun(after, source, from, to, nqdetail::HoldsNothing{});
 }
 
 template <class List, class Cell, class Other>
@@ -269,40 +299,45 @@ int NQLinkedList<List, Cell, Other>::copyTransferListPartIfNotInList(Cell* after
                                                                      const List* source,
                                                                      const Cell* from,
                                                                      const Cell* to) {
-  return copyRun(after, source, from, to, true);
-}
-
-// The operation on a part, for a whole list.
-template <class List, class Cell, class Other>
-template <class Source, class SomeCell>
-int NQLinkedList<List, Cell, Other>::wholeList(int (NQLinkedList::*part)(Cell*, Source*,
-                                                                         SomeCell*,
-                                                                         SomeCell*),
-                                               Cell* after, Source* source) {
-  if (refuses(source)) return 0;
-  if (source->length_ == 0) return 1;
-  return (this->*part)(after, source, source->pFirst_, source->pLast_);
+  return copyRun(after, source, from, to, [this](const NQObject* object) {
+    return searchObject(object) != nullptr;
+  });
 }
 
 template <class List, class Cell, class Other>
 int NQLinkedList<List, Cell, Other>::transferList(Cell* after, List* source) {
-  return wholeList(&NQLinkedList::transferListPart, after, source);
+  return wholeList(source, [&](Cell* from, Cell* to) {
+    return transferListPart(after, source, from, to);
+  });
 }
 
 template <class List, class Cell, class Other>
 int NQLinkedList<List, Cell, Other>::transferListIfNotInList(Cell* after, List* source) {
-  return wholeList(&NQLinkedList::transferListPartIfNotInList, after, source);
+  return wholeList(source, [&](Cell* from, Cell* to) {
+    return transferListPartIfNotInList(after, source, from, to);
+  });
 }
 
 template <class List, class Cell, class Other>
 int NQLinkedList<List, Cell, Other>::copyTransferList(Cell* after, const List* source) {
-  return wholeList(&NQLinkedList::copyTransferListPart, after, source);
+  return wholeList(source, [&](Cell* from, Cell* to) {
+    return copyTransferListPart(after, source, from, to);
+  });
 }
 
 template <class List, class Cell, class Other>
 int NQLinkedList<List, Cell, Other>::copyTransferListIfNotInList(Cell* after,
                                                                  const List* source) {
-  return wholeList(&NQLinkedList::copyTransferListPartIfNotInList, after, source);
+  return wholeList(source, [&](Cell* from, Cell* to) {
+    return copyTransferListPartIfNotInList(after, source, from, to);
+  });
+}
+
+template <class List, class Cell, class Other>
+void NQLinkedList<List, Cell, Other>::assign(NQLinkedList& source) noexcept {
+  if (&source == this) return;
+  deleteAllCellsAndObjects();
+  if (!fixedPlaces_) take(source);
 }
 
 // Appends the objects of `source`, which is empty by now if it is this list.

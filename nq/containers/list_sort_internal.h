@@ -17,7 +17,9 @@
 // pivot's equals stay on the side where they stood: equals never change places.
 // So a part that cannot reach the depth limit may be finished by any stable sort.
 //
-// No comparison, however inconsistent, makes an algorithm lose a cell or loop.
+// No comparison, however inconsistent, makes an algorithm lose a cell or loop. One that
+// throws in an array leaves the chain, which is linked as before, in its old order; one
+// that throws while chains are linked anew is not asked again until they are.
 
 #ifndef NQ_CONTAINERS_LIST_SORT_INTERNAL_H
 #define NQ_CONTAINERS_LIST_SORT_INTERNAL_H
@@ -27,11 +29,20 @@
 #include <cstddef>
 
 #include "nq/containers/linked_list.h"
+#include "nq/containers/list_sort.h"
 #include "nq/core/memory_internal.h"
 #include "nq/platform/prefetch.h"
 #include "nq/platform/types.h"
 
 namespace nqdetail {
+
+// A sorter to which all cells are equal, and to which nothing is ever done.
+template <class List, class Cell>
+NQListSort<List, Cell>& sorterOfEquals();
+template <>
+NQListSort<NQDList, NQDListCell>& sorterOfEquals();
+template <>
+NQListSort<NQSList, NQSListCell>& sorterOfEquals();
 
 // 1 for true. Compilers do not see that it is nothing else, and so make no branch
 // of what depends on it.
@@ -96,13 +107,17 @@ struct ListLinks {
   }
 };
 
-// One run of a sort over one list. compare(a, b) answers as virtualCompare does.
-// The two counters are the sorter's own.
+// One run of a sort over one list. compare(a, b), of a Compare made of `comparer`,
+// answers as virtualCompare does, and only 0 after compare.stop(). The two counters are
+// the sorter's own.
 template <class List, class Cell, class Compare>
 class ListSort {
  public:
-  ListSort(Compare compare, int& recursionDepth, int& changed)
-      : compare_(compare), recursionDepth_(recursionDepth), changed_(changed) {}
+  template <class Comparer>
+  ListSort(Comparer* comparer, int& recursionDepth, int& changed)
+      : compare_{comparer}, recursionDepth_(recursionDepth), changed_(changed) {}
+
+  const Compare& comparison() const { return compare_; }
 
   void quickSort(List& list) {
     Chain chain = take(list);
@@ -127,7 +142,7 @@ class ListSort {
       Cell* left = first;
       for (nqLong pair = 0; pair < pairs; ++pair) {
         Cell* const right = Links::next(left);
-        if (compare_(left, right) > 0) {
+        if (guarded(left, right) > 0) {
           Links::setNext(left, Links::next(right));
           Links::setNext(right, left);
           if (previous == nullptr) {
@@ -388,17 +403,41 @@ class ListSort {
 
   // Runs `sort` over the chain's cells in a buffer, if they fit.
   template <class Sort>
-  static bool inBuffer(Chain& chain, Sort sort) {
+  bool inBuffer(Chain& chain, Sort sort) {
     if (chain.length > kBufferLength) return false;
     Buffer buffer;
     Walker walker(chain);
-    buffer.fill(walker);
-    sort(buffer.cells);
+    sortNext(buffer, walker, sort);
     chain = buffer.inFinalOrder();
     return true;
   }
 
-  bool less(Cell* a, Cell* b) { return compare_(a, b) < 0; }
+  // Fills the buffer and runs `sort` over it.
+  template <class Sort>
+  void sortNext(Buffer& buffer, Walker& walker, Sort sort) {
+    Walker start = walker;
+    buffer.fill(walker);
+    const int depth = recursionDepth_;
+    try {
+      sort(buffer.cells);
+    } catch (...) {
+      compare_.stop();
+      recursionDepth_ = depth;
+      buffer.fill(start);
+    }
+  }
+
+  // For comparisons while chains are linked anew.
+  int guarded(Cell* a, Cell* b) {
+    try {
+      return compare_(a, b);
+    } catch (...) {
+      compare_.stop();
+      return 0;
+    }
+  }
+
+  bool less(Cell* a, Cell* b) { return guarded(a, b) < 0; }
 
   // ---- Quick sort
 
@@ -463,7 +502,7 @@ class ListSort {
     Walker walker(chain);
     Builder<false> parts[2];
     const auto split = [&](Cell* cell, int movesFrom) {
-      parts[bit(compare_(cell, pivot) >= movesFrom)].append(cell);
+      parts[bit(guarded(cell, pivot) >= movesFrom)].append(cell);
     };
     while (walker.cell() != pivot) split(walker.take(), 1);
     walker.take();
@@ -503,7 +542,7 @@ class ListSort {
     Walker walker(chain);
     for (Cell* cell = walker.take(); sorted && walker.cell() != nullptr;) {
       Cell* const next = walker.take();
-      sorted = compare_(cell, next) <= 0;
+      sorted = guarded(cell, next) <= 0;
       cell = next;
     }
     if (!sorted) changed_ = 1;
@@ -534,8 +573,9 @@ class ListSort {
     Walker walker(chain);
     while (walker.cell() != nullptr) {
       Buffer buffer;
-      buffer.fill(walker);
-      if (!isSorted(buffer.cells)) msortWrapper(buffer.cells);
+      sortNext(buffer, walker, [this](const Cells& cells) {
+        if (!isSorted(cells)) msortWrapper(cells);
+      });
       addRun(levels, 0, buffer.inOrder());
     }
     std::size_t top = kLevels - 1;
@@ -581,7 +621,7 @@ class ListSort {
       Cell* const cellA = walkers[a].cell();
       Cell* const cellB = walkers[b].cell();
       if (cellA == nullptr || cellB == nullptr) return cellB == nullptr;
-      return compare_(cellA, cellB) < (a < b ? 1 : 0);
+      return guarded(cellA, cellB) < (a < b ? 1 : 0);
     };
     std::array<std::size_t, 2 * kFan> winners;
     for (std::size_t node = 2 * count - 1; node >= count; --node) {

@@ -53,6 +53,11 @@ void NQSList::NQSListattributeCopy(const NQSList& source) {
   NQCopyAccess::attributes<NQObject>(*this, source);
 }
 
+NQSList& NQSList::operator=(NQSList&& source) noexcept {
+  assign(source);
+  return *this;
+}
+
 NQSList::NQSList(const NQDList& source) {
   copyAllCells(&source);
 }

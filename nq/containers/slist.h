@@ -61,6 +61,10 @@ class NQ_EXPORT NQSList : public NQObject,
   NQSList() = default;
   ~NQSList() override { deleteAllCells(); }
 
+  // As those of NQDList.
+  NQSList(NQSList&& source) noexcept { take(source); }
+  NQSList& operator=(NQSList&& source) noexcept;
+
   // New cells with the same objects. Include dlist.h to convert.
   explicit NQSList(const NQDList& source);
   const NQSList& operator=(const NQDList& source);

@@ -3,6 +3,7 @@
 #include <memory>
 #include <type_traits>
 
+#include "nq/containers/bin_tree_internal.h"
 #include "nq/containers/linked_list_internal.h"
 #include "nq/containers/slist.h"
 
@@ -229,15 +230,12 @@ int NQSortedBinTree::transferList(NQBinTree* source) {
 
 int NQSortedBinTree::copyTransferListPart(const NQDList* source, const NQDListCell* from,
                                           const NQDListCell* to) {
-  if (refuses(source) || !reaches(from, to)) return 0;
-  for (;; from = from->pNextCell()) {
-    addObject(from->pObject());
-    if (from == to) return 1;
-  }
+  return copyEach(source, from, to, nqdetail::HoldsNothing{},
+                  [this](NQObject* object) { addObject(object); });
 }
 
 int NQSortedBinTree::copyTransferList(const NQDList* source) {
-  if (refuses(source)) return 0;
-  for (NQObject* const object : *source) addObject(object);
-  return 1;
+  return wholeList(source, [&](const NQDListCell* from, const NQDListCell* to) {
+    return copyTransferListPart(source, from, to);
+  });
 }

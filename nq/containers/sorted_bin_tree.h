@@ -1,5 +1,16 @@
 // sorted_bin_tree.h -- a tree kept in the order of a comparison of its objects.
 //
+// Make one with NQ_EXCLUSIVE_COLORS, unless something depends on the established shape
+// of trees, which is as deep as the order of insertions makes it (bin_tree.h):
+//
+//   class ByName : public NQSortedBinTree {
+//    public:
+//     ByName() : NQSortedBinTree(NQ_EXCLUSIVE_COLORS) {}
+//
+//    protected:
+//     int virtualObjectCompare(const NQObject* a, const NQObject* b) const override;
+//   };
+//
 // An ordered set with duplicates: a derived class supplies the comparison,
 // cells find their places by it, and objects are found by it. Among objects that
 // compare equal the newest comes first (the sorted lists keep them the other way
@@ -7,9 +18,8 @@
 //
 // Insertion and search cost one comparison for each level of the tree; insertion at
 // either end of a deep tree costs but a few, and searches also walk over the objects
-// that compare equal to the one sought. See bin_tree.h for the depth, and for what
-// exclusiveColors(1) does to it. A comparison that contradicts itself makes searches
-// miss and orders wrong, nothing worse.
+// that compare equal to the one sought. A comparison that contradicts itself makes
+// searches miss and orders wrong, nothing worse.
 //
 // What a comparison throws passes through. A cell that was being inserted is then the
 // caller's, and one made for it is gone; cells of another tree that have no place yet
@@ -30,12 +40,21 @@ class NQ_EXPORT NQSortedBinTree : public NQBinTree {
 
  public:
   NQSortedBinTree() = default;
+  explicit NQSortedBinTree(NQTreeColorsEnum colors) : NQBinTree(colors) {}
   NQSortedBinTree(const NQSortedBinTree& source, NQDeepFlagEnum flag);
   NQSortedBinTree(const NQSortedBinTree& source);
   const NQSortedBinTree& operator=(const NQSortedBinTree& source);
+  // As those of NQBinTree; `source` must be ordered by the same comparison.
+  NQSortedBinTree(NQSortedBinTree&& source) noexcept = default;
+  NQSortedBinTree& operator=(NQSortedBinTree&& source) noexcept = default;
   void copyObject(const NQObject* source) override;
   void copyAttributes(const NQObject* source) override;
   static NQSortedBinTree* castDown(const NQObject* object);
+
+  // Objects keep their places.
+  using iterator = const_iterator;
+  const_iterator begin() const { return NQBinTree::begin(); }
+  const_iterator end() const { return NQBinTree::end(); }
 
   // Find by the comparison, then by identity: an equal cell or object is not the
   // one sought. Null when absent. A null object is looked for along the list, so
@@ -83,35 +102,12 @@ class NQ_EXPORT NQSortedBinTree : public NQBinTree {
   virtual int virtualObjectCompare(const NQObject* a, const NQObject* b) const = 0;
 
  private:
+  NQ_HIDE_PLACES(NQBinTree)
+  NQ_HIDE_SEARCHING_PLACES(NQBinTree)
   using NQBinTree::addAfter;
   using NQBinTree::addBefore;
-  using NQBinTree::addObjectIfNotInList;
-  using NQBinTree::appendCell;
-  using NQBinTree::appendCellIfNotInList;
-  using NQBinTree::appendList;
-  using NQBinTree::appendListIfNotInList;
-  using NQBinTree::appendObject;
-  using NQBinTree::appendObjectIfNotInList;
-  using NQBinTree::copyAppendList;
-  using NQBinTree::copyAppendListIfNotInList;
-  using NQBinTree::copyPrependList;
-  using NQBinTree::copyPrependListIfNotInList;
-  using NQBinTree::copyTransferListIfNotInList;
-  using NQBinTree::copyTransferListPartIfNotInList;
   using NQBinTree::insertAfter;
   using NQBinTree::insertBefore;
-  using NQBinTree::insertCellIfNotInList;
-  using NQBinTree::merge;
-  using NQBinTree::prependCell;
-  using NQBinTree::prependCellIfNotInList;
-  using NQBinTree::prependList;
-  using NQBinTree::prependListIfNotInList;
-  using NQBinTree::prependObject;
-  using NQBinTree::prependObjectIfNotInList;
-  using NQBinTree::reverse;
-  using NQBinTree::swapPosition;
-  using NQBinTree::transferListIfNotInList;
-  using NQBinTree::transferListPartIfNotInList;
 
   // A child that the parent, null for the root, has not yet.
   struct Place {

@@ -2,6 +2,8 @@
 
 #include <memory>
 
+#include "nq/containers/linked_list_internal.h"
+
 // ---- Places
 
 // To the first cell for which `stops` holds.
@@ -105,96 +107,70 @@ Cell* NQSortedList<List, Cell>::searchAndRemoveObject(const NQObject* object) {
 // ---- Taking in cells of other lists
 
 template <class List, class Cell>
-int NQSortedList<List, Cell>::moveRun(List* source, Cell* from, Cell* to,
-                                      bool onlyNewObjects) {
-  Cell* previous = nullptr;
-  if (this->refuses(source) || source->fixedPlaces_ ||
-      !source->findPrevious(from, &previous) || source->runLength(from, to) == 0) {
-    return 0;
-  }
-  Cell* const end = to->pNextCell();
-  for (Cell* cell = from; cell != end;) {
-    Cell* const next = cell->pNextCell();
-    if (!onlyNewObjects || searchObject(cell->pObject()) == nullptr) {
-      Cell* const after = placeBehindEquals(cell);
-      this->linkIn(after, source->removeAfter(previous, cell));
-    } else {
-      previous = cell;
-    }
-    cell = next;
-  }
-  return 1;
-}
-
-template <class List, class Cell>
-int NQSortedList<List, Cell>::copyRun(const List* source, const Cell* from,
-                                      const Cell* to, bool onlyNewObjects) {
-  Cell* previous = nullptr;
-  if (this->refuses(source) || !source->findPrevious(from, &previous) ||
-      source->runLength(from, to) == 0) {
-    return 0;
-  }
-  for (const Cell* cell = from;; cell = cell->pNextCell()) {
-    if (!onlyNewObjects || searchObject(cell->pObject()) == nullptr) {
-      addObject(cell->pObject());
-    }
-    if (cell == to) return 1;
-  }
+template <class Holds>
+int NQSortedList<List, Cell>::moveRun(List* source, Cell* from, Cell* to, Holds holds) {
+  if (source != nullptr && source->fixedPlaces_) return 0;
+  return this->moveEach(source, from, to, false, holds, [&](Cell* previous, Cell* cell) {
+    Cell* const after = placeBehindEquals(cell);
+    this->linkIn(after, source->removeAfter(previous, cell));
+  });
 }
 
 template <class List, class Cell>
 int NQSortedList<List, Cell>::transferListPart(List* source, Cell* from, Cell* to) {
-  return moveRun(source, from, to, false);
+  return moveRun(source, from, to, nqdetail::HoldsNothing{});
 }
 
 template <class List, class Cell>
 int NQSortedList<List, Cell>::transferListPartIfNotInList(List* source, Cell* from,
                                                           Cell* to) {
-  return moveRun(source, from, to, true);
+  return moveRun(source, from, to, [this](const NQObject* object) {
+    return searchObject(object) != nullptr;
+  });
 }
 
 template <class List, class Cell>
 int NQSortedList<List, Cell>::copyTransferListPart(const List* source, const Cell* from,
                                                    const Cell* to) {
-  return copyRun(source, from, to, false);
+  return this->copyEach(source, from, to, nqdetail::HoldsNothing{},
+                        [this](NQObject* object) { addObject(object); });
 }
 
 template <class List, class Cell>
 int NQSortedList<List, Cell>::copyTransferListPartIfNotInList(const List* source,
                                                               const Cell* from,
                                                               const Cell* to) {
-  return copyRun(source, from, to, true);
-}
-
-// The operation on a part, for a whole list.
-template <class List, class Cell>
-template <class Source, class SomeCell>
-int NQSortedList<List, Cell>::wholeList(int (NQSortedList::*part)(Source*, SomeCell*,
-                                                                  SomeCell*),
-                                        Source* source) {
-  if (this->refuses(source)) return 0;
-  if (source->length() == 0) return 1;
-  return (this->*part)(source, source->pFirstCell(), source->pLastCell());
+  return this->copyEach(
+      source, from, to,
+      [this](const NQObject* object) { return searchObject(object) != nullptr; },
+      [this](NQObject* object) { addObject(object); });
 }
 
 template <class List, class Cell>
 int NQSortedList<List, Cell>::transferList(List* source) {
-  return wholeList(&NQSortedList::transferListPart, source);
+  return this->wholeList(
+      source, [&](Cell* from, Cell* to) { return transferListPart(source, from, to); });
 }
 
 template <class List, class Cell>
 int NQSortedList<List, Cell>::transferListIfNotInList(List* source) {
-  return wholeList(&NQSortedList::transferListPartIfNotInList, source);
+  return this->wholeList(source, [&](Cell* from, Cell* to) {
+    return transferListPartIfNotInList(source, from, to);
+  });
 }
 
 template <class List, class Cell>
 int NQSortedList<List, Cell>::copyTransferList(const List* source) {
-  return wholeList(&NQSortedList::copyTransferListPart, source);
+  return this->wholeList(source, [&](const Cell* from, const Cell* to) {
+    return copyTransferListPart(source, from, to);
+  });
 }
 
 template <class List, class Cell>
 int NQSortedList<List, Cell>::copyTransferListIfNotInList(const List* source) {
-  return wholeList(&NQSortedList::copyTransferListPartIfNotInList, source);
+  return this->wholeList(source, [&](const Cell* from, const Cell* to) {
+    return copyTransferListPartIfNotInList(source, from, to);
+  });
 }
 
 // ---- The comparison

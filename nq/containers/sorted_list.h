@@ -28,6 +28,11 @@
 template <class List, class Cell>
 class NQ_EXPORT NQSortedList : public List {
  public:
+  // Objects keep their places.
+  using iterator = typename List::const_iterator;
+  iterator begin() const { return List::begin(); }
+  iterator end() const { return List::end(); }
+
   // The cell, or the first one that holds the object itself (an equal object is
   // another one); null when there is none.
   Cell* searchCell(const Cell* cell) const;
@@ -70,6 +75,8 @@ class NQ_EXPORT NQSortedList : public List {
 
  protected:
   NQSortedList() = default;
+  NQSortedList(NQSortedList&& source) noexcept = default;
+  NQSortedList& operator=(NQSortedList&& source) noexcept = default;
   ~NQSortedList() override = default;
 
   // Called by every operation that looks for a place: negative when `a` comes
@@ -88,33 +95,12 @@ class NQ_EXPORT NQSortedList : public List {
   Cell* placeBehindEquals(const Cell* cell) const;
 
  private:
-  // These would break the order.
-  using List::appendCell;
-  using List::appendCellIfNotInList;
-  using List::appendList;
-  using List::appendListIfNotInList;
-  using List::appendObject;
-  using List::appendObjectIfNotInList;
-  using List::copyAppendList;
-  using List::copyAppendListIfNotInList;
-  using List::copyPrependList;
-  using List::copyPrependListIfNotInList;
-  using List::merge;
-  using List::prependCell;
-  using List::prependCellIfNotInList;
-  using List::prependList;
-  using List::prependListIfNotInList;
-  using List::prependObject;
-  using List::prependObjectIfNotInList;
-  using List::reverse;
-  using List::swapPosition;
+  NQ_HIDE_PLACES(List)
 
   template <class Stops>
   Place walkUntil(Stops stops) const;
-  template <class Source, class SomeCell>
-  int wholeList(int (NQSortedList::*part)(Source*, SomeCell*, SomeCell*), Source* source);
-  int moveRun(List* source, Cell* from, Cell* to, bool onlyNewObjects);
-  int copyRun(const List* source, const Cell* from, const Cell* to, bool onlyNewObjects);
+  template <class Holds>
+  int moveRun(List* source, Cell* from, Cell* to, Holds holds);
 };
 
 extern template class NQSortedList<NQDList, NQDListCell>;
@@ -130,6 +116,9 @@ class NQ_EXPORT NQSortedDList : public NQSortedList<NQDList, NQDListCell> {
  public:
   NQSortedDList() = default;
   const NQSortedDList& operator=(const NQSortedDList& source);
+  // As those of NQDList; `source` must be ordered by the same comparison.
+  NQSortedDList(NQSortedDList&& source) noexcept = default;
+  NQSortedDList& operator=(NQSortedDList&& source) noexcept = default;
   static NQSortedDList* castDown(const NQObject* object);
 
  private:
@@ -142,6 +131,9 @@ class NQ_EXPORT NQSortedSList : public NQSortedList<NQSList, NQSListCell> {
  public:
   NQSortedSList() = default;
   const NQSortedSList& operator=(const NQSortedSList& source);
+  // As those of NQSList; `source` must be ordered by the same comparison.
+  NQSortedSList(NQSortedSList&& source) noexcept = default;
+  NQSortedSList& operator=(NQSortedSList&& source) noexcept = default;
   static NQSortedSList* castDown(const NQObject* object);
 
   // As those of NQSList, but they stop where the cell or the object would stand.

@@ -1,11 +1,16 @@
 // boxed_values.h -- numbers as objects, so that containers can hold them.
 //
-// Both kinds of copy copy the value.
+// Both kinds of copy copy the value. Boxes compare, hash and print as their values do
+// (value.h).
 
 #ifndef NQ_CORE_BOXED_VALUES_H
 #define NQ_CORE_BOXED_VALUES_H
 
+#include <compare>
+#include <string>
+
 #include "nq/core/copy_protocol.h"
+#include "nq/core/value.h"
 
 class NQ_EXPORT NQInt : public NQObject {
   NQ_COPY_PROTOCOL(NQInt)
@@ -15,6 +20,13 @@ class NQ_EXPORT NQInt : public NQObject {
 
   int value() const { return value_; }
   int value(int value) { return value_ = value; }
+
+  friend bool operator==(const NQInt& a, const NQInt& b) { return a.value_ == b.value_; }
+  friend auto operator<=>(const NQInt& a, const NQInt& b) {
+    return a.value_ <=> b.value_;
+  }
+  std::size_t hashValue() const { return nqHashOf(value_); }
+  std::string asText() const { return std::to_string(value_); }
 
  protected:
   void init() { value_ = 0; }
@@ -34,6 +46,15 @@ class NQ_EXPORT NQLong : public NQObject {
   nqLong value() const { return value_; }
   nqLong value(nqLong value) { return value_ = value; }
 
+  friend bool operator==(const NQLong& a, const NQLong& b) {
+    return a.value_ == b.value_;
+  }
+  friend auto operator<=>(const NQLong& a, const NQLong& b) {
+    return a.value_ <=> b.value_;
+  }
+  std::size_t hashValue() const { return nqHashOf(value_); }
+  std::string asText() const { return std::to_string(value_); }
+
  protected:
   void init() { value_ = 0; }
 
@@ -51,6 +72,15 @@ class NQ_EXPORT NQDouble : public NQObject {
 
   double value() const { return value_; }
   double value(double value) { return value_ = value; }
+
+  friend bool operator==(const NQDouble& a, const NQDouble& b) {
+    return a.value_ == b.value_;
+  }
+  friend auto operator<=>(const NQDouble& a, const NQDouble& b) {
+    return a.value_ <=> b.value_;
+  }
+  std::size_t hashValue() const { return nqHashOf(value_); }
+  std::string asText() const { return nqTextOf(value_); }
 
  protected:
   void init() { value_ = 0.0; }

@@ -262,6 +262,15 @@ class NQCopyAccess {
     target = source;                                           \
   }
 
+// Beside any of these lines: moves that move each member and base, after which the
+// source is as what these leave. Only for classes of which every base moves too.
+#define NQ_MOVE_MEMBERS(X)                     \
+ public:                                       \
+  X(X&& source) noexcept = default;            \
+  X& operator=(X&& source) noexcept = default; \
+                                               \
+ private:
+
 // Both routines of a class whose two kinds of copy are the same: the base's
 // routine of the same kind, then X's private copyFields(const X& source).
 #define NQ_COPY_ALIKE_IMPL(X, BASE)                \

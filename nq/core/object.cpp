@@ -4,11 +4,11 @@
 
 #include "nq/core/copy_protocol.h"
 
-NQObject::NQObject(const NQObject&) {}
+NQObject::NQObject(const NQObject&) noexcept {}
 
 NQObject::NQObject(const NQObject&, int) {}
 
-const NQObject& NQObject::operator=(const NQObject&) {
+const NQObject& NQObject::operator=(const NQObject&) noexcept {
   return *this;
 }
 

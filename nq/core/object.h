@@ -27,9 +27,9 @@ enum [[nodiscard]] NQErrorCodeEnum : int{NQ_NO_ERROR = 0};
 class NQ_EXPORT NQObject {
  public:
   NQObject() = default;
-  NQObject(const NQObject& source);
+  NQObject(const NQObject& source) noexcept;
   NQObject(const NQObject& source, int flag);
-  const NQObject& operator=(const NQObject& source);
+  const NQObject& operator=(const NQObject& source) noexcept;
 
   // Takes over `source`, everything or attributes only. The caller guarantees
   // that `source` has the type of this object; null and the object itself

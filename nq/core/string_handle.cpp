@@ -26,6 +26,21 @@ void NQStringHandle::init() {
   empty();
 }
 
+NQStringHandle& NQStringHandle::operator=(NQStringHandle&& source) noexcept {
+  if (&source != this) {
+    delete[] buffer_;
+    take(source);
+  }
+  return *this;
+}
+
+void NQStringHandle::take(NQStringHandle& source) noexcept {
+  buffer_ = std::exchange(source.buffer_, nullptr);
+  capacity_ = std::exchange(source.capacity_, 0);
+  length_ = std::exchange(source.length_, 0);
+  quickLength_ = std::exchange(source.quickLength_, -1);
+}
+
 NQ_COPY_CONSTRUCTORS_IMPL(NQStringHandle)
 NQ_COPY_TYPED_IMPL(NQStringHandle)
 
@@ -55,6 +70,13 @@ void NQStringHandle::NQStringHandledeepCopy(const NQStringHandle& source) {
 
 void NQStringHandle::NQStringHandleattributeCopy(const NQStringHandle& source) {
   NQCopyAccess::attributes<NQObject>(*this, source);
+  if (source.buffer_ == nullptr) {
+    delete[] buffer_;
+    buffer_ = nullptr;
+    capacity_ = length_ = 0;
+    quickLength_ = -1;
+    return;
+  }
   if (capacity_ != source.capacity_) {
     const auto size = static_cast<std::size_t>(source.capacity_);
     char* const fresh = new (std::nothrow) char[size];
@@ -69,6 +91,7 @@ void NQStringHandle::NQStringHandleattributeCopy(const NQStringHandle& source) {
 
 nqLong NQStringHandle::strlenBuf() const {
   if (quickLength_ >= 0) return length_;
+  if (buffer_ == nullptr) return 0;
   // A caller that wrote no terminator is not followed out of the buffer.
   const std::size_t place = static_cast<std::size_t>(length_);
   const std::size_t rest = static_cast<std::size_t>(capacity_ - 1) - place;
@@ -96,7 +119,7 @@ int NQStringHandle::appendString(const char* text) {
 }
 
 int NQStringHandle::appendAnyText(std::string_view text) {
-  if (quickLength_ < 0) setLength(strlenBuf());
+  if (quickLength_ < 0 && buffer_ != nullptr) setLength(strlenBuf());
   const auto added = static_cast<nqInt64>(text.size());
   std::unique_ptr<char[]> replaced;  // which `text` may point into
   if (!reserve(length_ + added + kOverhead, &replaced)) return 0;
@@ -117,13 +140,13 @@ char* NQStringHandle::obtainAppendBuffer(nqLong n) {
 // goes to `replaced`.
 bool NQStringHandle::reserve(nqInt64 required, std::unique_ptr<char[]>* replaced) {
   if (required <= capacity_) return true;
-  nqInt64 wanted = capacity_;
+  nqInt64 wanted = std::max(capacity_, kFirstCapacity);
   while (wanted < required) wanted *= 2;
   if (wanted > std::numeric_limits<nqLong>::max()) return false;
   char* const grown = new (std::nothrow) char[static_cast<std::size_t>(wanted)];
   if (grown == nullptr) return false;
   const nqLong length = strlenBuf();
-  std::memcpy(grown, buffer_, static_cast<std::size_t>(length));
+  std::memcpy(grown, NQStringHandle::pString(), static_cast<std::size_t>(length));
   replaced->reset(buffer_);
   pString(grown);
   capacity(static_cast<nqLong>(wanted));
@@ -133,6 +156,6 @@ bool NQStringHandle::reserve(nqInt64 required, std::unique_ptr<char[]>* replaced
 
 // Finds the end if it is unknown and makes room for one more character.
 bool NQStringHandle::prepareForChar() {
-  setLength(strlenBuf());
+  if (buffer_ != nullptr) setLength(strlenBuf());
   return increaseLength(1) != 0;
 }

@@ -10,6 +10,9 @@
 // stays as it was, which goes for assignment too. Only the first buffer must be
 // had: making a handle without memory for it throws std::bad_alloc.
 //
+// A handle that was moved from is empty and has no buffer, which makes its capacity 0;
+// the next change gets one.
+//
 // How it works
 //   The text's length is kept, so that nothing walks over the text to append.
 //   Only after the buffer was handed out for writing is the end unknown: it is
@@ -32,9 +35,11 @@ class NQ_EXPORT NQStringHandle : public NQObject {
 
  public:
   NQStringHandle();
+  NQStringHandle(NQStringHandle&& source) noexcept { take(source); }
+  NQStringHandle& operator=(NQStringHandle&& source) noexcept;
   ~NQStringHandle() override { delete[] buffer_; }
 
-  const char* pString() const { return buffer_; }
+  const char* pString() const { return buffer_ == nullptr ? "" : buffer_; }
   nqLong capacity() const { return capacity_; }
   // The text's length.
   nqLong strlenBuf() const;
@@ -74,7 +79,9 @@ class NQ_EXPORT NQStringHandle : public NQObject {
   char* obtainAppendBuffer(nqLong n);
 
   // Makes the text empty and keeps the buffer.
-  void empty() { setLength(0); }
+  void empty() {
+    if (buffer_ != nullptr) setLength(0);
+  }
 
  protected:
   void init();
@@ -84,7 +91,7 @@ class NQ_EXPORT NQStringHandle : public NQObject {
   friend class NQTextFile;  // edits lines in place
 
   // The whole buffer, to be written like one from obtainAppendBuffer().
-  char* pChangeableString() { return handOut(0); }
+  char* pChangeableString() { return needCapacity(0) != 0 ? handOut(0) : nullptr; }
   // Replace the buffer, or the figure, and nothing else.
   char* pString(char* buffer) { return buffer_ = buffer; }
   nqLong capacity(nqLong capacity) { return capacity_ = capacity; }
@@ -95,6 +102,7 @@ class NQ_EXPORT NQStringHandle : public NQObject {
     quickLength_ = -1;
     return buffer_ + place;
   }
+  void take(NQStringHandle& source) noexcept;
   // The end is known: here.
   void setLength(nqLong length) {
     buffer_[length] = '\0';
@@ -105,7 +113,7 @@ class NQ_EXPORT NQStringHandle : public NQObject {
   bool reserve(nqInt64 required, std::unique_ptr<char[]>* replaced);
   bool prepareForChar();
 
-  char* buffer_ = nullptr;  // owned; capacity_ bytes, terminated
+  char* buffer_ = nullptr;  // owned; capacity_ bytes, terminated; null for none
   nqLong capacity_ = 0;
   nqLong length_ = 0;        // while handed out, the place from where to look for the end
   nqLong quickLength_ = -1;  // up to which a character just fits; -1 while handed out

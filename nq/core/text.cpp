@@ -1,6 +1,7 @@
 #include "nq/core/text.h"
 
 #include <cstring>
+#include <functional>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -32,7 +33,7 @@ NQInternalText::NQInternalText(int textId) : NQInternalText(getStringResource(te
 NQInternalText::NQInternalText(const NQInternalText& source)
     : NQInternalText(source.pString()) {}
 
-const NQInternalText& NQInternalText::operator=(const NQInternalText& source) {
+NQInternalText& NQInternalText::operator=(const NQInternalText& source) {
   if (this != &source) pString(source.pString());
   return *this;
 }
@@ -40,6 +41,23 @@ const NQInternalText& NQInternalText::operator=(const NQInternalText& source) {
 nqLong NQInternalText::sizeOf() const {
   const std::size_t length = string_ == nullptr ? 0 : std::strlen(string_.get());
   return static_cast<nqLong>(length + 8);
+}
+
+std::strong_ordering operator<=>(const NQInternalText& a, const NQInternalText& b) {
+  const char* const textA = a.pString();
+  const char* const textB = b.pString();
+  if (textA == nullptr || textB == nullptr) {
+    return (textA != nullptr) <=> (textB != nullptr);
+  }
+  return std::strcmp(textA, textB) <=> 0;
+}
+
+std::size_t NQInternalText::hashValue() const {
+  return std::hash<std::string_view>()(string_ == nullptr ? "" : string_.get());
+}
+
+std::string NQInternalText::asText() const {
+  return string_ == nullptr ? "" : string_.get();
 }
 
 const char* NQInternalText::pString(const char* text) {

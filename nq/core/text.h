@@ -5,14 +5,20 @@
 // memory it needs and is allocated anew on every change; to build a text piece
 // by piece use NQStringHandle. A change for which there is no memory is not
 // made.
+//
+// Texts compare by their bytes, no text before the empty one; they hash and print
+// (value.h), no text as the empty one.
 
 #ifndef NQ_CORE_TEXT_H
 #define NQ_CORE_TEXT_H
 
+#include <compare>
 #include <concepts>
 #include <memory>
+#include <string>
 
 #include "nq/core/copy_protocol.h"
+#include "nq/core/value.h"
 
 // A text as a plain value. Strings that it returns stay valid until it changes.
 class NQ_EXPORT NQInternalText {
@@ -24,12 +30,23 @@ class NQ_EXPORT NQInternalText {
   template <std::integral Integer>
   explicit NQInternalText(Integer textId) : NQInternalText(static_cast<int>(textId)) {}
   NQInternalText(const NQInternalText& source);
-  const NQInternalText& operator=(const NQInternalText& source);
+  NQInternalText& operator=(const NQInternalText& source);
+  // `source` has no text then.
+  NQInternalText(NQInternalText&& source) noexcept = default;
+  NQInternalText& operator=(NQInternalText&& source) noexcept = default;
 
   const char* pString() const { return string_.get(); }
   // 8, and the text's length if there is one.
   nqLong sizeOf() const;
   void debugOutput(int) const {}
+
+  friend NQ_EXPORT std::strong_ordering operator<=>(const NQInternalText& a,
+                                                    const NQInternalText& b);
+  friend bool operator==(const NQInternalText& a, const NQInternalText& b) {
+    return (a <=> b) == 0;
+  }
+  std::size_t hashValue() const;
+  std::string asText() const;
 
   // Each returns the string after the change. `text` may be (part of) the
   // object's own. Appending or prepending null changes nothing.
@@ -45,6 +62,7 @@ class NQ_EXPORT NQInternalText {
 // text, an attribute copy has none, whatever it had before.
 class NQ_EXPORT NQText : public NQObject {
   NQ_COPY_PROTOCOL(NQText)
+  NQ_MOVE_MEMBERS(NQText)
 
  public:
   explicit NQText(const char* text = nullptr) : text_(text) {}
@@ -52,6 +70,13 @@ class NQ_EXPORT NQText : public NQObject {
   const char* pString() const { return text_.pString(); }
   // 16, and the text's length if there is one.
   virtual nqLong sizeOf() const;
+
+  friend auto operator<=>(const NQText& a, const NQText& b) {
+    return a.text_ <=> b.text_;
+  }
+  friend bool operator==(const NQText& a, const NQText& b) { return a.text_ == b.text_; }
+  std::size_t hashValue() const { return text_.hashValue(); }
+  std::string asText() const { return text_.asText(); }
 
   // As in NQInternalText.
   const char* pString(const char* text) { return text_.pString(text); }
@@ -68,6 +93,7 @@ class NQ_EXPORT NQText : public NQObject {
 // A text that can show itself.
 class NQ_EXPORT NQErrorMsg : public NQText {
   NQ_COPY_PROTOCOL(NQErrorMsg)
+  NQ_MOVE_MEMBERS(NQErrorMsg)
 
  public:
   explicit NQErrorMsg(const char* text) : NQText(text) {}

@@ -63,6 +63,7 @@ class NQPointList : public NQTypedList<List, Base, Other> {
 
 class NQ_EXPORT NQPointDList : public NQPointList<NQPointDList, NQDList, NQPointSList> {
   NQ_COPY_PROTOCOL(NQPointDList)
+  NQ_MOVE_MEMBERS(NQPointDList)
 
  public:
   NQPointDList();
@@ -73,6 +74,7 @@ class NQ_EXPORT NQPointDList : public NQPointList<NQPointDList, NQDList, NQPoint
 
 class NQ_EXPORT NQPointSList : public NQPointList<NQPointSList, NQSList, NQPointDList> {
   NQ_COPY_PROTOCOL(NQPointSList)
+  NQ_MOVE_MEMBERS(NQPointSList)
 
  public:
   NQPointSList();

@@ -60,6 +60,7 @@ class NQRectList : public NQTypedList<List, Base, Other> {
 
 class NQ_EXPORT NQRectDList : public NQRectList<NQRectDList, NQDList, NQRectSList> {
   NQ_COPY_PROTOCOL(NQRectDList)
+  NQ_MOVE_MEMBERS(NQRectDList)
 
  public:
   NQRectDList();
@@ -70,6 +71,7 @@ class NQ_EXPORT NQRectDList : public NQRectList<NQRectDList, NQDList, NQRectSLis
 
 class NQ_EXPORT NQRectSList : public NQRectList<NQRectSList, NQSList, NQRectDList> {
   NQ_COPY_PROTOCOL(NQRectSList)
+  NQ_MOVE_MEMBERS(NQRectSList)
 
  public:
   NQRectSList();

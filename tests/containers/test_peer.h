@@ -4,7 +4,7 @@
 #define NQ_TESTS_CONTAINERS_TEST_PEER_H
 
 #include "nq/containers/bin_heap.h"
-#include "nq/containers/bin_tree.h"
+#include "nq/containers/bin_tree_internal.h"
 #include "nq/containers/cell_pool_internal.h"
 #include "nq/containers/index_hash_table.h"
 #include "nq/containers/list_sort.h"
@@ -39,7 +39,7 @@ class NQTestPeer {
   }
 
   static const NQBinTreeCell* root(const NQBinTree& tree) { return tree.pRoot_; }
-  static const NQBinTreeCell* sentinel(const NQBinTree& tree) { return &tree.sentinel_; }
+  static const NQBinTreeCell* sentinel() { return NQBinTree::sentinel(); }
   static int isValidRedBlackTree(const NQBinTree& tree) {
     return tree.isValidRedBlackTree();
   }

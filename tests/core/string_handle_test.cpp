@@ -7,6 +7,8 @@
 #include <memory>
 #include <random>
 #include <string>
+#include <type_traits>
+#include <utility>
 
 #include "tests/core/test_peer.h"
 #include "tests/support/copy_protocol_check.h"
@@ -201,6 +203,46 @@ TEST(NQStringHandle, FollowsAStringThroughALongRandomSequence) {
     ASSERT_EQ(handle.strlenBuf(), static_cast<nqLong>(model.size())) << step;
     ASSERT_STREQ(handle.pString(), model.c_str()) << step;
   }
+}
+
+TEST(NQStringHandle, IsEmptyAndUsableWhenItWasMovedFrom) {
+  static_assert(std::is_nothrow_move_constructible_v<NQStringHandle> &&
+                std::is_nothrow_move_assignable_v<NQStringHandle>);
+  const auto moved = [] {
+    NQStringHandle source;
+    source.appendString("abc");
+    const char* const text = source.pString();
+    NQStringHandle target;
+    target = NQStringHandle(std::move(source));
+    EXPECT_EQ(target.pString(), text);
+    EXPECT_STREQ(text, "abc");
+    return source;  // NOLINT(bugprone-use-after-move)
+  };
+  const auto expect = [](NQStringHandle handle, const char* text, nqLong capacity) {
+    EXPECT_STREQ(handle.pString(), text);
+    EXPECT_EQ(handle.strlenBuf(), static_cast<nqLong>(std::strlen(text)));
+    EXPECT_EQ(handle.capacity(), capacity);
+  };
+  expect(moved(), "", 0);
+  expect(NQStringHandle(moved(), NQ_DEEP_COPY), "", 0);
+  NQStringHandle handle = moved();
+  handle.empty();
+  EXPECT_EQ(handle.appendChar('x'), 1);
+  expect(handle, "x", 254);
+  handle = moved();
+  EXPECT_EQ(handle.appendString("yz"), 1);
+  expect(handle, "yz", 254);
+  handle = moved();
+  std::strcpy(handle.obtainAppendBuffer(300), "long");
+  expect(handle, "long", 508);
+  NQStringHandle copy;
+  const NQStringHandle none = moved();
+  copy.appendString("had");
+  copy = none;
+  expect(copy, "", 0);
+  NQStringHandle& self = handle;
+  handle = std::move(self);
+  expect(handle, "long", 508);
 }
 
 }  // namespace

@@ -9,6 +9,8 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 
 #include "nq/core/message_table.h"
 #include "nq/platform/system_internal.h"
@@ -174,6 +176,18 @@ TEST(NQErrorMsg, DisplaysItsTextWholeOrAsMuchAsCanBeWritten) {
   displayErrorMessage(nullptr);
   displayErrorMessage("");
   EXPECT_EQ(stream.calls(), 0);
+}
+
+TEST(NQText, GivesItsTextAwayWhenItIsMoved) {
+  static_assert(std::is_nothrow_move_constructible_v<NQText> &&
+                std::is_nothrow_move_assignable_v<NQErrorMsg>);
+  NQText source("abc");
+  const char* const text = source.pString();
+  NQText target("old");
+  target = std::move(source);
+  EXPECT_EQ(target.pString(), text);
+  EXPECT_EQ(source.pString(), nullptr);  // NOLINT(bugprone-use-after-move)
+  EXPECT_STREQ(source.appendString("new"), "new");
 }
 
 }  // namespace

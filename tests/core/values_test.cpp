@@ -1,17 +1,53 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <compare>
+#include <concepts>
 #include <limits>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <type_traits>
+#include <unordered_set>
+#include <vector>
 
 #include "nq/core/algorithm.h"
 #include "nq/core/boxed_values.h"
 #include "nq/core/object_with_id.h"
+#include "nq/core/text.h"
 #include "nq/core/unique_id.h"
 #include "tests/support/copy_protocol_check.h"
 
 namespace {
+
+// Each value is below the next, and equal to itself alone in every respect.
+template <class Value>
+void expectValues(const std::vector<Value>& ascending,
+                  const std::vector<std::string>& texts) {
+  static_assert(std::copyable<Value> && std::three_way_comparable<Value>);
+  std::vector<Value> sorted(ascending.rbegin(), ascending.rend());
+  std::sort(sorted.begin(), sorted.end());
+  EXPECT_EQ(sorted, ascending);
+  const std::unordered_set<Value> all(ascending.begin(), ascending.end());
+  EXPECT_EQ(all.size(), ascending.size());
+  for (std::size_t i = 0; i < ascending.size(); ++i) {
+    EXPECT_TRUE(all.contains(ascending[i]));
+    std::ostringstream out;
+    out << ascending[i];
+    EXPECT_EQ(out.str(), texts[i]);
+  }
+}
+
+TEST(Texts, AreValues) {
+  const std::vector<std::string> texts = {"", "", "Z", "a", "ab", "\xe9"};
+  expectValues<NQText>(
+      {NQText(), NQText(""), NQText("Z"), NQText("a"), NQText("ab"), NQText("\xe9")},
+      texts);
+  expectValues<NQInternalText>(
+      {NQInternalText(nullptr), NQInternalText(""), NQInternalText("Z"),
+       NQInternalText("a"), NQInternalText("ab"), NQInternalText("\xe9")},
+      texts);
+}
 
 template <class Box, class Value>
 void checkBox(Value value) {
@@ -22,6 +58,8 @@ void checkBox(Value value) {
   EXPECT_EQ(Box().value(), Value{0});
   EXPECT_EQ(box.value(Value{7}), Value{7});
   EXPECT_EQ(box.value(), Value{7});
+  expectValues<Box>({Box(Value{-1}), Box(), Box(Value{5}), Box(Value{40})},
+                    {"-1", "0", "5", "40"});
 }
 
 TEST(BoxedValues, BothKindsOfCopyTakeTheValue) {

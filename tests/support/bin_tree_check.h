@@ -38,10 +38,11 @@ inline BinTreeCheck checkBinTree(const NQBinTree& tree) {
     return result;
   };
   if (!result.fault.empty()) return result;
-  const NQBinTreeCell* const sentinel = Peer::sentinel(tree);
+  const NQBinTreeCell* const sentinel = Peer::sentinel();
   if (Peer::left(sentinel) != nullptr || Peer::right(sentinel) != nullptr) {
     return {"children of the sentinel"};
   }
+  if (Peer::parent(sentinel) != nullptr) return {"parent of the sentinel"};
   if (!Peer::isBlack(sentinel) || Peer::isRed(sentinel)) {
     return {"colour of the sentinel"};
   }
