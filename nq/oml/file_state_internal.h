@@ -40,17 +40,11 @@ struct WriteState final : OutputSink {
   // opened the file for itself. Null, with error() set, when there is nothing to write
   // to: output is lost then, which spoils a write under way.
   Writer* writerForOperation();
-  // Lets an operation use that writer. Lack of memory spoils the write.
+  // Lets an operation use that writer. In place: it is called for every field.
   template <class Operation>
-  void with(const Operation& operation) {
-    Writer* open = openWriter();
-    if (open == nullptr) open = writerForOperation();
-    if (open == nullptr) return;
-    try {
-      operation(*open);
-    } catch (const std::bad_alloc&) {
-      fail();
-    }
+  [[gnu::always_inline]] inline void with(const Operation& operation) {
+    if (Writer* const open = openWriter()) return operation(*open);
+    if (Writer* const made = writerForOperation()) operation(*made);
   }
   // Sets error(), and spoils the write if there is one.
   void fail();

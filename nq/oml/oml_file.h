@@ -186,7 +186,8 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
 
   // The writing operations, for use in vWriteObject(), or while the file is open in the
   // mode NQ_WRITE, NQ_WRITE_ASCII or NQ_APPEND (text encoding) or, with a grammar from
-  // initParser(), NQ_WRITE_BINARY. At other times they only set error(), and for a null
+  // initParser(), NQ_WRITE_BINARY. At other times they only set error(). Lack of memory
+  // is a failed write, and thrown as std::bad_alloc, which may leave the hook. For a null
   // name or text they do nothing. The binary encoding has the indices of the grammar's
   // names, -1 for unknown ones, and ignores blank lines and `singleLine`.
 

@@ -17,7 +17,9 @@ namespace nqdetail {
 void Output::makeRoom(std::size_t count) {
   flush();
   if (count <= free()) return;
+  const bool failedBefore = std::exchange(failed_, true);  // also without memory
   block_.reset(new char[count + 1]);
+  failed_ = failedBefore;
   at_ = block_.get();
   end_ = at_ + count;
 }
@@ -86,7 +88,7 @@ void Writer::reference(const char* name, const NQOMLObject* object,
   if (context != nullptr && context->pOMLOwner() == object->pOMLOwner()) {
     sibling(name, writtenID(*object, id));
   } else {
-    collectAddress(*object);
+    orSpoil([&] { collectAddress(*object); });
     address(name, address_);
   }
 }
@@ -116,8 +118,12 @@ void Writer::collectAddress(const NQOMLObject& object) {
 }
 
 nqLong Writer::numberOf(const NQObject& object) {
-  return numbers_.try_emplace(&object, static_cast<nqLong>(numbers_.size()) + 1)
-      .first->second;
+  nqLong number = 0;
+  orSpoil([&] {
+    const auto next = static_cast<nqLong>(numbers_.size()) + 1;
+    number = numbers_.try_emplace(&object, next).first->second;
+  });
+  return number;
 }
 
 }  // namespace nqdetail

@@ -153,6 +153,16 @@ class Writer {
   nqLong writtenID(const NQObject& object, nqInt64 id) {
     return lossless() ? numberOf(object) : static_cast<nqLong>(id);
   }
+  // Takes a step that needs memory; what it throws spoils the write and passes through.
+  template <class Step>
+  void orSpoil(const Step& step) {
+    try {
+      step();
+    } catch (...) {
+      spoil();
+      throw;
+    }
+  }
   // The number of its first mention.
   nqLong numberOf(const NQObject& object);
   // Puts the address from the top together.
