@@ -407,6 +407,10 @@ NQOMLExtension* NQOMLFile::pOMLExtension(NQOMLExtension* extension) {
   return state_->extension = extension;
 }
 
+NQOMLSyntaxObject* NQOMLFile::pSyntaxRoot() const {
+  return state_->root;
+}
+
 NQOMLSyntaxObject* NQOMLFile::pSyntaxObject(nqLong objectIDIndex) const {
   return state_->names ? state_->names->ids.pSyntaxObject(objectIDIndex) : nullptr;
 }

@@ -264,6 +264,9 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   NQOMLExtension* pOMLExtension() const;
   NQOMLExtension* pOMLExtension(NQOMLExtension* extension);
 
+  // The tree of the last read, of type 0: its children are the objects on top, its fields
+  // those outside any object. Null while a file is parsed, and when that has failed.
+  NQOMLSyntaxObject* pSyntaxRoot() const;
   // During a read: the node that defines an id, or null; and the index of a
   // section, counted as in syntax nodes, or -1.
   NQOMLSyntaxObject* pSyntaxObject(nqLong objectIDIndex) const;

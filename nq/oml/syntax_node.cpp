@@ -191,6 +191,25 @@ NQOMLFieldTypeEnum NQOMLSyntaxField::valueType() const {
   }
 }
 
+const char* NQOMLSyntaxField::wordString() const {
+  const ReadTables* const tables = kind_->tables;
+  const nqLong index = token().integer();
+  switch (tag_) {
+    case NQ_OML_ENUMERATOR:
+      return nqdetail::enumeratorName(tables, index);
+    case NQ_OML_OBJECT_TYPE_NAME:
+      return nqdetail::objectTypeName(tables, index);
+    case NQ_OML_SECTION_NAME:
+      return nqdetail::sectionName(tables, index);
+    case NQ_OML_FIELD_NAME:
+      return nqdetail::fieldName(tables, index);
+    case NQ_OML_OBJECT_ID:
+      return nqdetail::objectIDText(tables, index);
+    default:
+      return "";
+  }
+}
+
 int NQOMLSyntaxField::intValue() const {
   return token().integer();
 }
@@ -286,6 +305,10 @@ const char* NQOMLSyntaxObject::typeString() const {
 
 const char* NQOMLSyntaxObject::nameString() const {
   return nqdetail::objectIDText(kind_->tables, objectIDIndex_);
+}
+
+const char* NQOMLSyntaxObject::writtenIDString() const {
+  return nqdetail::writtenIDText(kind_->tables, objectIDIndex_);
 }
 
 NQObject* NQOMLSyntaxObject::object() const {

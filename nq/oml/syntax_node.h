@@ -154,6 +154,10 @@ class NQ_EXPORT NQOMLSyntaxField : public NQOMLSyntaxStruct {
   int enumValue() const;
   int boolValue() const;
   const char* stringValue() const;
+  // The text of a value that is a word: of an enumerator, in an unchecked field also of
+  // any other name, and of a reference. That is the whole way from the top once the file
+  // is checked, in an unchecked field what is written there. "" for other values.
+  const char* wordString() const;
   // The object to which a reference leads, once it is made; null for a value that is
   // not an id. What an unchecked field names may be of any type: ask for the class with
   // dynamic_cast.
@@ -213,7 +217,11 @@ class NQ_EXPORT NQOMLSyntaxObject : public NQOMLSyntaxStruct {
   nqLong objectIDIndex() const { return objectIDIndex_; }
   nqLong objectIDIndex(nqLong index) { return objectIDIndex_ = index; }
   nqLong nameIndex() const { return objectIDIndex_; }
+  // Its text. Once the file is read to its end that is the whole way from the top, in
+  // which objects without an id have numbers.
   const char* nameString() const;
+  // The id as it is written in the file; "" for none.
+  const char* writtenIDString() const;
   // The application's object made for that id, or null.
   NQObject* object() const;
 

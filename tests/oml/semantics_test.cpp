@@ -84,6 +84,40 @@ TEST(Semantics, GivesIDsJoinsBlocksAndResolvesReferences) {
   }
 }
 
+// What hooks see of it: the ids and words of the file beside what became of them.
+TEST(Semantics, KeepsWhatIsWritten) {
+  FakeSystem system;
+  EverythingGrammar grammar;
+  TestReader reader;
+  EXPECT_EQ(reader.pSyntaxRoot(), nullptr);
+  std::string seen;
+  const auto look = [&seen](const NQOMLSyntaxObject& object,
+                            const auto& lookInto) -> void {
+    seen += std::string(object.writtenIDString()) + "(";
+    for (NQOMLSyntaxFieldIter field(&object); field; ++field) {
+      seen += std::string(field.pField()->wordString()) + " ";
+    }
+    for (NQOMLSyntaxObjectIter child(&object); child; ++child) {
+      lookInto(*child.pObject(), lookInto);
+    }
+    seen += ")";
+  };
+  reader.atHook = [&](const char* hook) {
+    if (seen.empty() && std::string(hook) == "create") look(*reader.pSyntaxRoot(), look);
+  };
+  system.files["f"] =
+      "field \"mine\" graph g { size large flag true count 5 title \"t\" any $,g,12\n"
+      "node { node k } node 0012 node defaults { next k7 node k7 }\n"
+      "comment \"unchecked\" v: new w: mine x: small y: a,b z 5 }";
+  EXPECT_EQ(reader.read("f", grammar), NQ_FILE_OK) << reader.errors();
+  EXPECT_EQ(seen,
+            "(g(LARGE TRUE   $,g,12 NEW MINE SMALL a,b  (k())12()"
+            "defaults($,g,k7 k7($,g,k7 ))))");
+  system.files["f"] = "graph {";
+  EXPECT_EQ(reader.read("f", grammar), NQ_FILE_READ_ERROR);
+  EXPECT_EQ(reader.pSyntaxRoot(), nullptr);
+}
+
 // Many objects may inherit much from their defaults, and end with error 34 here
 // rather than for lack of memory.
 TEST(Semantics, LimitsWhatIsInherited) {

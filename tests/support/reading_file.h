@@ -20,6 +20,7 @@ class HandMadeIDs : public nqdetail::ObjectIDs {
   const char* text(nqLong index) const override {
     return known(index) ? at(index).text.c_str() : "";
   }
+  const char* writtenText(nqLong) const override { return ""; }
   NQOMLSyntaxObject* pSyntaxObject(nqLong index) const override {
     return known(index) ? at(index).syntax : nullptr;
   }

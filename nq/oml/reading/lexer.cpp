@@ -32,6 +32,12 @@ void NameTables::ignoreField(const char* name) {
   meanings.declareField(name, grammar.pFieldPool()->decodeTableMax() + index);
 }
 
+nqLong NameTables::keptFieldIndex(std::string_view name) {
+  const nqLong index = declaredFields.update(name);
+  if (index < 0) throw std::bad_alloc();
+  return grammar.pFieldPool()->decodeTableMax() + index;
+}
+
 std::unique_ptr<Lexer> Lexer::make(bool binary, Sources& sources, NameTables& names,
                                    Diagnostics& diagnostics) {
   if (binary) return std::make_unique<BinaryLexer>(sources, names, diagnostics);

@@ -49,10 +49,12 @@ struct NameTables {
   IDTable ids;
   bool unchecked = false;  // every name is that of a field
 
-  // What the file declares, known to the next token. Throw std::bad_alloc when it
-  // cannot be kept.
+  // What the file declares, known to the next token. These throw std::bad_alloc when a
+  // name cannot be kept.
   void declareSection(const char* name);
   void ignoreField(const char* name);
+  // The index, as tokens have it, of a field that is kept though the grammar lacks it.
+  nqLong keptFieldIndex(std::string_view name);
 };
 
 class Lexer {

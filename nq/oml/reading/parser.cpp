@@ -263,6 +263,10 @@ void Parser::parseField(const SourceToken* name, const Context& context,
   } else if (value.tag == NQ_OML_CLOSING_BRACKET) {
     error(value, kUnexpectedValue);
   }
+  // A name that the file has declared for ignored fields is here a word like others.
+  if (value.tag == NQ_OML_FIELD_NAME && value.declared != 0) {
+    value.integer(names_.keptFieldIndex(text(value)));
+  }
   if (!diagnostics_.failed()) {
     NodeKind* const kind = isKnown
                                ? known.kind

@@ -223,11 +223,9 @@ void TextLexer::readFieldName(NQOMLToken& token, std::string_view name) {
   const NQStringPool& known = *names_.grammar.pFieldPool();
   nqLong index = known.lookup(name);
   if (index < 0) {
-    nqLong declared = names_.ignoredFields.lookup(name);
-    token.declared = declared >= 0 ? 1 : 0;
-    if (declared < 0) declared = names_.declaredFields.update(name);
-    if (declared < 0) throw std::bad_alloc();
-    index = known.decodeTableMax() + declared;
+    const nqLong ignored = names_.ignoredFields.lookup(name);
+    token.declared = ignored >= 0 ? 1 : 0;
+    index = ignored >= 0 ? known.decodeTableMax() + ignored : names_.keptFieldIndex(name);
   }
   token.tag = NQ_OML_FIELD_NAME;
   token.integer(index);

@@ -201,22 +201,36 @@ void IDTable::appendComponent(std::string& text, const Entry& entry) const {
   if (!isBare({entry.stem, entry.number})) text += std::to_string(entry.number);
 }
 
-const char* IDTable::text(nqLong index) const {
-  if (!isEntry(index)) return "";
-  const auto known = texts_.find(index);
+template <class Make>
+const char* IDTable::kept(nqLong key, const Make& make) const {
+  const auto known = texts_.find(key);
   if (known != texts_.end()) return known->second.c_str();
   try {
     std::string text;
+    make(text);
+    return texts_.emplace(key, std::move(text)).first->second.c_str();
+  } catch (const std::bad_alloc&) {
+    exhausted_ = true;
+    return "";
+  }
+}
+
+const char* IDTable::text(nqLong index) const {
+  if (!isEntry(index)) return "";
+  return kept(index, [this, index](std::string& text) {
     walkChain(index);
     for (auto link = chain_.rbegin(); link != chain_.rend(); ++link) {
       if (link != chain_.rbegin()) text += kScopeSeparator;
       appendComponent(text, entry(*link));
     }
-    return texts_.emplace(index, std::move(text)).first->second.c_str();
-  } catch (const std::bad_alloc&) {
-    exhausted_ = true;
-    return "";
-  }
+  });
+}
+
+const char* IDTable::writtenText(nqLong index) const {
+  if (isSimple(index)) return text(index);
+  if (!isWritten(index)) return "";
+  return kept(~index,
+              [this, index](std::string& text) { appendComponent(text, entry(index)); });
 }
 
 }  // namespace nqdetail

@@ -77,6 +77,7 @@ class IDTable final : public ObjectIDs {
 
   // Simple ids have neither a node nor an object.
   const char* text(nqLong index) const override;
+  const char* writtenText(nqLong index) const override;
   NQOMLSyntaxObject* pSyntaxObject(nqLong index) const override {
     return isTarget(index) ? entry(index).syntax : nullptr;
   }
@@ -171,6 +172,9 @@ class IDTable final : public ObjectIDs {
   const char* stemOf(std::uint32_t stem) const {
     return names_.decode(static_cast<nqLong>(stem) - 1);  // "" for kNoStem
   }
+  // The text in texts_ under a key, as `make` puts it together when it is missing.
+  template <class Make>
+  const char* kept(nqLong key, const Make& make) const;
   // Adds the text of an entry's component.
   void appendComponent(std::string& text, const Entry& entry) const;
   // Puts the ids of which `id` is put together into chain_, the longest first.
@@ -180,12 +184,13 @@ class IDTable final : public ObjectIDs {
   BlockArray<Entry> chains_;
   HashIndex index_;  // of chains_
   mutable bool exhausted_ = false;
-  NQStringPool names_;                                     // stems
-  std::vector<Stem> stems_;                                // by stem
-  std::vector<NumberTable> numbers_;                       // of the stems that have any
-  std::uint32_t lastStem_ = kNoStem;                       // the last one looked up
-  mutable std::unordered_map<nqLong, std::string> texts_;  // those asked for
-  mutable std::vector<nqLong> chain_;                      // the last one walked
+  NQStringPool names_;                // stems
+  std::vector<Stem> stems_;           // by stem
+  std::vector<NumberTable> numbers_;  // of the stems that have any
+  std::uint32_t lastStem_ = kNoStem;  // the last one looked up
+  // Those asked for, of whole ids by the id, of their last components by its complement.
+  mutable std::unordered_map<nqLong, std::string> texts_;
+  mutable std::vector<nqLong> chain_;  // the last one walked
 };
 
 }  // namespace nqdetail

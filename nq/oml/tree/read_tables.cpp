@@ -50,6 +50,15 @@ const char* objectTypeName(const ReadTables* tables, nqLong index) {
   return hasGrammar(tables) ? tables->pGrammar->pObjTypePool()->decode(index) : "";
 }
 
+const char* enumeratorName(const ReadTables* tables, nqLong index) {
+  return hasGrammar(tables) ? tables->pGrammar->pEnumPool()->decode(index) : "";
+}
+
+const char* writtenIDText(const ReadTables* tables, nqLong index) {
+  if (tables == nullptr || tables->pObjectIDs == nullptr) return "";
+  return tables->pObjectIDs->writtenText(index);
+}
+
 const char* objectIDText(const ReadTables* tables, nqLong index) {
   if (tables == nullptr || tables->pObjectIDs == nullptr) return "";
   return tables->pObjectIDs->text(index);

@@ -27,6 +27,9 @@ class ObjectIDs {
 
   // The text, valid as long as the table; made when first asked for.
   virtual const char* text(nqLong index) const = 0;
+  // The same of the last component alone, by which an object is called in the file; ""
+  // when it has no id there.
+  virtual const char* writtenText(nqLong index) const = 0;
   // The node that defines the id.
   virtual NQOMLSyntaxObject* pSyntaxObject(nqLong index) const = 0;
   // The application's object made for it.
@@ -54,7 +57,9 @@ void announceSyntaxObject(NQOMLFile* file, NQOMLSyntaxObject* node, nqLong line,
 const char* fieldName(const ReadTables* tables, nqLong index);
 const char* sectionName(const ReadTables* tables, nqLong index);
 const char* objectTypeName(const ReadTables* tables, nqLong index);
+const char* enumeratorName(const ReadTables* tables, nqLong index);
 const char* objectIDText(const ReadTables* tables, nqLong index);
+const char* writtenIDText(const ReadTables* tables, nqLong index);
 const char* stringText(const ReadTables* tables, nqLong index);
 // The way back; -1 when the name is unknown or null, or there is no grammar.
 nqLong fieldIndex(const ReadTables* tables, const char* name);
