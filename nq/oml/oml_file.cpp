@@ -150,7 +150,8 @@ nqLong NQOMLFile::sizeOf() const {
 NQFileCodeEnum NQOMLFile::readOMLFile(const char* fileName, NQOMLStatic* grammar,
                                       NQObject* top, nqLong topTypeIndex, int binary,
                                       int useIndexHashTable, int) {
-  return readFrom(fileName, nullptr, grammar, top, topTypeIndex, binary, useIndexHashTable);
+  return readFrom(fileName, nullptr, grammar, top, topTypeIndex, binary,
+                  useIndexHashTable);
 }
 
 NQFileCodeEnum NQOMLFile::readOML(NQByteSource& source, const char* name,
@@ -162,8 +163,9 @@ NQFileCodeEnum NQOMLFile::readOML(NQByteSource& source, const char* name,
 
 // From the source, or from the file of that name where there is none.
 NQFileCodeEnum NQOMLFile::readFrom(const char* name, NQByteSource* source,
-                               NQOMLStatic* grammar, NQObject* top, nqLong topTypeIndex,
-                               int binary, int useIndexHashTable) {
+                                   NQOMLStatic* grammar, NQObject* top,
+                                   nqLong topTypeIndex, int binary,
+                                   int useIndexHashTable) {
   if (grammar == nullptr || name == nullptr) return NQ_FILE_READ_ARGUMENT_ERROR;
   if (state_->busy) return NQ_FILE_READ_ERROR;
   initParser(grammar, top, topTypeIndex, useIndexHashTable);

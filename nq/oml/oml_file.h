@@ -382,10 +382,10 @@ class NQ_EXPORT NQOMLFile : public NQTextFile {
   // The grammar's definition of a node's type, or null.
   const NQOMLDefObjType* definitionOf(const NQOMLSyntaxObject* syntax) const;
   NQFileCodeEnum readFrom(const char* name, NQByteSource* source, NQOMLStatic* grammar,
-                      NQObject* top, nqLong topTypeIndex, int binary,
-                      int useIndexHashTable);
+                          NQObject* top, nqLong topTypeIndex, int binary,
+                          int useIndexHashTable);
   NQFileCodeEnum writeTo(const char* fileName, NQByteSink* sink, NQOMLStatic* grammar,
-                       NQObject* top, int binary, int useIndexHashTable);
+                         NQObject* top, int binary, int useIndexHashTable);
   void parse(const char* name, NQByteSource* source, bool binary);
   void checkSemantics();
 

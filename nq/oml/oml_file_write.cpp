@@ -122,8 +122,8 @@ NQFileCodeEnum NQOMLFile::writeOML(NQByteSink& sink, NQOMLStatic* grammar, NQObj
 
 // To the sink, or to a file of that name where there is none.
 NQFileCodeEnum NQOMLFile::writeTo(const char* fileName, NQByteSink* sink,
-                                NQOMLStatic* grammar, NQObject* top, int binary,
-                                int useIndexHashTable) {
+                                  NQOMLStatic* grammar, NQObject* top, int binary,
+                                  int useIndexHashTable) {
   if (grammar == nullptr) return NQ_FILE_WRITE_ARGUMENT_ERROR;
   nqdetail::FileState& state = *state_;
   if (state.busy) return NQ_FILE_WRITE_ERROR;
