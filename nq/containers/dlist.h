@@ -1,9 +1,9 @@
 // dlist.h -- doubly linked list of NQObject pointers.
 //
 // The general container of the library: NQDList, its cells (NQDListCell) and
-// its established iterator (NQDListIter). Ownership, positions, cost and the
-// operations that both kinds of list share are told in linked_list.h; removing a
-// cell is O(1) here.
+// its established iterator (NQDListIter). See linked_list.h for ownership,
+// positions, cost and the operations that both kinds of list share; removing a cell
+// is O(1) here.
 //
 // A deep copy of a list deletes the objects of its target and holds clones of
 // the source's; an attribute copy of a list is empty. A deep copy of a cell

@@ -1,7 +1,7 @@
 // slist.h -- singly linked list of NQObject pointers.
 //
 // NQSList is the smaller twin of NQDList: its cells (NQSListCell) know only
-// their successor. What both kinds of list share is told in linked_list.h.
+// their successor. See linked_list.h for what both kinds of list share.
 // Removing a cell, or a run of cells, means walking to its predecessor; callers
 // that know the predecessor spare the walk with removeNextCell() and
 // transferNextListPart().

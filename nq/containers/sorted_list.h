@@ -5,8 +5,8 @@
 // objects comes first. A cell goes behind its equals: among them the newest is
 // the last. (The sorted tree, NQSortedBinTree, puts the newest first.)
 //
-// The operations below find the place themselves and so take no position; what
-// they do not replace, and who owns what, is told in linked_list.h. Operations
+// The operations below find the place themselves and so take no position; see
+// linked_list.h for the others, and for who owns what. Operations
 // that would put cells at places of the caller's choice are not offered. Objects
 // must keep their place in the order while they are in the list. Where it holds
 // null, or is asked to take null in, the comparison must know null too.

@@ -75,7 +75,7 @@ class NQ_EXPORT NQStreamSource final : public NQByteSource {
 };
 
 // A file, pipe or terminal that somebody else opened, by the system's handle (see
-// system_calls.h), and standard input. Takes what is there without waiting for more.
+// system_calls.h), and standard input. Reads what has arrived and does not wait for more.
 class NQ_EXPORT NQHandleSource final : public NQByteSource {
  public:
   NQHandleSource();  // standard input

@@ -144,7 +144,7 @@ class NQ_EXPORT NQFile : public NQObject {
   // With `mark` not 0, writeEndOfFile() comes first in the modes 1 and 7.
   virtual NQFileCodeEnum detach(int mark);
   // Sends on what was gathered. NQ_FILE_WRITE_ERROR when the system does not take it
-  // all; what is left is tried again by the next flush, and by close.
+  // all; the next flush, or close, tries again with the rest.
   virtual NQFileCodeEnum flush();
   // Gives up the file that is being written under safeWriting: the next close removes
   // it, leaves the old one as it was and answers NQ_FILE_CLOSE_ERROR. Changes nothing

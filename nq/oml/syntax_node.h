@@ -262,8 +262,8 @@ class NQ_EXPORT NQOMLSyntaxObject : public NQOMLSyntaxStruct {
   // The first field of that name whose path is written so, wildcards included.
   NQOMLSyntaxField* searchUniqueField(nqLong nameIndex, nqULong sectionPath) const;
 
-  // The lists themselves. The setters replace what is stored and free nothing;
-  // that of the children's end is for who has relinked the last cells.
+  // The lists themselves. The setters replace what is stored and free nothing.
+  // Call pObjectListEnd(end) after relinking the last cells yourself.
   NQOMLSyntaxObjectList* pObjectList() const { return objects_; }
   NQOMLSyntaxObjectList* pObjectListEnd() const { return objectsEnd_; }
   NQOMLSyntaxObjectList* pObjectListEnd(NQOMLSyntaxObjectList* end) {

@@ -629,7 +629,7 @@ TEST_F(Writing, TakesEveryIntegerType) {
            LongLong(), ULongLong(), std::size_t(), nqLong(), nqULong(), nqInt64());
 }
 
-// A derived class may open the file itself, and what fails is told by the close.
+// A derived class may open the file itself; the close answers for what failed.
 TEST_F(Writing, WritesToAFileThatTheApplicationOpens) {
   const std::string text = "{\r\n\tx: 1\r\n# line\r\n}\r\n";
   const struct {

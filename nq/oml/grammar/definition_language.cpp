@@ -273,7 +273,7 @@ bool DefinitionReader::readEnumeration() {
 }
 
 // The list in brackets that begins at token `next`, which is left behind it. In a
-// table, what is no part of the list separates as a blank does.
+// compiled table, anything that cannot be part of the list counts as a blank.
 bool DefinitionReader::readEnumerators(const Token& name, IndexList& values,
                                        std::size_t& next) {
   const Token& opening = tokens_[next++];

@@ -70,7 +70,7 @@ void Source::makeRoom(const char* keep) {
     at = window_.data() + taken;
     end = window_.data() + kept;
   };
-  follow();  // also for who asks for the place when there is no memory for more
+  follow();  // before the resize, which may throw: the place must hold then, too
   if (capacity - kept < capacity / 2) window_.resize(2 * capacity + 1);
   follow();
 }
