@@ -83,7 +83,7 @@ class Summarizer {
   // Sections that the file declares are passed over as "skip" is.
   void section(nqULong path, nqLong name) {
     number(path);
-    number(name >= numberOfSections_ ? NQ_OML_SKIP_SECTION : name);
+    number(name >= numberOfSections_ ? nqLong{NQ_OML_SKIP_SECTION} : name);
   }
   void number(std::int64_t value) {
     for (int i = 0; i < 8; ++i) byte(static_cast<unsigned char>(value >> (8 * i)));
