@@ -497,7 +497,7 @@ TEST(NQRect, KeepsWhatIsItsOwn) {
 
 TEST(NQRect, GathersBoundsFromNothing) {
   NQRect bounds = NQRect::nothing();
-  const NQRect nothing = bounds, far(7, -9, 7, -9);
+  const NQRect nothing = bounds, away(7, -9, 7, -9);
   EXPECT_EQ(bounds.within(NQPoint(0, 0)) + bounds.intersectsRect(NQRect()), 0);
   bounds |= nothing;
   bounds.updateBounds(&nothing);
@@ -507,16 +507,16 @@ TEST(NQRect, GathersBoundsFromNothing) {
   EXPECT_EQ(bounds, NQRect(p, p));
   bounds.updateBounds(&nothing);
   bounds |= nothing;
-  bounds.updateBounds(&far);
+  bounds.updateBounds(&away);
   EXPECT_EQ(bounds, NQRect(5, -9, 7, -3));
   bounds = nothing;
-  bounds |= far;
-  EXPECT_EQ(bounds, far);
+  bounds |= away;
+  EXPECT_EQ(bounds, away);
   for (const NQRect& empty : {nothing, NQRect(0, 0, 0, 0), NQRect(-1, 5),
-                              far.calculateIntersection(NQRect(8, 8, 9, 9))}) {
+                              away.calculateIntersection(NQRect(8, 8, 9, 9))}) {
     EXPECT_EQ(empty.isEmpty(), 1) << empty;
   }
-  EXPECT_EQ(far.isEmpty() + NQRect().isEmpty() + NQInternalRect().isEmpty(), 0);
+  EXPECT_EQ(away.isEmpty() + NQRect().isEmpty() + NQInternalRect().isEmpty(), 0);
 }
 
 TEST(NQInternalRect, KeepsWhatIsItsOwn) {
