@@ -45,11 +45,7 @@ class NQ_EXPORT NQ_VIEWED_AS_RECORD NQRect : public NQObject,
   // The rectangle of no points, to begin with where bounds are gathered:
   // updateBounds() and |= make it what they are given first. It has no extent and no
   // place: what width() and its like answer means nothing.
-  static NQRect nothing() {
-    NQRect rect;
-    rect.edges_ = NQEdges::nothing();
-    return rect;
-  }
+  static NQRect nothing();
 
   nqLong left() const { return edges_.left; }
   nqLong top() const { return edges_.top; }
@@ -98,5 +94,12 @@ class NQ_EXPORT NQ_VIEWED_AS_RECORD NQRect : public NQObject,
 };
 
 NQ_COPY_VALUE_INLINE(NQRect)
+
+// Below the class: mingw-w64 wants the copying constructor to come first.
+inline NQRect NQRect::nothing() {
+  NQRect rect;
+  rect.edges_ = NQEdges::nothing();
+  return rect;
+}
 
 #endif  // NQ_GEOMETRY_RECT_H

@@ -91,7 +91,9 @@ struct Thing : NQOMLObject {
   }
   NQOMLObject* pOMLOwner() const override { return owner; }
   void collectOwnedOMLObjects(NQDList& list) override {
-    for (NQOMLObject* part : parts) list.appendObject(part);
+    for (NQOMLObject* part : parts) {
+      if (list.appendObject(part) == nullptr) throw std::bad_alloc();
+    }
   }
   NQOMLObject* owner;
   std::vector<NQOMLObject*> parts;
