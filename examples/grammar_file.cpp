@@ -1,6 +1,7 @@
 // A grammar from text at run time: what is wrong with it, and what it says.
 
 #include <cstdio>
+#include <iostream>
 #include <string>
 #include <vector>
 
@@ -35,8 +36,8 @@ int main() {
   std::vector<NQOMLDiagnostic> diagnostics;
   auto grammar = nqReadGrammarText(kText, "graph.grammar", diagnostics);
   for (const NQOMLDiagnostic& diagnostic : diagnostics) {
-    std::printf("%s:%d:%d: %s\n", diagnostic.file.c_str(), diagnostic.first.line,
-                diagnostic.first.column, diagnostic.text.c_str());
+    std::cout << diagnostic.file << ':' << diagnostic.first.line << ':'
+              << diagnostic.first.column << ": " << diagnostic.text << '\n';
     if (!diagnostic.hint.empty()) std::printf("  %s\n", diagnostic.hint.c_str());
   }
 
