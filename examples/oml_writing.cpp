@@ -100,5 +100,6 @@ int main() {
   NQStringHandle line;
   if (written.open(name, NQ_READ) != NQ_FILE_OK) return 1;
   while (written.readLine(line) == NQ_FILE_OK) std::printf("%s\n", line.pString());
+  if (written.close() != NQ_FILE_OK) return 1;
   return std::remove(name);
 }
