@@ -69,6 +69,9 @@ std::string richText() {
 }
 
 TEST(Memory, IsExhaustedAnywhereInARead) {
+#if defined(_WIN32)
+  GTEST_SKIP() << "the stack overflows when an exception is thrown without memory";
+#endif
   EverythingGrammar grammar;
   const std::string good = richText();
   const Sample samples[] = {
