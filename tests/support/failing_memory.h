@@ -19,7 +19,9 @@ class FailingMemory {
 #endif
 
   FailingMemory(long successes, bool forGood);
-  ~FailingMemory() { stop(); }
+  ~FailingMemory() {
+    stop();
+  }
   FailingMemory(const FailingMemory&) = delete;
   FailingMemory& operator=(const FailingMemory&) = delete;
 
