@@ -88,9 +88,11 @@ class NQObjectView : public std::ranges::view_base {
   const Container* pContainer_;
 };
 
+#if !defined(NQ_DOCUMENTING)  // which Doxygen takes for an undeclared symbol
 template <class Object, class Container>
 inline constexpr bool
     std::ranges::enable_borrowed_range<NQObjectView<Object, Container>> = true;
+#endif
 
 template <class Object, class Container>
 NQObjectView<Object, Container> nqObjects(const Container& container) {

@@ -37,10 +37,12 @@ std::ostream& operator<<(std::ostream& out, const Value& value) {
   return out << value.asText();
 }
 
+#if !defined(NQ_DOCUMENTING)  // which Doxygen takes for a class of an unknown scope
 template <NQValue Value>
 struct std::hash<Value> {
   std::size_t operator()(const Value& value) const { return value.hashValue(); }
 };
+#endif
 
 // One hash of several numbers, in their order. Equal numbers, as 0.0 and -0.0 are,
 // have equal ones. For tables in memory: it may be another one in the next version.
